@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds both trees with warnings as errors and runs
+# every test: the portable ones natively (with ASan and UBSan), then the Win32
+# ones under Wine in a throwaway prefix with a display of their own.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+cd "$root"
+scripts/setup.sh
+jobs=$(nproc)
+
+cmake --preset native -DCORVANE_WERROR=ON
+cmake --build --preset native -j"$jobs"
+ctest --preset native -j"$jobs"
+
+cmake --preset windows -DCORVANE_WERROR=ON
+cmake --build --preset windows -j"$jobs"
+ctest --preset windows -j"$jobs"
+echo "All tests passed."

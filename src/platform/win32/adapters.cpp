@@ -1,0 +1,96 @@
+#include <windows.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/win32/adapters.h"
+
+namespace corvane {
+
+bool Win32SystemInfo::GetVersion(OsVersion& out) {
+    OSVERSIONINFOA info{};
+    info.dwOSVersionInfoSize = sizeof info;  // 148, the size of the narrow structure
+    std::memset(info.szCSDVersion, ' ', sizeof info.szCSDVersion);
+    const BOOL ok = GetVersionExA(&info);
+    out.major = info.dwMajorVersion;
+    out.minor = info.dwMinorVersion;
+    out.build = info.dwBuildNumber;
+    out.platformId = info.dwPlatformId;
+    out.csdVersion.assign(info.szCSDVersion, sizeof info.szCSDVersion);
+    return ok != 0;
+}
+
+std::string Win32SystemInfo::ComputerName(size_t size) {
+    std::string buffer(size, ' ');
+    DWORD length = static_cast<DWORD>(size);
+    GetComputerNameA(buffer.data(), &length);
+    return buffer;
+}
+
+std::string Win32SystemInfo::UserName(size_t size) {
+    std::string buffer(size, ' ');
+    DWORD length = static_cast<DWORD>(size);
+    if (!GetUserNameA(buffer.data(), &length) || length == 0) return {};
+    buffer.resize(length - 1);  // the returned length counts the terminating NUL
+    return buffer;
+}
+
+std::string Win32SystemInfo::ErrorText(int32_t code, size_t size) {
+    std::string buffer(size, '\0');
+    const DWORD length =
+        FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                       static_cast<DWORD>(code), 0, buffer.data(), static_cast<DWORD>(size), nullptr);
+    buffer.resize(std::min<size_t>(length, size));
+    return buffer;
+}
+
+std::string Win32Environment::Expand(const std::string& text, size_t size) {
+    std::string buffer(size, '\0');
+    ExpandEnvironmentStringsA(text.c_str(), buffer.data(), static_cast<DWORD>(size));
+    return buffer;
+}
+
+void Win32Shell::Open(const std::string& target) {
+    ShellExecuteA(nullptr, "Open", target.c_str(), "", "", SW_SHOWNORMAL);
+}
+
+PromptAnswer Win32Prompts::Message(const std::string& text, const std::string& title,
+                                   PromptIcon icon, PromptButtons buttons) {
+    UINT style = 0;
+    switch (icon) {
+        case PromptIcon::None: break;
+        case PromptIcon::Information: style |= MB_ICONINFORMATION; break;
+        case PromptIcon::Question: style |= MB_ICONQUESTION; break;
+        case PromptIcon::Exclamation: style |= MB_ICONEXCLAMATION; break;
+        case PromptIcon::Critical: style |= MB_ICONHAND; break;
+    }
+    switch (buttons) {
+        case PromptButtons::Ok: style |= MB_OK; break;
+        case PromptButtons::OkCancel: style |= MB_OKCANCEL; break;
+        case PromptButtons::YesNo: style |= MB_YESNO; break;
+        case PromptButtons::YesNoCancel: style |= MB_YESNOCANCEL; break;
+    }
+    switch (MessageBoxA(static_cast<HWND>(owner_), text.c_str(), title.c_str(), style)) {
+        case IDYES: return PromptAnswer::Yes;
+        case IDNO: return PromptAnswer::No;
+        case IDCANCEL: return PromptAnswer::Cancel;
+        default: return PromptAnswer::Ok;
+    }
+}
+
+std::string Win32Profile::Read(const std::string& section, const std::string& key,
+                               const std::string& fallback, size_t size, const std::string& path) {
+    std::string buffer(size, ' ');
+    const DWORD length = GetPrivateProfileStringA(section.c_str(), key.c_str(), fallback.c_str(),
+                                                  buffer.data(), static_cast<DWORD>(size), path.c_str());
+    buffer.resize(std::min<size_t>(length, size));
+    return buffer;
+}
+
+bool Win32Profile::Write(const std::string& section, const std::string& key, const std::string& value,
+                         const std::string& path) {
+    return WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), path.c_str()) != 0;
+}
+
+}  // namespace corvane

@@ -1,0 +1,55 @@
+#include "ui/list_view.h"
+
+namespace corvane {
+
+void AutoSizeColumns(HWND list) {
+    HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+    const int count = header ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
+    for (int column = 0; column < count; ++column) {
+        SendMessageA(list, LVM_SETCOLUMNWIDTH, column, LVSCW_AUTOSIZE_USEHEADER);
+    }
+}
+
+int InsertColumn(HWND list, int index, const std::string& text, int width) {
+    LVCOLUMNA column{};
+    column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
+    column.pszText = const_cast<char*>(text.c_str());
+    column.cx = width;
+    column.iSubItem = index;
+    return static_cast<int>(SendMessageA(list, LVM_INSERTCOLUMNA, index, reinterpret_cast<LPARAM>(&column)));
+}
+
+int InsertItem(HWND list, int index, const std::string& text, int image) {
+    LVITEMA item{};
+    item.mask = LVIF_TEXT | LVIF_IMAGE;
+    item.iItem = index;
+    item.pszText = const_cast<char*>(text.c_str());
+    item.iImage = image;
+    return static_cast<int>(SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
+}
+
+void SetItemText(HWND list, int item, int subItem, const std::string& text) {
+    LVITEMA lv{};
+    lv.iSubItem = subItem;
+    lv.pszText = const_cast<char*>(text.c_str());
+    SendMessageA(list, LVM_SETITEMTEXTA, item, reinterpret_cast<LPARAM>(&lv));
+}
+
+std::string GetItemText(HWND list, int item, int subItem) {
+    // Grow the buffer until the text fits: the message gives no length up front.
+    for (int size = 260;; size *= 4) {
+        std::string buffer(size, '\0');
+        LVITEMA lv{};
+        lv.iSubItem = subItem;
+        lv.pszText = buffer.data();
+        lv.cchTextMax = size;
+        const int length =
+            static_cast<int>(SendMessageA(list, LVM_GETITEMTEXTA, item, reinterpret_cast<LPARAM>(&lv)));
+        if (length < size - 1 || size > (1 << 20)) {
+            buffer.resize(length);
+            return buffer;
+        }
+    }
+}
+
+}  // namespace corvane

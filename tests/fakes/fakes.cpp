@@ -1,0 +1,182 @@
+#include "fakes/fakes.h"
+
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+
+namespace corvane::fakes {
+
+bool FakeSystemInfo::GetVersion(OsVersion& out) {
+    if (versionCallFails) return false;
+    const std::string buffer = out.csdVersion;
+    out = version;
+    // The system writes the service pack text and its NUL over the caller's buffer.
+    std::string csd = buffer;
+    csd.replace(0, std::min(csd.size(), version.csdVersion.size() + 1), version.csdVersion + '\0');
+    out.csdVersion = csd;
+    return true;
+}
+
+std::string FakeSystemInfo::ComputerName(size_t size) {
+    std::string buffer(size, ' ');
+    if (computerName.size() < size) buffer.replace(0, computerName.size() + 1, computerName + '\0');
+    return buffer;
+}
+
+std::string FakeSystemInfo::UserName(size_t size) {
+    return userName.size() < size ? userName : std::string();
+}
+
+std::string FakeSystemInfo::ErrorText(int32_t code, size_t size) {
+    auto it = errorTexts.find(code);
+    if (it == errorTexts.end()) return {};
+    return it->second.substr(0, size);
+}
+
+std::string FakeEnvironment::Expand(const std::string& text, size_t size) {
+    ++calls;
+    std::string result;
+    size_t i = 0;
+    while (i < text.size()) {
+        const size_t open = text.find('%', i);
+        const size_t close = open == std::string::npos ? open : text.find('%', open + 1);
+        if (close == std::string::npos) {
+            result += text.substr(i);
+            break;
+        }
+        result += text.substr(i, open - i);
+        auto it = variables.find(text.substr(open + 1, close - open - 1));
+        if (it != variables.end()) {
+            result += it->second;
+            i = close + 1;
+        } else {
+            result += '%';  // unknown: keep it and let the closing % start a new reference
+            i = open + 1;
+            result += text.substr(i, close - i);
+            i = close;
+        }
+    }
+    std::string buffer(size, '\0');
+    if (result.size() < size) buffer.replace(0, result.size(), result);
+    return buffer;
+}
+
+PromptAnswer FakePrompts::Message(const std::string& text, const std::string& title,
+                                  PromptIcon icon, PromptButtons buttons) {
+    shown.push_back({text, title, icon, buttons});
+    if (!answers.empty()) {
+        const PromptAnswer answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+    return buttons == PromptButtons::YesNo || buttons == PromptButtons::YesNoCancel ? PromptAnswer::Yes
+                                                                                    : PromptAnswer::Ok;
+}
+
+namespace {
+
+std::string Trim(const std::string& s) {
+    const size_t first = s.find_first_not_of(" \t\r");
+    if (first == std::string::npos) return {};
+    return s.substr(first, s.find_last_not_of(" \t\r") - first + 1);
+}
+
+bool SameText(const std::string& a, const std::string& b) {
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
+               return std::tolower(x) == std::tolower(y);
+           });
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+bool IsSection(const std::string& line, std::string* name) {
+    const std::string t = Trim(line);
+    if (t.size() < 2 || t.front() != '[') return false;
+    const size_t close = t.find(']');
+    if (close == std::string::npos) return false;
+    *name = Trim(t.substr(1, close - 1));
+    return true;
+}
+
+// Where the key's line is (or npos), and where the section ends (npos when absent).
+struct Found {
+    size_t keyLine = std::string::npos;
+    size_t sectionEnd = std::string::npos;
+};
+
+Found Find(const std::vector<std::string>& lines, const std::string& section, const std::string& key) {
+    Found found;
+    bool inside = false;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        std::string name;
+        if (IsSection(lines[i], &name)) {
+            if (inside) return found;
+            inside = SameText(name, section);
+            if (inside) found.sectionEnd = i + 1;
+            continue;
+        }
+        if (!inside) continue;
+        found.sectionEnd = i + 1;
+        const size_t eq = lines[i].find('=');
+        if (eq != std::string::npos && SameText(Trim(lines[i].substr(0, eq)), key) &&
+            found.keyLine == std::string::npos) {
+            found.keyLine = i;
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+std::string FakeProfile::Read(const std::string& section, const std::string& key,
+                              const std::string& fallback, size_t size, const std::string& path) {
+    std::string value = fallback;
+    while (!value.empty() && value.back() == ' ') value.pop_back();
+    auto file = files.find(path);
+    if (file != files.end()) {
+        const std::vector<std::string> lines = Lines(file->second);
+        const Found found = Find(lines, section, key);
+        if (found.keyLine != std::string::npos) {
+            const std::string& line = lines[found.keyLine];
+            value = Trim(line.substr(line.find('=') + 1));
+            if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
+                value.back() == value.front()) {
+                value = value.substr(1, value.size() - 2);
+            }
+        }
+    }
+    if (size == 0) return {};
+    return value.substr(0, size - 1);
+}
+
+bool FakeProfile::Write(const std::string& section, const std::string& key, const std::string& value,
+                        const std::string& path) {
+    if (failWrites) return false;
+    ++writes;
+    std::vector<std::string> lines = Lines(files[path]);
+    const Found found = Find(lines, section, key);
+    const std::string entry = key + "=" + value;
+    if (found.keyLine != std::string::npos) {
+        lines[found.keyLine] = entry;
+    } else if (found.sectionEnd != std::string::npos) {
+        lines.insert(lines.begin() + static_cast<long>(found.sectionEnd), entry);
+    } else {
+        lines.push_back("[" + section + "]");
+        lines.push_back(entry);
+    }
+    std::string text;
+    for (const std::string& line : lines) text += line + "\r\n";
+    files[path] = text;
+    return true;
+}
+
+}  // namespace corvane::fakes

@@ -1,0 +1,38 @@
+#pragma once
+// Helpers for tests that run under Wine: where the test's files are, child
+// processes with their output, registry fixtures and the prefix's version.
+#include <string>
+
+namespace corvane::wine {
+
+// The folder of the running test executable (a Z:\ path into the build tree).
+std::string TestFolder();
+
+// A fresh, empty folder under C:\corvane-tests for this test's files.
+std::string FreshFolder(const std::string& name);
+
+struct RunResult {
+    unsigned long exitCode = 0;
+    std::string output;  // standard output and standard error together
+};
+// Runs a command line, waits at most `timeoutMs`, and gives its exit code and output.
+RunResult Run(const std::string& commandLine, unsigned long timeoutMs = 60000);
+
+// Imports a .reg file with regedit /s; false when regedit fails.
+bool ImportRegFile(const std::string& path);
+
+// Sets HKCU\Software\Wine\Version for the processes started from now on and
+// puts the old value back when it goes out of scope.
+class ScopedWineVersion {
+public:
+    explicit ScopedWineVersion(const std::string& version);
+    ~ScopedWineVersion();
+    ScopedWineVersion(const ScopedWineVersion&) = delete;
+    ScopedWineVersion& operator=(const ScopedWineVersion&) = delete;
+
+private:
+    std::string old_;
+    bool hadOld_ = false;
+};
+
+}  // namespace corvane::wine
