@@ -3,9 +3,11 @@
 
 #include <windows.h>
 
+#include "contract/file_system_contract.h"
 #include "contract/profile_contract.h"
 #include "foundations/functions.h"
 #include "platform/win32/adapters.h"
+#include "platform/win32/file_system_win32.h"
 #include "wine/wine_support.h"
 
 namespace corvane {
@@ -50,6 +52,11 @@ TEST(ProfileContract, Win32) {
     Win32Profile profile;
     const std::string folder = wine::FreshFolder("profile-contract");
     contract::CheckProfileContract(profile, folder + "\\Settings.ini");
+}
+
+TEST(FileSystemContract, Win32) {
+    Win32FileSystem fs;
+    contract::CheckFileSystemContract(fs, wine::FreshFolder("fs-contract"));
 }
 
 }  // namespace

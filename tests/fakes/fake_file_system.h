@@ -1,0 +1,71 @@
+#pragma once
+// Files and folders in memory, with the faults Wine cannot produce: any
+// operation can be made to fail, and a "crash" can stop a command after its
+// Nth change, so a test can check what a half-done command leaves behind.
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+
+#include "platform/file_system.h"
+
+namespace corvane::fakes {
+
+// Thrown by the fake when a test's crash point is reached; the command under
+// test never sees the end of its step.
+struct SimulatedCrash : std::runtime_error {
+    SimulatedCrash() : std::runtime_error("simulated crash") {}
+};
+
+class FakeFileSystem : public FileSystem {
+public:
+    // Paths compare without regard to case, as on Windows; "C:" exists from the start.
+    FakeFileSystem();
+
+    // Test set-up, bypassing faults and counters.
+    void AddFile(const std::string& path, const std::string& content);  // makes the parent folders
+    void AddFolder(const std::string& path);
+    std::optional<std::string> Content(const std::string& path) const;
+    std::vector<std::string> Paths() const;  // every file, in sorted order
+
+    // Faults. `failChange` fails the change with this 1-based number (0: none)
+    // with `failError`; `crashAfterChange` throws SimulatedCrash once that many
+    // changes have been made. `failIf` fails any operation it returns true for.
+    int changes = 0;
+    int failChange = 0;
+    int crashAfterChange = 0;
+    SysError failError = 5;  // ERROR_ACCESS_DENIED
+    std::function<bool(const std::string& op, const std::string& path)> failIf;
+
+    bool Exists(const std::string& path) override;
+    bool IsFolder(const std::string& path) override;
+    std::optional<std::string> Read(const std::string& path, SysError* error = nullptr) override;
+    SysError Write(const std::string& path, const std::string& content) override;
+    SysError Append(const std::string& path, const std::string& content) override;
+    SysError WriteAtomic(const std::string& path, const std::string& content) override;
+    SysError Delete(const std::string& path) override;
+    SysError Move(const std::string& from, const std::string& to, bool replace) override;
+    SysError Copy(const std::string& from, const std::string& to, bool overwrite) override;
+    SysError CreateFolder(const std::string& path) override;
+    SysError RemoveFolder(const std::string& path) override;
+    std::vector<FolderEntry> List(const std::string& folder, const std::string& pattern = "*") override;
+
+private:
+    struct Node {
+        std::string path;  // as first written
+        bool isFolder = false;
+        std::string content;
+    };
+    std::map<std::string, Node> nodes_;  // by lower-case path
+
+    // Counts a change and applies the faults; a non-zero result is the failure to return.
+    SysError Change(const std::string& op, const std::string& path);
+    bool Faulty(const std::string& op, const std::string& path) const;
+    bool ParentExists(const std::string& path) const;
+    static std::string Key(const std::string& path);
+};
+
+// Matches a file name against a pattern of "*" and "?", without regard to case.
+bool WildcardMatch(const std::string& pattern, const std::string& name);
+
+}  // namespace corvane::fakes
