@@ -1,8 +1,53 @@
 // Resource ids of Corvane: one list for the program's icons, bitmaps and dialogs.
 // Ranges: 1-99 icons and cursors; 100-199 main window and panes; 200-299 skin
-// bitmaps; 300-399 about; 1000-1099 file detail dialog; 1100-1199 process pane;
-// 1200-1299 startup pane; 1300-1399 browser pane; 1400-1499 applications pane;
-// 1500-1599 options pane.
+// bitmaps (loaded by name); 300-399 about; 1000-1099 file detail dialog;
+// 1100-1199 process pane; 1200-1299 startup pane; 1300-1399 browser pane;
+// 1400-1499 applications pane; 1500-1599 options pane.
 #pragma once
 
 #define IDI_CORVANE 1
+
+// Main window: its children are made in code; the panes are dialogs.
+#define IDC_PICTOP 100
+#define IDC_PICLEFT 101
+#define IDC_CLIENT 102
+#define IDC_LBLABOUT 103
+#define IDC_LBLHELP 104
+#define IDC_CMDPROCESS 110
+#define IDC_CMDIE 111
+#define IDC_CMDSTARTUP 112
+#define IDC_CMDADDREMOVE 113
+#define IDC_CMDOPTIONS 114
+
+#define IDD_PROCESS 120
+#define IDD_IE 121
+#define IDD_STARTUP 122
+#define IDD_ADDREMOVE 123
+#define IDD_OPTIONS 124
+
+// About
+#define IDD_ABOUT 300
+#define IDC_IMAGE1 301
+#define IDC_LBLVERSION5 302
+#define IDC_LBLVERSION1 303
+#define IDC_LBLVERSION0 304
+#define IDC_LBLVERSION 305
+#define IDC_LBLWEBSITE0 306
+#define IDC_LBLWEBSITE 307
+#define IDC_LBLCOPYRIGHT 308
+#define IDC_LABEL1 309
+
+// Panes (their own ranges)
+#define IDC_LSTVPROCESS 1100
+#define IDC_LSTVSTARTUP 1200
+#define IDC_TVWSTARTUP 1201
+#define IDC_LSTVBHO 1300
+#define IDC_CMDBHO 1310
+#define IDC_CMDTOOLBAR 1311
+#define IDC_CMDBUT 1312
+#define IDC_CMDCONTEXT 1313
+#define IDC_CMDURLS 1314
+#define IDC_LSTVADDREMOVE 1400
+#define IDC_FMLEGEND 1500
+#define IDC_FMBACKUP 1501
+#define IDC_FMREPORT 1502

@@ -8,7 +8,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
 scripts/setup.sh
 cmake --preset windows >/dev/null
-cmake --build --preset windows -j"$(nproc)" --target Corvane
+cmake --build --preset windows -j"$(nproc)" --target Corvane corvane_driver
 
 bench="$root/build/windows/wine"
 export CORVANE_WINE_DIR="$bench" CORVANE_WINE_PREFIX="$bench/app"
@@ -19,4 +19,4 @@ if [ -n "${DISPLAY:-}" ]; then
   rm -f "$bench/display"
   exec tools/wine-run "$exe"
 fi
-tools/screenshots "$exe" "$root/out"
+tools/screenshots "$exe" "$root/build/windows/tools/driver/corvane_driver.exe" "$root/out"

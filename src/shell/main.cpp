@@ -1,34 +1,34 @@
+// Main: refuses a second instance by bringing the first to the front, else
+// shows the main window and runs the program's one message loop.
 #include <windows.h>
+#include <commctrl.h>
 
-#include "shell/app_identity.h"
+#include "shell/app_context.h"
+#include "shell/main_window.h"
+#include "shell/prev_instance.h"
 
-namespace {
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
+    using namespace corvane;
+    InitApp(instance);
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
+    InitCommonControlsEx(&controls);
+    RegisterMainClasses(instance);
+    HWND appWindow = CreateAppWindow(instance);
 
-LRESULT CALLBACK MainProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_DESTROY) {
-        PostQuitMessage(0);
+    if (EarlierInstanceRunning()) {
+        clsPrevInstance(appWindow).ShowApp();
+        DestroyWindow(appWindow);
         return 0;
     }
-    return DefWindowProcA(hwnd, message, wParam, lParam);
-}
-
-}  // namespace
-
-int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
-    WNDCLASSA wc{};
-    wc.lpfnWndProc = MainProc;
-    wc.hInstance = instance;
-    wc.hCursor = LoadCursor(nullptr, IDC_ARROW);
-    wc.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
-    wc.lpszClassName = "CorvaneMain";
-    RegisterClassA(&wc);
-    HWND hwnd = CreateWindowA("CorvaneMain", corvane::MainCaption().c_str(), WS_OVERLAPPEDWINDOW,
-                              CW_USEDEFAULT, CW_USEDEFAULT, 741, 545, nullptr, nullptr, instance, nullptr);
-    ShowWindow(hwnd, show);
+    frmMain* form = frmMain::Create(appWindow);
+    if (!form) return 1;
+    HWND main = form->hwnd();
     MSG msg;
     while (GetMessageA(&msg, nullptr, 0, 0) > 0) {
+        if (IsWindow(main) && IsDialogMessageA(main, &msg)) continue;
         TranslateMessage(&msg);
         DispatchMessageA(&msg);
     }
+    DestroyWindow(appWindow);
     return 0;
 }

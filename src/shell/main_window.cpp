@@ -1,0 +1,323 @@
+#include "shell/main_window.h"
+
+#include <commctrl.h>
+
+#include "foundations/functions.h"
+#include "foundations/sys_info.h"
+#include "res/resource.h"
+#include "shell/about_dialog.h"
+#include "shell/app_context.h"
+#include "shell/app_identity.h"
+#include "shell/disable_maximize.h"
+#include "ui/skin.h"
+
+namespace corvane {
+
+const PaneClass kProcessPane{"frmProcess", IDD_PROCESS, frmProcessProc, IDC_LSTVPROCESS};
+const PaneClass kIEPane{"frmIE", IDD_IE, frmIEProc, IDC_LSTVBHO};
+const PaneClass kStartupPane{"frmStartup", IDD_STARTUP, frmStartupProc, IDC_TVWSTARTUP};
+const PaneClass kAddRemovePane{"frmAddRemove", IDD_ADDREMOVE, frmAddRemoveProc, IDC_LSTVADDREMOVE};
+const PaneClass kOptionsPane{"frmOptions", IDD_OPTIONS, frmOptionsProc, 0};
+
+namespace {
+
+constexpr const char* kMainClass = "CorvaneMain";
+constexpr const char* kBarClass = "CorvaneBar";
+constexpr const char* kClientClass = "CorvaneClient";
+
+// The design's twips at 96 dpi, 15 twips to the pixel.
+constexpr int Px(int twips) { return (twips + 7) / 15; }
+constexpr int kClientWidth = Px(10875);  // 725
+constexpr int kClientHeight = Px(7590);  // 506
+constexpr int kTopBarHeight = Px(990);   // 66
+constexpr int kLeftBarWidth = Px(1305);  // 87
+
+struct NavButton {
+    int id;
+    int topTwips;
+    const char* skinObject;
+};
+constexpr NavButton kNavButtons[] = {
+    {IDC_CMDPROCESS, 120, "Process"},  {IDC_CMDIE, 1440, "IE"},
+    {IDC_CMDSTARTUP, 2760, "Startup"}, {IDC_CMDADDREMOVE, 4080, "AddRemove"},
+    {IDC_CMDOPTIONS, 5400, "Options"},
+};
+
+constexpr COLORREF kLinkColour = RGB(0x1d, 0x4e, 0x89);
+
+HFONT LinkFont() {
+    static HFONT font = CreateFontA(-12, 0, 0, 0, FW_NORMAL, FALSE, TRUE, FALSE, ANSI_CHARSET, 0, 0,
+                                    DEFAULT_QUALITY, 0, "Tahoma");
+    return font;
+}
+
+HCURSOR HandPointer() {
+    static HCURSOR hand = [] {
+        HCURSOR own = LoadCursorA(GetModuleHandleA(nullptr), "HAND");
+        return own ? own : LoadCursor(nullptr, IDC_HAND);
+    }();
+    return hand;
+}
+
+const PaneClass& PaneOfButton(int id) {
+    switch (id) {
+        case IDC_CMDIE: return kIEPane;
+        case IDC_CMDSTARTUP: return kStartupPane;
+        case IDC_CMDADDREMOVE: return kAddRemovePane;
+        case IDC_CMDOPTIONS: return kOptionsPane;
+        default: return kProcessPane;
+    }
+}
+
+frmMain* FromWindow(HWND hwnd) { return reinterpret_cast<frmMain*>(GetWindowLongPtrA(hwnd, GWLP_USERDATA)); }
+
+HWND Child(HWND parent, const char* className, const char* text, DWORD style, int x, int y, int w, int h,
+           int id) {
+    return CreateWindowExA(0, className, text, WS_CHILD | WS_VISIBLE | style, x, y, w, h, parent,
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), App().instance, nullptr);
+}
+
+}  // namespace
+
+void RegisterMainClasses(HINSTANCE instance) {
+    WNDCLASSA wc{};
+    wc.hInstance = instance;
+    wc.hCursor = LoadCursor(nullptr, IDC_ARROW);
+    wc.hIcon = LoadIconA(instance, MAKEINTRESOURCEA(IDI_CORVANE));
+
+    wc.lpfnWndProc = DefWindowProcA;
+    wc.lpszClassName = "ThunderRT6Main";
+    RegisterClassA(&wc);
+
+    wc.lpfnWndProc = frmMain::Proc;
+    wc.lpszClassName = kMainClass;
+    wc.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+    RegisterClassA(&wc);
+
+    wc.hIcon = nullptr;
+    wc.lpfnWndProc = frmMain::BarProc;
+    wc.lpszClassName = kBarClass;
+    RegisterClassA(&wc);
+
+    wc.lpfnWndProc = DefWindowProcA;
+    wc.lpszClassName = kClientClass;
+    RegisterClassA(&wc);
+}
+
+HWND CreateAppWindow(HINSTANCE instance) {
+    return CreateWindowExA(0, "ThunderRT6Main", kAppTitle, WS_POPUP | WS_SYSMENU | WS_MINIMIZEBOX, 0, 0, 0, 0,
+                           nullptr, nullptr, instance, nullptr);
+}
+
+frmMain* frmMain::Create(HWND appWindow, bool show) {
+    auto* form = new frmMain;
+    const DWORD style = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_MAXIMIZEBOX |
+                        WS_THICKFRAME | WS_CLIPCHILDREN;
+    form->hwnd_ = CreateWindowExA(WS_EX_CONTROLPARENT, kMainClass, "", style, CW_USEDEFAULT, CW_USEDEFAULT,
+                                  kClientWidth, kClientHeight, appWindow, nullptr, App().instance, form);
+    if (!form->hwnd_) {
+        delete form;
+        return nullptr;
+    }
+    App().mainWindow = form->hwnd_;
+    HWND w = form->hwnd_;
+    form->picTop_ = Child(w, kBarClass, "", WS_CLIPCHILDREN, 0, 0, kClientWidth, kTopBarHeight, IDC_PICTOP);
+    form->picLeft_ = Child(w, kBarClass, "", WS_CLIPCHILDREN, 0, kTopBarHeight, kLeftBarWidth,
+                           kClientHeight - kTopBarHeight, IDC_PICLEFT);
+    SetWindowLongPtrA(form->picLeft_, GWL_EXSTYLE, WS_EX_CONTROLPARENT);
+    form->client_ = Child(w, kClientClass, "", WS_CLIPCHILDREN, kLeftBarWidth, kTopBarHeight,
+                          kClientWidth - kLeftBarWidth, kClientHeight - kTopBarHeight, IDC_CLIENT);
+    SetWindowLongPtrA(form->client_, GWL_EXSTYLE, WS_EX_CONTROLPARENT);
+
+    HWND about = Child(form->picTop_, "STATIC", "About", SS_NOTIFY | SS_RIGHT, kClientWidth - 150, 44, 50, 16,
+                       IDC_LBLABOUT);
+    HWND help = Child(form->picTop_, "STATIC", "Help Topics", SS_NOTIFY | SS_RIGHT, kClientWidth - 95, 44, 85,
+                      16, IDC_LBLHELP);
+    SendMessageA(about, WM_SETFONT, reinterpret_cast<WPARAM>(LinkFont()), FALSE);
+    SendMessageA(help, WM_SETFONT, reinterpret_cast<WPARAM>(LinkFont()), FALSE);
+    for (const NavButton& nav : kNavButtons) {
+        Child(form->picLeft_, "BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, Px(120), Px(nav.topTwips), Px(960), Px(970),
+              nav.id);
+    }
+
+    form->MDIForm_Load();
+
+    // Opens centred on the screen, with the client area of the design; the
+    // frame lost its sizing border in the load step, so measure it now.
+    RECT rect{0, 0, kClientWidth, kClientHeight};
+    AdjustWindowRectEx(&rect, GetWindowLongA(w, GWL_STYLE), FALSE, GetWindowLongA(w, GWL_EXSTYLE));
+    const int width = rect.right - rect.left, height = rect.bottom - rect.top;
+    RECT work;
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    SetWindowPos(w, nullptr, work.left + (work.right - work.left - width) / 2,
+                 work.top + (work.bottom - work.top - height) / 2, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (show) {
+        ShowWindow(w, SW_SHOW);
+        UpdateWindow(w);
+    }
+    return form;
+}
+
+void frmMain::MDIForm_Load() {
+    AppContext& app = App();
+    SetWindowTextA(hwnd_, MainCaption().c_str());
+    {
+        clsDisableMaximize disable;
+        disable.DisableMaxButton(hwnd_);
+    }
+    SkinWindow(hwnd_);
+    for (const NavButton& nav : kNavButtons) SkinControl(GetDlgItem(picLeft_, nav.id), nav.skinObject);
+    app.settings.LoadDisplayValues(app.shared);
+    {
+        clsSysInfo info(app.system);
+        std::string version, build, servicePack, computer, user;
+        info.sysInfo(version, build, servicePack, computer, user);
+        app.shared.WindowsVersionName = version;
+    }
+    // The first pane comes up without ShowPane, and without taking the focus.
+    activePane_ = CreateDialogParamA(app.instance, MAKEINTRESOURCEA(kProcessPane.dialogId), client_,
+                                     kProcessPane.proc, 0);
+    activeName_ = kProcessPane.name;
+    ShowWindow(activePane_, SW_SHOW);
+    MarkActiveButton();
+}
+
+bool frmMain::ShowPane(const std::string& name, const PaneClass& pane) {
+    if (activeName_ == name) return false;
+    Unload(activePane_);
+    activePane_ = CreateDialogParamA(App().instance, MAKEINTRESOURCEA(pane.dialogId), client_, pane.proc, 0);
+    activeName_ = pane.name;
+    ShowWindow(activePane_, SW_SHOW);
+    MarkActiveButton();
+    return true;
+}
+
+void frmMain::Unload(HWND pane) {
+    if (pane) DestroyWindow(pane);
+    activePane_ = nullptr;
+    activeName_.clear();
+}
+
+// The active pane's navigation button keeps its pressed face.
+void frmMain::MarkActiveButton() {
+    for (const NavButton& nav : kNavButtons) {
+        const bool active = activeName_ == PaneOfButton(nav.id).name;
+        SendDlgItemMessageA(picLeft_, nav.id, BM_SETSTATE, active, 0);
+    }
+}
+
+void frmMain::Navigate(const PaneClass& pane) {
+    if (ShowPane(pane.name, pane) && pane.focusControl) SetFocus(GetDlgItem(activePane_, pane.focusControl));
+}
+
+void frmMain::cmdProcess_Click() { Navigate(kProcessPane); }
+void frmMain::cmdIE_Click() { Navigate(kIEPane); }
+void frmMain::cmdStartup_Click() { Navigate(kStartupPane); }
+void frmMain::cmdAddremove_Click() { Navigate(kAddRemovePane); }
+void frmMain::cmdOptions_Click() { Navigate(kOptionsPane); }
+
+void frmMain::lblHelp_Click() { ShellOpen(App().shell, App().appPath + "\\Help\\index.html"); }
+
+void frmMain::lblAbout_Click() { frmAbout::Show(hwnd_); }
+
+LRESULT CALLBACK frmMain::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        auto* create = reinterpret_cast<CREATESTRUCTA*>(lParam);
+        SetWindowLongPtrA(hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
+    }
+    frmMain* form = FromWindow(hwnd);
+    if (!form) return DefWindowProcA(hwnd, message, wParam, lParam);
+    switch (message) {
+        case WM_COMMAND:
+            if (HIWORD(wParam) == BN_CLICKED || HIWORD(wParam) == STN_CLICKED) {
+                switch (LOWORD(wParam)) {
+                    case IDC_CMDPROCESS: form->cmdProcess_Click(); return 0;
+                    case IDC_CMDIE: form->cmdIE_Click(); return 0;
+                    case IDC_CMDSTARTUP: form->cmdStartup_Click(); return 0;
+                    case IDC_CMDADDREMOVE: form->cmdAddremove_Click(); return 0;
+                    case IDC_CMDOPTIONS: form->cmdOptions_Click(); return 0;
+                    case IDC_LBLABOUT: form->lblAbout_Click(); return 0;
+                    case IDC_LBLHELP: form->lblHelp_Click(); return 0;
+                    default: break;
+                }
+            }
+            break;
+        case WM_ACTIVATE:
+            // Give the focus back to where it was when the window went inactive.
+            if (LOWORD(wParam) == WA_INACTIVE) {
+                form->lastFocus_ = GetFocus();
+            } else if (form->lastFocus_ && IsWindow(form->lastFocus_) && IsChild(hwnd, form->lastFocus_)) {
+                SetFocus(form->lastFocus_);
+                return 0;
+            }
+            break;
+        case WM_DESTROY:
+            // Every form but this one goes with it; nothing is written now.
+            form->Unload(form->activePane_);
+            PostQuitMessage(0);
+            return 0;
+        case WM_NCDESTROY:
+            SetWindowLongPtrA(hwnd, GWLP_USERDATA, 0);
+            if (App().mainWindow == hwnd) App().mainWindow = nullptr;
+            delete form;
+            return DefWindowProcA(hwnd, message, wParam, lParam);
+        default:
+            break;
+    }
+    return DefWindowProcA(hwnd, message, wParam, lParam);
+}
+
+// The top and left bars: white, the banner on the top one, and their
+// children's clicks passed up to the main window.
+LRESULT CALLBACK frmMain::BarProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_COMMAND:
+            return SendMessageA(GetParent(hwnd), message, wParam, lParam);
+        case WM_CTLCOLORSTATIC: {
+            HDC dc = reinterpret_cast<HDC>(wParam);
+            SetTextColor(dc, kLinkColour);
+            SetBkMode(dc, TRANSPARENT);
+            return reinterpret_cast<LRESULT>(GetStockObject(WHITE_BRUSH));
+        }
+        case WM_SETCURSOR: {
+            const int id = GetDlgCtrlID(reinterpret_cast<HWND>(wParam));
+            if (id == IDC_LBLABOUT || id == IDC_LBLHELP) {
+                SetCursor(HandPointer());
+                return TRUE;
+            }
+            break;
+        }
+        case WM_PAINT: {
+            PAINTSTRUCT ps;
+            HDC dc = BeginPaint(hwnd, &ps);
+            if (GetDlgCtrlID(hwnd) == IDC_PICTOP) {
+                static HBITMAP banner = static_cast<HBITMAP>(
+                    LoadImageA(GetModuleHandleA(nullptr), "BANNER", IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION));
+                if (banner) {
+                    HDC source = CreateCompatibleDC(dc);
+                    HGDIOBJ old = SelectObject(source, banner);
+                    BitBlt(dc, 0, 2, 721, 61, source, 0, 0, SRCCOPY);
+                    SelectObject(source, old);
+                    DeleteDC(source);
+                }
+            } else {
+                // A hairline between the navigation bar and the panes.
+                RECT rect;
+                GetClientRect(hwnd, &rect);
+                HPEN pen = CreatePen(PS_SOLID, 1, RGB(0xD5, 0xDD, 0xE8));
+                HGDIOBJ old = SelectObject(dc, pen);
+                MoveToEx(dc, rect.right - 1, 0, nullptr);
+                LineTo(dc, rect.right - 1, rect.bottom);
+                SelectObject(dc, old);
+                DeleteObject(pen);
+            }
+            EndPaint(hwnd, &ps);
+            return 0;
+        }
+        default:
+            break;
+    }
+    return DefWindowProcA(hwnd, message, wParam, lParam);
+}
+
+}  // namespace corvane

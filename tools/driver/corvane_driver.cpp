@@ -1,0 +1,58 @@
+// Drives a running Corvane from outside, as a user would: finds its main
+// window by caption and clicks a navigation button or a label. Used by the
+// screenshot script and by tests that need a second process.
+//   corvane_driver nav N      click navigation button N (0 = Process ... 4 = Options)
+//   corvane_driver wait       wait until the main window is visible
+//   corvane_driver close      close the main window
+// Exit 0 on success, 1 when the window is not found.
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "res/resource.h"
+
+namespace {
+
+HWND FindMain(int waitMs) {
+    for (int waited = 0;; waited += 50) {
+        HWND main = FindWindowA("CorvaneMain", nullptr);
+        if (main && IsWindowVisible(main)) return main;
+        if (waited >= waitMs) return nullptr;
+        Sleep(50);
+    }
+}
+
+void Click(HWND control) {
+    PostMessageA(control, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 4));
+    PostMessageA(control, WM_LBUTTONUP, 0, MAKELPARAM(4, 4));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: corvane_driver nav N | wait | close\n");
+        return 2;
+    }
+    HWND main = FindMain(20000);
+    if (!main) {
+        std::fprintf(stderr, "corvane_driver: no Corvane window\n");
+        return 1;
+    }
+    if (std::strcmp(argv[1], "nav") == 0 && argc == 3) {
+        const int ids[] = {IDC_CMDPROCESS, IDC_CMDIE, IDC_CMDSTARTUP, IDC_CMDADDREMOVE, IDC_CMDOPTIONS};
+        const int n = std::atoi(argv[2]);
+        if (n < 0 || n > 4) return 2;
+        Click(GetDlgItem(GetDlgItem(main, IDC_PICLEFT), ids[n]));
+        // Wait until the click has been handled.
+        SendMessageTimeoutA(main, WM_NULL, 0, 0, SMTO_NORMAL, 5000, nullptr);
+        return 0;
+    }
+    if (std::strcmp(argv[1], "close") == 0) {
+        PostMessageA(main, WM_CLOSE, 0, 0);
+        return 0;
+    }
+    return std::strcmp(argv[1], "wait") == 0 ? 0 : 2;
+}
