@@ -75,6 +75,28 @@ PromptAnswer FakePrompts::Message(const std::string& text, const std::string& ti
 
 namespace {
 
+template <typename T>
+std::optional<T> Next(std::deque<std::optional<T>>& queue) {
+    if (queue.empty()) return std::nullopt;
+    std::optional<T> answer = queue.front();
+    queue.pop_front();
+    return answer;
+}
+
+}  // namespace
+
+std::optional<std::string> FakePrompts::SaveFile(const std::string& filter, bool overwritePrompt) {
+    saveDialogs.push_back({filter, overwritePrompt});
+    return Next(saveAnswers);
+}
+
+std::optional<int32_t> FakePrompts::PickColor(int32_t initial) {
+    colourDialogs.push_back(initial);
+    return Next(colourAnswers);
+}
+
+namespace {
+
 std::string Trim(const std::string& s) {
     const size_t first = s.find_first_not_of(" \t\r");
     if (first == std::string::npos) return {};

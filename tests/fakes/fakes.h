@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,8 +45,9 @@ public:
     void Open(const std::string& target) override { opened.push_back(target); }
 };
 
-// Answers message boxes from a queue (Ok or Yes when it runs dry) and keeps
-// every box it was shown.
+// Answers message boxes from a queue (Ok or Yes when it runs dry) and the
+// dialogs from queues of their own (cancelled when they run dry), and keeps
+// every box and dialog it was shown.
 class FakePrompts : public Prompts {
 public:
     struct Shown {
@@ -53,10 +55,20 @@ public:
         PromptIcon icon;
         PromptButtons buttons;
     };
+    struct SaveDialog {
+        std::string filter;
+        bool overwritePrompt;
+    };
     std::vector<Shown> shown;
     std::deque<PromptAnswer> answers;
+    std::vector<SaveDialog> saveDialogs;
+    std::deque<std::optional<std::string>> saveAnswers;
+    std::vector<int32_t> colourDialogs;  // the colour each was opened on
+    std::deque<std::optional<int32_t>> colourAnswers;
     PromptAnswer Message(const std::string& text, const std::string& title, PromptIcon icon,
                          PromptButtons buttons) override;
+    std::optional<std::string> SaveFile(const std::string& filter, bool overwritePrompt) override;
+    std::optional<int32_t> PickColor(int32_t initial) override;
 };
 
 // Initialisation files in memory, keyed by path; sections and keys compare

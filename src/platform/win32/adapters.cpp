@@ -1,4 +1,5 @@
 #include <windows.h>
+#include <commdlg.h>
 #include <shellapi.h>
 
 #include <algorithm>
@@ -77,6 +78,44 @@ PromptAnswer Win32Prompts::Message(const std::string& text, const std::string& t
         case IDCANCEL: return PromptAnswer::Cancel;
         default: return PromptAnswer::Ok;
     }
+}
+
+std::optional<std::string> Win32Prompts::SaveFile(const std::string& filter, bool overwritePrompt) {
+    // The dialog wants its pairs NUL-separated and ended by two NULs.
+    std::string pairs = filter;
+    for (char& c : pairs) {
+        if (c == '|') c = '\0';
+    }
+    pairs.append(2, '\0');
+    char file[MAX_PATH] = {};
+    OPENFILENAMEA ofn{};
+    ofn.lStructSize = sizeof ofn;
+    ofn.hwndOwner = static_cast<HWND>(owner_);
+    ofn.lpstrFilter = pairs.c_str();
+    ofn.nFilterIndex = 1;
+    ofn.lpstrFile = file;
+    ofn.nMaxFile = sizeof file;
+    ofn.Flags = overwritePrompt ? OFN_OVERWRITEPROMPT : 0;
+    if (!GetSaveFileNameA(&ofn)) return std::nullopt;
+    return std::string(file);
+}
+
+std::optional<int32_t> Win32Prompts::PickColor(int32_t initial) {
+    // The dialog keeps the user's custom colours for as long as the program runs.
+    static COLORREF custom[16] = {RGB(255, 255, 255), RGB(255, 255, 255), RGB(255, 255, 255),
+                                  RGB(255, 255, 255), RGB(255, 255, 255), RGB(255, 255, 255),
+                                  RGB(255, 255, 255), RGB(255, 255, 255), RGB(255, 255, 255),
+                                  RGB(255, 255, 255), RGB(255, 255, 255), RGB(255, 255, 255),
+                                  RGB(255, 255, 255), RGB(255, 255, 255), RGB(255, 255, 255),
+                                  RGB(255, 255, 255)};
+    CHOOSECOLORA cc{};
+    cc.lStructSize = sizeof cc;
+    cc.hwndOwner = static_cast<HWND>(owner_);
+    cc.rgbResult = static_cast<COLORREF>(initial);
+    cc.lpCustColors = custom;
+    cc.Flags = CC_RGBINIT;
+    if (!ChooseColorA(&cc)) return std::nullopt;
+    return static_cast<int32_t>(cc.rgbResult);
 }
 
 std::string Win32Profile::Read(const std::string& section, const std::string& key,

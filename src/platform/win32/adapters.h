@@ -27,13 +27,15 @@ public:
     void Open(const std::string& target) override;
 };
 
-// Message boxes owned by `owner` (a window handle; null for none).
+// Message boxes and common dialogs owned by `owner` (a window handle; null for none).
 class Win32Prompts final : public Prompts {
 public:
     explicit Win32Prompts(void* owner = nullptr) : owner_(owner) {}
     void SetOwner(void* owner) { owner_ = owner; }
     PromptAnswer Message(const std::string& text, const std::string& title, PromptIcon icon,
                          PromptButtons buttons) override;
+    std::optional<std::string> SaveFile(const std::string& filter, bool overwritePrompt) override;
+    std::optional<int32_t> PickColor(int32_t initial) override;
 
 private:
     void* owner_;

@@ -1,0 +1,67 @@
+#include "options/full_report.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "shell/app_identity.h"
+
+namespace corvane {
+
+namespace {
+
+bool SameText(const std::string& a, const std::string& b) {
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
+               return std::tolower(x) == std::tolower(y);
+           });
+}
+
+}  // namespace
+
+const std::vector<ReportArea>& FullReportAreas() {
+    // Each area's writer goes in here once the area has a report of its own.
+    static const std::vector<ReportArea> areas = {
+        {"process", "Process", nullptr},
+        {"ie", "Internet Explorer", nullptr},
+        {"startup", "Startup", nullptr},
+        {"addremove", "Add/Remove", nullptr},
+    };
+    return areas;
+}
+
+const ReportArea* FindReportArea(const std::vector<ReportArea>& areas, const std::string& name) {
+    for (const ReportArea& area : areas) {
+        if (SameText(area.name, name)) return &area;
+    }
+    return nullptr;
+}
+
+bool WriteFullReportBody(FullReportPlatform& platform, const std::string& file,
+                         const std::vector<std::string>& chosen, const std::vector<ReportArea>& areas) {
+    bool first = true;
+    for (const ReportArea& area : areas) {
+        if (!area.write) continue;
+        const bool wanted = std::any_of(chosen.begin(), chosen.end(),
+                                        [&](const std::string& name) { return SameText(name, area.name); });
+        if (!wanted) continue;
+        if (!first) {
+            if (const SysError error = platform.report.files.Append(file, "\r\n")) {
+                platform.report.prompts.Message(
+                    "Error Occurred Full printReport: \r\n" + ErrorDescription(platform.report.system, error),
+                    kAppTitle, PromptIcon::Information, PromptButtons::Ok);
+                return false;
+            }
+        }
+        first = false;
+        if (!area.write(platform, file)) return false;
+    }
+    return true;
+}
+
+bool WriteFullReport(FullReportPlatform& platform, const std::string& file,
+                     const std::vector<std::string>& chosen, const std::vector<ReportArea>& areas) {
+    return printHeader(platform.report, file, kFullReportTitle) &&
+           WriteFullReportBody(platform, file, chosen, areas);
+}
+
+}  // namespace corvane

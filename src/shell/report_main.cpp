@@ -1,0 +1,27 @@
+// CorvaneReport.exe: the full report from the command line, with no window.
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "platform/win32/adapters.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_system_win32.h"
+#include "shell/report_cli.h"
+
+// The C runtime would otherwise expand wildcards in the arguments, and "/?"
+// is one.
+extern "C" {
+int _dowildcard = 0;
+}
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> args(argv + 1, argv + argc);
+    corvane::Win32FileSystem files;
+    corvane::Win32SystemInfo system;
+    corvane::Win32Clock clock;
+    corvane::ConsolePrompts prompts;
+    corvane::Win32Shell shell;
+    corvane::ReportPorts ports{files, system, clock, prompts, shell};
+    corvane::FullReportPlatform platform{ports};
+    return corvane::RunCorvaneReport(args, platform, prompts, std::cout, std::cerr);
+}
