@@ -1,0 +1,191 @@
+#pragma once
+// What modRegistry relies on of the registry calls, run against the fake
+// natively and against the Win32 adapter under Wine. The fake runs with its
+// values in Wine's order (sorted like the subkeys).
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/registry.h"
+
+namespace corvane::contract {
+
+// Deletes `path` below `parent` with everything under it; missing is fine.
+inline void DeleteRegTree(Registry& reg, RegKey parent, const std::string& path) {
+    RegKey key = 0;
+    if (reg.OpenKey(parent, path, kKeyAllAccess, key) != kRegOk) return;
+    std::vector<std::string> subkeys;
+    for (uint32_t i = 0;; ++i) {
+        char name[256];
+        uint32_t length = sizeof name;
+        if (reg.EnumKey(key, i, name, &length) != kRegOk) break;
+        subkeys.emplace_back(name, length);
+    }
+    for (const auto& sub : subkeys) DeleteRegTree(reg, key, sub);
+    reg.CloseKey(key);
+    reg.DeleteKey(parent, path);
+}
+
+// `root` is a path below HKEY_CURRENT_USER that the suite owns; it must not exist.
+inline void CheckRegistryContract(Registry& reg, const std::string& root) {
+    auto bytes = [](const std::string& s) { return reinterpret_cast<const uint8_t*>(s.data()); };
+    auto set = [&](RegKey key, const std::string& name, uint32_t type, const std::string& data) {
+        ASSERT_EQ(reg.SetValue(key, name, type, bytes(data), static_cast<uint32_t>(data.size())), kRegOk) << name;
+    };
+
+    RegKey key = 77;
+    EXPECT_EQ(reg.OpenKey(kHKeyCurrentUser, root, kKeyRead, key), kErrorFileNotFound);
+    EXPECT_EQ(key, 0u) << "a failed open leaves no handle";
+    EXPECT_EQ(reg.CreateKey(kHKeyCurrentUser, "\\" + root, kMaximumAllowed, key), kErrorBadPathname);
+
+    // Creating makes every missing key on the way; names ignore case, 1252 letters too.
+    ASSERT_EQ(reg.CreateKey(kHKeyCurrentUser, root + "\\Sub\\Deeper", kMaximumAllowed, key), kRegOk);
+    EXPECT_EQ(reg.CloseKey(key), kRegOk);
+    RegKey top = 0;
+    ASSERT_EQ(reg.CreateKey(kHKeyCurrentUser, root, kKeyAllAccess, top), kRegOk) << "an existing key opens";
+    for (const char* name : {"bsub", "Asub", "\xC9t\xE9"}) {
+        RegKey sub = 0;
+        ASSERT_EQ(reg.CreateKey(top, name, kMaximumAllowed, sub), kRegOk);
+        reg.CloseKey(sub);
+    }
+    RegKey same = 0;
+    ASSERT_EQ(reg.OpenKey(kHKeyCurrentUser, root + "\\SUB\\deeper", kKeyRead, same), kRegOk);
+    reg.CloseKey(same);
+    ASSERT_EQ(reg.OpenKey(top, "\xE9T\xC9", kKeyRead, same), kRegOk) << "\xE9/\xC9 are one letter";
+    reg.CloseKey(same);
+
+    // Subkeys enumerate sorted without regard to case, by their Unicode capitals.
+    std::vector<std::string> subkeys;
+    for (uint32_t i = 0;; ++i) {
+        char name[255] = {};
+        uint32_t length = 255;
+        const RegError result = reg.EnumKey(top, i, name, &length);
+        if (result != kRegOk) {
+            EXPECT_EQ(result, kErrorNoMoreItems);
+            break;
+        }
+        EXPECT_EQ(name[length], '\0') << "the length leaves out the NUL";
+        subkeys.emplace_back(name, length);
+    }
+    EXPECT_EQ(subkeys, (std::vector<std::string>{"Asub", "bsub", "Sub", "\xC9t\xE9"}));
+    char shortName[4];
+    uint32_t shortLength = sizeof shortName;
+    EXPECT_EQ(reg.EnumKey(top, 0, shortName, &shortLength), kErrorMoreData) << "no room for Asub and its NUL";
+
+    // Values of every kind the logic reads, their data as stored.
+    const std::string longText = std::string(10000, 'x') + '\0';
+    std::string binary;
+    for (int i = 0; i < 256; ++i) binary += static_cast<char>(i);
+    set(top, "zeta", kRegSz, std::string("text\0", 5));
+    set(top, "Alpha", kRegExpandSz, std::string("%WINDIR%\\x\0", 11));
+    set(top, "beta", kRegMultiSz, std::string("one\0two\0\0", 9));
+    set(top, "\xC9t\xE9", kRegDword, std::string("\xFE\xFF\xFF\xFF", 4));
+    set(top, "\x80uro", kRegBinary, binary);
+    set(top, "", kRegSz, std::string("default\0", 8));
+    set(top, "\xFFy", kRegNone, "");
+    set(top, "long", kRegSz, longText);
+    set(top, "empty", kRegSz, "");
+
+    uint32_t type = 99, size = 0;
+    ASSERT_EQ(reg.QueryValue(top, "long", &type, nullptr, &size), kRegOk) << "size only";
+    EXPECT_EQ(size, 10001u);
+    EXPECT_EQ(type, kRegSz);
+    std::vector<uint8_t> buffer(4096);
+    size = 4096;
+    EXPECT_EQ(reg.QueryValue(top, "long", &type, buffer.data(), &size), kErrorMoreData);
+    EXPECT_EQ(size, 10001u) << "too small a buffer learns the size it needs";
+    size = 1;
+    EXPECT_EQ(reg.QueryValue(top, "missing", &type, buffer.data(), &size), kErrorFileNotFound);
+    EXPECT_EQ(size, 1u) << "a missing value leaves the length as it was";
+    size = 4096;
+    ASSERT_EQ(reg.QueryValue(top, "ALPHA", &type, buffer.data(), &size), kRegOk);
+    EXPECT_EQ(std::string(buffer.begin(), buffer.begin() + size), std::string("%WINDIR%\\x\0", 11))
+        << "names ignore case; an expandable string is not expanded";
+    EXPECT_EQ(type, kRegExpandSz);
+    size = 4096;
+    ASSERT_EQ(reg.QueryValue(top, "\x9Fy", &type, buffer.data(), &size), kRegOk) << "\x9F is the capital of \xFF";
+    EXPECT_EQ(size, 0u);
+    EXPECT_EQ(type, kRegNone);
+    size = 4096;
+    ASSERT_EQ(reg.QueryValue(top, "empty", &type, buffer.data(), &size), kRegOk);
+    EXPECT_EQ(size, 0u) << "a string with no data keeps none";
+    EXPECT_EQ(type, kRegSz);
+
+    // Values enumerate in Wine's order, the default value first; too small a
+    // data buffer gives the size it needs.
+    struct Listed {
+        std::string name;
+        uint32_t type;
+        std::string data;
+        bool operator==(const Listed&) const = default;
+    };
+    std::vector<Listed> listed;
+    for (uint32_t i = 0;; ++i) {
+        char name[260];
+        uint32_t nameLength = 260, dataSize = 4096;
+        const RegError result = reg.EnumValue(top, i, name, &nameLength, &type, buffer.data(), &dataSize);
+        if (result == kErrorMoreData) {
+            EXPECT_EQ(dataSize, 10001u);
+            std::vector<uint8_t> big(dataSize);
+            nameLength = 260;
+            ASSERT_EQ(reg.EnumValue(top, i, name, &nameLength, &type, big.data(), &dataSize), kRegOk);
+            listed.push_back({std::string(name, nameLength), type, std::string(big.begin(), big.end())});
+            continue;
+        }
+        if (result != kRegOk) {
+            EXPECT_EQ(result, kErrorNoMoreItems);
+            break;
+        }
+        listed.push_back({std::string(name, nameLength), type,
+                          std::string(buffer.begin(), buffer.begin() + dataSize)});
+    }
+    const std::vector<Listed> expected = {
+        {"", kRegSz, std::string("default\0", 8)},
+        {"Alpha", kRegExpandSz, std::string("%WINDIR%\\x\0", 11)},
+        {"beta", kRegMultiSz, std::string("one\0two\0\0", 9)},
+        {"empty", kRegSz, ""},
+        {"long", kRegSz, longText},
+        {"zeta", kRegSz, std::string("text\0", 5)},
+        {"\xC9t\xE9", kRegDword, std::string("\xFE\xFF\xFF\xFF", 4)},
+        {"\xFFy", kRegNone, ""},
+        {"\x80uro", kRegBinary, binary},
+    };
+    ASSERT_EQ(listed.size(), expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) EXPECT_TRUE(listed[i] == expected[i]) << "entry " << i;
+
+    // A handle opened for reading cannot change anything.
+    RegKey reader = 0;
+    ASSERT_EQ(reg.OpenKey(kHKeyCurrentUser, root, kKeyRead, reader), kRegOk);
+    EXPECT_EQ(reg.SetValue(reader, "zeta", kRegSz, bytes("new"), 4), kErrorAccessDenied);
+    EXPECT_EQ(reg.DeleteValue(reader, "zeta"), kErrorAccessDenied);
+    EXPECT_EQ(reg.CloseKey(reader), kRegOk);
+
+    // Setting an existing value replaces it where it stands.
+    set(top, "ZETA", kRegSz, std::string("new\0", 4));
+    size = 4096;
+    ASSERT_EQ(reg.QueryValue(top, "zeta", &type, buffer.data(), &size), kRegOk);
+    EXPECT_EQ(size, 4u);
+
+    EXPECT_EQ(reg.DeleteValue(top, "missing"), kErrorFileNotFound);
+    EXPECT_EQ(reg.DeleteValue(top, "Zeta"), kRegOk);
+    EXPECT_EQ(reg.QueryValue(top, "zeta", &type, nullptr, &size), kErrorFileNotFound);
+
+    // Keys go one at a time, and only without subkeys.
+    EXPECT_EQ(reg.DeleteKey(top, "Sub"), kErrorAccessDenied);
+    EXPECT_EQ(reg.DeleteKey(top, "NoSuchKey"), kErrorFileNotFound);
+    RegKey doomed = 0;
+    ASSERT_EQ(reg.OpenKey(top, "Sub\\Deeper", kKeyRead, doomed), kRegOk);
+    EXPECT_EQ(reg.DeleteKey(top, "Sub\\Deeper"), kRegOk);
+    EXPECT_EQ(reg.QueryValue(doomed, "", &type, nullptr, &size), kErrorKeyDeleted)
+        << "a handle outlives its key but reads nothing";
+    EXPECT_EQ(reg.CloseKey(doomed), kRegOk);
+    EXPECT_EQ(reg.OpenKey(top, "Sub\\Deeper", kKeyRead, doomed), kErrorFileNotFound);
+    EXPECT_EQ(reg.DeleteKey(top, "Sub"), kRegOk);
+
+    EXPECT_EQ(reg.CloseKey(top), kRegOk);
+    DeleteRegTree(reg, kHKeyCurrentUser, root);
+    EXPECT_EQ(reg.OpenKey(kHKeyCurrentUser, root, kKeyRead, key), kErrorFileNotFound);
+}
+
+}  // namespace corvane::contract

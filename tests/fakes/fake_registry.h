@@ -1,0 +1,118 @@
+#pragma once
+// The registry in memory, with the faults Wine cannot produce: any call can
+// be made to fail, and a "crash" can stop a command after its Nth change, so a
+// test can check what a half-done command leaves behind in the registry.
+//
+// It keeps the system's rules where the logic meets them: names compare
+// without regard to case (Windows-1252 letters too), subkeys enumerate in
+// sorted order, too small a buffer gives ERROR_MORE_DATA with the size
+// needed, a key with subkeys cannot be deleted, a handle opened for reading
+// cannot change a value, and a handle to a deleted key gives
+// ERROR_KEY_DELETED. Values enumerate in the order they were first set, as
+// Windows does; Wine gives them sorted like the subkeys, and `valueOrder`
+// makes the fake do the same (the contract suite checks it that way).
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fakes/fake_file_system.h"  // SimulatedCrash
+#include "platform/registry.h"
+
+namespace corvane::fakes {
+
+class FakeRegistry : public Registry {
+public:
+    enum class ValueOrder { Insertion, Sorted };
+
+    struct StoredValue {
+        uint32_t type = kRegNone;
+        std::string data;  // the bytes as stored
+    };
+
+    FakeRegistry();
+    ~FakeRegistry() override;
+
+    ValueOrder valueOrder = ValueOrder::Insertion;
+
+    // Test set-up and inspection by full path, "HKCU\Software\Name" (roots
+    // HKCR, HKCU, HKLM or their HKEY_ names); they bypass faults and counters.
+    void AddKey(const std::string& path);
+    void Put(const std::string& path, const std::string& name, uint32_t type, std::string_view data);
+    void PutString(const std::string& path, const std::string& name, const std::string& text);  // REG_SZ, with NUL
+    void PutDword(const std::string& path, const std::string& name, uint32_t value);
+    bool KeyExists(const std::string& path) const;
+    std::optional<StoredValue> Value(const std::string& path, const std::string& name) const;
+    std::vector<std::string> ValueNames(const std::string& path) const;  // in enumeration order
+    std::vector<std::string> SubkeyNames(const std::string& path) const;
+    // Handles opened through the port and not yet closed.
+    size_t OpenHandles() const { return handles_.size(); }
+    // Port calls by operation name ("EnumValue", "SetValue", ...), faults included.
+    std::map<std::string, int> calls;
+
+    // Faults, as in FakeFileSystem. Changes are CreateKey, SetValue,
+    // DeleteValue and DeleteKey. `failChange` fails the change with this
+    // 1-based number (0: none) with `failError`; `crashAfterChange` throws
+    // SimulatedCrash once that many changes have been made. `failIf` fails any
+    // call it returns true for: the operation's name, the full path of the key
+    // it works on ("HKCU\Software\Name"; for OpenKey, CreateKey and DeleteKey
+    // the key asked for) and the value name, if any.
+    int changes = 0;
+    int failChange = 0;
+    int crashAfterChange = 0;
+    RegError failError = kErrorAccessDenied;
+    std::function<bool(const std::string& op, const std::string& keyPath, const std::string& valueName)> failIf;
+
+    RegError OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override;
+    RegError CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override;
+    RegError CloseKey(RegKey key) override;
+    RegError QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data,
+                        uint32_t* size) override;
+    RegError EnumKey(RegKey key, uint32_t index, char* name, uint32_t* nameLength) override;
+    RegError EnumValue(RegKey key, uint32_t index, char* name, uint32_t* nameLength, uint32_t* type,
+                       uint8_t* data, uint32_t* dataSize) override;
+    RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data,
+                      uint32_t size) override;
+    RegError DeleteValue(RegKey key, const std::string& name) override;
+    RegError DeleteKey(RegKey parent, const std::string& subKey) override;
+
+private:
+    struct NamedValue {
+        std::string name;  // as first set
+        StoredValue value;
+    };
+    struct Node {
+        std::string name;  // as created
+        std::string path;  // "HKCU\Software\Name"
+        std::weak_ptr<Node> parent;
+        bool deleted = false;
+        std::vector<NamedValue> values;               // in the order first set
+        std::vector<std::shared_ptr<Node>> subkeys;   // sorted, as the system keeps them
+    };
+    struct Handle {
+        std::shared_ptr<Node> node;
+        uint32_t access = 0;
+    };
+
+    std::shared_ptr<Node> roots_[3];
+    std::map<RegKey, Handle> handles_;
+    RegKey nextHandle_ = 0x100;
+
+    // The node and rights behind a handle; an error for an unknown handle or a deleted key.
+    RegError Resolve(RegKey key, Handle& out) const;
+    RegKey NewHandle(std::shared_ptr<Node> node, uint32_t access);
+    // Counts a call and applies `failIf`; a change also counts towards the
+    // change faults. A non-zero result is the failure to return.
+    RegError Enter(const char* op, const std::string& keyPath, const std::string& valueName, bool change);
+    std::shared_ptr<Node> NodeAt(const std::string& path) const;
+    std::shared_ptr<Node> MakeNode(const std::string& path);
+    std::vector<const NamedValue*> OrderedValues(const Node& node) const;
+    static NamedValue* FindValue(Node& node, const std::string& name);
+    static std::shared_ptr<Node> FindSubkey(const Node& node, const std::string& name);
+    static std::shared_ptr<Node> AddSubkey(const std::shared_ptr<Node>& node, const std::string& name);
+};
+
+}  // namespace corvane::fakes
