@@ -111,7 +111,7 @@ INT_PTR CALLBACK AboutProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
             return FALSE;
         case WM_COMMAND:
             if (LOWORD(wParam) == IDC_LBLWEBSITE && HIWORD(wParam) == STN_CLICKED) {
-                ShellOpen(App().shell, kWebsite);
+                ShellOpen(*App().shell, kWebsite);
                 return TRUE;
             }
             if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL) {

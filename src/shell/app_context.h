@@ -13,17 +13,27 @@
 namespace corvane {
 
 struct AppContext {
+    Win32SystemInfo win32System;
+    Win32Environment win32Environment;
+    Win32Shell win32Shell;
+    Win32Prompts win32Prompts;
+    Win32Profile win32Profile;
+    Win32FileSystem win32Files;
+
     HINSTANCE instance = nullptr;
     std::string appPath;  // folder of the executable, no trailing backslash
     SharedValues shared;
-    Win32SystemInfo system;
-    Win32Environment environment;
-    Win32Shell shell;
-    Win32Prompts prompts;
-    Win32Profile profile;
-    Win32FileSystem files;
-    Settings settings{profile, ""};
     HWND mainWindow = nullptr;  // frmMain, the owner of every dialog
+
+    // The platform, as the windows reach it. A GUI test points these at fakes
+    // to answer message boxes and catch what would open a browser.
+    SystemInfo* system = &win32System;
+    Environment* environment = &win32Environment;
+    Shell* shell = &win32Shell;
+    Prompts* prompts = &win32Prompts;
+    Profile* profile = &win32Profile;
+    FileSystem* files = &win32Files;
+    Settings settings{win32Profile, ""};
 };
 
 // The running program's context, made on first use.

@@ -169,7 +169,7 @@ void frmMain::MDIForm_Load() {
     for (const NavButton& nav : kNavButtons) SkinControl(GetDlgItem(picLeft_, nav.id), nav.skinObject);
     app.settings.LoadDisplayValues(app.shared);
     {
-        clsSysInfo info(app.system);
+        clsSysInfo info(*app.system);
         std::string version, build, servicePack, computer, user;
         info.sysInfo(version, build, servicePack, computer, user);
         app.shared.WindowsVersionName = version;
@@ -216,7 +216,7 @@ void frmMain::cmdStartup_Click() { Navigate(kStartupPane); }
 void frmMain::cmdAddremove_Click() { Navigate(kAddRemovePane); }
 void frmMain::cmdOptions_Click() { Navigate(kOptionsPane); }
 
-void frmMain::lblHelp_Click() { ShellOpen(App().shell, App().appPath + "\\Help\\index.html"); }
+void frmMain::lblHelp_Click() { ShellOpen(*App().shell, App().appPath + "\\Help\\index.html"); }
 
 void frmMain::lblAbout_Click() { frmAbout::Show(hwnd_); }
 
@@ -241,6 +241,11 @@ LRESULT CALLBACK frmMain::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
                     default: break;
                 }
             }
+            break;
+        case WM_SYSCOMMAND:
+            // The frame has neither a maximise box nor a sizing border; a
+            // request from a keyboard tool or another program is refused too.
+            if ((wParam & 0xFFF0) == SC_MAXIMIZE || (wParam & 0xFFF0) == SC_SIZE) return 0;
             break;
         case WM_ACTIVATE:
             // Give the focus back to where it was when the window went inactive.
