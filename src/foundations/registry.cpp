@@ -11,6 +11,8 @@ namespace corvane {
 namespace {
 
 constexpr uint32_t kValueNameChars = 260;
+// A value name has at most 16,383 characters, and the call counts its NUL.
+constexpr uint32_t kLongestValueName = 16384;
 constexpr uint32_t kFirstDataSize = 4096;
 constexpr uint32_t kKeyNameChars = 255;
 // The size of the cache record of an installed application.
@@ -74,23 +76,27 @@ RegValueList EnumRegValues(Registry& registry, RegKey hive, const std::string& k
     if (opened && registry.OpenKey(hive, keyPath, kKeyRead, key) != kRegOk) return list;
 
     for (uint32_t index = 0;; ++index) {
-        char name[kValueNameChars] = {};
+        std::vector<char> name(kValueNameChars);
         uint32_t nameLength = kValueNameChars;
         std::vector<uint8_t> data(kFirstDataSize);
         uint32_t dataSize = kFirstDataSize;
         uint32_t type = kRegNone;
-        RegError result = registry.EnumValue(key, index, name, &nameLength, &type, data.data(), &dataSize);
+        RegError result = registry.EnumValue(key, index, name.data(), &nameLength, &type, data.data(), &dataSize);
         if (result == kErrorMoreData) {
-            // Longer data: once more with a buffer of the size the system asked for.
-            data.assign(dataSize, 0);
-            nameLength = kValueNameChars;
-            result = registry.EnumValue(key, index, name, &nameLength, &type, data.data(), &dataSize);
+            // Longer data, or a longer name: once more with a data buffer of the
+            // size the system asked for and room for the longest name a value
+            // can have, so no value ends the walk early.
+            data.assign(std::max(dataSize, kFirstDataSize), 0);
+            dataSize = static_cast<uint32_t>(data.size());
+            name.assign(kLongestValueName, 0);
+            nameLength = kLongestValueName;
+            result = registry.EnumValue(key, index, name.data(), &nameLength, &type, data.data(), &dataSize);
         }
         if (result != kRegOk) break;
 
         if (dataSize < data.size()) data.resize(dataSize);
         DecodedRegData decoded = DecodeRegData(type, data);
-        list.Add({std::string(name, std::min(nameLength, kValueNameChars)), std::move(decoded.data),
+        list.Add({std::string(name.data(), std::min<size_t>(nameLength, name.size())), std::move(decoded.data),
                   decoded.typeCode});
     }
 

@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "shell/app_identity.h"
+#include "startup/startup_report.h"
 
 namespace corvane {
 
@@ -23,7 +24,7 @@ const std::vector<ReportArea>& FullReportAreas() {
     static const std::vector<ReportArea> areas = {
         {"process", "Process", nullptr},
         {"ie", "Internet Explorer", nullptr},
-        {"startup", "Startup", nullptr},
+        {"startup", "Startup", WriteStartupArea},
         {"addremove", "Add/Remove", nullptr},
     };
     return areas;

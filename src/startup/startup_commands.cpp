@@ -1,0 +1,313 @@
+#include "startup/startup_commands.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "foundations/registry.h"
+#include "foundations/report_banner.h"
+#include "shell/app_identity.h"
+#include "startup/run_key_store.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr const char* kScopes[] = {kLocHKLM, kLocHKCU};
+
+bool IsRunLocation(const std::string& location) { return location == kLocHKLM || location == kLocHKCU; }
+bool IsFolderLocation(const std::string& location) {
+    return location == kLocStartupLM || location == kLocStartupCU;
+}
+
+void ShowError(CommandPorts& ports, const char* command, const std::string& description) {
+    ports.prompts.Message(std::string("Error Occurred ") + command + ": \r\n" + description, kAppTitle,
+                          PromptIcon::Information, PromptButtons::Ok);
+}
+
+void ShowNames(CommandPorts& ports, const std::string& text, const std::vector<std::string>& names) {
+    if (names.empty()) return;
+    std::string message = text + "\r\n";
+    for (const std::string& name : names) message += "\r\n" + name;
+    ports.prompts.Message(message, kAppTitle, PromptIcon::Information, PromptButtons::Ok);
+}
+
+// The value's data in the text form the list shows, or nothing when it is missing.
+std::optional<std::string> RunValueText(Registry& registry, RegKey hive, const std::string& keyPath,
+                                        const std::string& name, uint32_t* typeOut = nullptr) {
+    RegKey key = 0;
+    if (registry.OpenKey(hive, keyPath, kKeyQueryValue, key) != kRegOk) return std::nullopt;
+    uint32_t type = kRegNone;
+    uint32_t size = 0;
+    RegError result = registry.QueryValue(key, name, &type, nullptr, &size);
+    std::vector<uint8_t> data(size);
+    if (result == kRegOk) result = registry.QueryValue(key, name, &type, data.data(), &size);
+    registry.CloseKey(key);
+    if (result != kRegOk) return std::nullopt;
+    data.resize(std::min<size_t>(size, data.size()));
+    if (typeOut) *typeOut = type;
+    DecodedRegData decoded = DecodeRegData(type, data);
+    return RegValueEntry{name, std::move(decoded.data), decoded.typeCode}.Text();
+}
+
+// True when the Run key holds `name` as a REG_SZ value of exactly `command`.
+bool RunKeyHolds(Registry& registry, RegKey hive, const std::string& keyPath, const std::string& name,
+                 const std::string& command) {
+    uint32_t type = kRegNone;
+    const std::optional<std::string> text = RunValueText(registry, hive, keyPath, name, &type);
+    return text && type == kRegSz && *text == command;
+}
+
+// True when both files can be read and hold the same bytes.
+bool SameBytes(FileSystem& files, const std::string& a, const std::string& b) {
+    const auto first = files.Read(a);
+    if (!first) return false;
+    const auto second = files.Read(b);
+    return second && *first == *second;
+}
+
+// Copies a shortcut over to `to` and takes it away at `from` once the copy
+// holds its bytes. A failed copy is the command's error; a failed removal is
+// not, the item is then in both places.
+SysError MoveShortcut(FileSystem& files, const std::string& from, const std::string& to) {
+    if (const SysError error = files.Copy(from, to, true)) return error;
+    if (SameBytes(files, from, to)) files.Delete(from);
+    return kNoError;
+}
+
+// The store files of one command: rewritten only while each still holds what
+// the list was read from, so no line the list did not show, and no line
+// someone else wrote meanwhile, is dropped.
+class StoreWriter {
+public:
+    StoreWriter(CommandPorts& ports, const StartupPlaces& places, StartupList& list, const char* command)
+        : ports_(ports), places_(places), list_(list), command_(command) {}
+
+    // Writes `content` as the store of `scope`; false, after telling the user, when it cannot.
+    bool Write(const std::string& scope, const std::string& content) {
+        const std::string path = RunStorePath(places_.appPath, scope);
+        if (!StillAsRead(scope, path)) {
+            ShowError(ports_, command_,
+                      "The list of disabled items " + path +
+                          " could not be read, or it has changed since this list was made, so it was left as it "
+                          "is and so were the items of that list. Press Refresh and try again.");
+            return false;
+        }
+        if (const SysError error = ports_.files.WriteAtomic(path, content)) {
+            ShowError(ports_, command_,
+                      "The list of disabled items " + path + " could not be written: " +
+                          ErrorDescription(ports_.system, error));
+            return false;
+        }
+        list_.stores[scope].content = content;
+        return true;
+    }
+
+    // Puts the store of `scope` back as the list found it: the file is
+    // removed if there was none.
+    void Restore(const std::string& scope, const std::optional<std::string>& original) {
+        if (original) {
+            Write(scope, *original);
+            return;
+        }
+        const std::string path = RunStorePath(places_.appPath, scope);
+        if (StillAsRead(scope, path) && ports_.files.Delete(path) == kNoError) list_.stores[scope].content.reset();
+    }
+
+private:
+    bool StillAsRead(const std::string& scope, const std::string& path) {
+        // A list cut short at the row limit does not hold every disabled item.
+        if (list_.full) return false;
+        auto it = list_.stores.find(scope);
+        if (it == list_.stores.end() || it->second.readFailed) return false;
+        if (!ports_.files.Exists(path)) return !it->second.content.has_value();
+        const auto now = ports_.files.Read(path);
+        return now && it->second.content && *now == *it->second.content;
+    }
+
+    CommandPorts& ports_;
+    const StartupPlaces& places_;
+    StartupList& list_;
+    const char* command_;
+};
+
+}  // namespace
+
+std::string StoreContent(const std::vector<StartupRow>& rows, const std::string& scope) {
+    std::string content;
+    for (const StartupRow& row : rows) {
+        if (row.cells[kColEnabled] == "False" && row.cells[kColLocation].find(scope) != std::string::npos) {
+            content += FormatStoreLine(row.cells[kColName], row.cells[kColCommand], row.cells[kColLocation]);
+        }
+    }
+    return content;
+}
+
+CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places, StartupList& list) {
+    std::vector<StartupRow>& rows = list.rows;
+    std::vector<bool> treated(rows.size());
+    std::vector<std::string> unstorable, changed;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const StartupRow& row = rows[i];
+        if (!row.checked || !row.Live()) continue;
+        const std::string& location = row.cells[kColLocation];
+        if (IsRunLocation(location)) {
+            if (!StoreCanHold(row.cells[kColName]) || !StoreCanHold(row.cells[kColCommand])) {
+                unstorable.push_back(row.cells[kColName]);
+                continue;
+            }
+            // The store will hold the command the list shows; a value that
+            // has changed since is left alone rather than lost.
+            if (RunValueText(ports.registry, HiveOf(location), places.runKeyPath, row.cells[kColName]) !=
+                row.cells[kColCommand]) {
+                changed.push_back(row.cells[kColName]);
+                continue;
+            }
+        }
+        treated[i] = true;
+    }
+    ShowNames(ports,
+              "These startup items stay enabled: the list of disabled items keeps each name and command on one "
+              "line, and theirs hold a line break or the character of code 1.",
+              unstorable);
+    ShowNames(ports,
+              "These startup items have changed in the registry since this list was made and stay as they are. "
+              "Press Refresh to see them as they are now.",
+              changed);
+
+    // Each store first holds every run-key item about to leave its hive, as if all of them went.
+    StoreWriter stores(ports, places, list, "cmdDisable");
+    std::map<std::string, std::optional<std::string>> held;  // scope -> the store as the list found it
+    for (const char* scope : kScopes) {
+        std::vector<StartupRow> planned = rows;
+        bool any = false;
+        for (size_t i = 0; i < rows.size(); ++i) {
+            if (treated[i] && rows[i].cells[kColLocation] == scope) {
+                planned[i].cells[kColEnabled] = "False";
+                any = true;
+            }
+        }
+        if (!any) continue;
+        const std::optional<std::string> original = list.stores[scope].content;
+        if (stores.Write(scope, StoreContent(planned, scope))) {
+            held[scope] = original;
+        } else {
+            for (size_t i = 0; i < rows.size(); ++i) {
+                if (rows[i].cells[kColLocation] == scope) treated[i] = false;
+            }
+        }
+    }
+
+    bool stopped = false;
+    std::map<std::string, bool> hiveChanged;
+    for (size_t i = 0; i < rows.size() && !stopped; ++i) {
+        if (!treated[i]) continue;
+        StartupRow& row = rows[i];
+        const std::string& location = row.cells[kColLocation];
+        const std::string& name = row.cells[kColName];
+        if (IsRunLocation(location)) {
+            if (DeleteRegValue(ports.registry, ports.prompts, ports.system, HiveOf(location), places.runKeyPath,
+                               name)) {
+                row.cells[kColEnabled] = "False";
+                hiveChanged[location] = true;
+            }
+        } else if (IsFolderLocation(location)) {
+            const std::string live = LiveFolderOf(places, location) + "\\" + name;
+            const std::string stored = StoreFolderOf(places, location) + "\\" + name;
+            if (const SysError error = MoveShortcut(ports.files, live, stored)) {
+                ShowError(ports, "cmdDisable", ErrorDescription(ports.system, error));
+                stopped = true;
+            }
+        }
+    }
+
+    // The stores now hold exactly the items that left: a value that could
+    // not be deleted is taken out again, and a store whose hive did not
+    // change goes back to what it was.
+    for (const auto& [scope, original] : held) {
+        if (!hiveChanged[scope]) {
+            stores.Restore(scope, original);
+            continue;
+        }
+        const std::string content = StoreContent(rows, scope);
+        if (content != list.stores[scope].content) stores.Write(scope, content);
+    }
+    return stopped ? CommandEnd::Stopped : CommandEnd::Refresh;
+}
+
+CommandEnd EnableCheckedItems(CommandPorts& ports, const StartupPlaces& places, StartupList& list) {
+    std::vector<StartupRow>& rows = list.rows;
+    const size_t count = rows.size();
+    std::map<std::string, bool> hiveChanged;
+    std::vector<std::string> unwritten;
+    bool stopped = false;
+    for (size_t i = 0; i < count && !stopped; ++i) {
+        StartupRow& row = rows[i];
+        if (!row.checked || row.Live()) continue;
+        const std::string& location = row.cells[kColLocation];
+        const std::string& name = row.cells[kColName];
+        if (IsRunLocation(location)) {
+            const RegKey hive = HiveOf(location);
+            if (!SaveRegString(ports.registry, ports.prompts, ports.system, hive, places.runKeyPath, name,
+                               row.cells[kColCommand])) {
+                continue;
+            }
+            // The writer vouches only for the key: the line leaves the store
+            // once the value is seen in the Run key.
+            if (!RunKeyHolds(ports.registry, hive, places.runKeyPath, name, row.cells[kColCommand])) {
+                unwritten.push_back(name);
+                continue;
+            }
+            row.cells[kColEnabled] = "True";
+            hiveChanged[location] = true;
+        } else if (IsFolderLocation(location)) {
+            const std::string live = LiveFolderOf(places, location) + "\\" + name;
+            const std::string stored = StoreFolderOf(places, location) + "\\" + name;
+            if (const SysError error = MoveShortcut(ports.files, stored, live)) {
+                ShowError(ports, "cmdEnable", ErrorDescription(ports.system, error));
+                stopped = true;
+            }
+        }
+    }
+    ShowNames(ports,
+              "These startup items could not be written back to the Run key and stay disabled:", unwritten);
+
+    StoreWriter stores(ports, places, list, "cmdEnable");
+    for (const char* scope : kScopes) {
+        if (hiveChanged[scope]) stores.Write(scope, StoreContent(rows, scope));
+    }
+    return stopped ? CommandEnd::Stopped : CommandEnd::Refresh;
+}
+
+CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, StartupList& list, int selected) {
+    if (selected < 0 || static_cast<size_t>(selected) >= list.rows.size()) return CommandEnd::Nothing;
+    const StartupRow row = list.rows[static_cast<size_t>(selected)];
+    const std::string& name = row.cells[kColName];
+    const std::string& location = row.cells[kColLocation];
+    const std::string question = "Are you sure you want to delete selected Startup Item?\r\n\r\n" + name +
+                                 "\r\n\r\nStartup items are not backed up.";
+    if (ports.prompts.Message(question, kAppTitle, PromptIcon::Question, PromptButtons::YesNo) == PromptAnswer::No) {
+        return CommandEnd::Nothing;
+    }
+    if (IsRunLocation(location)) {
+        if (row.Live()) {
+            return DeleteRegValue(ports.registry, ports.prompts, ports.system, HiveOf(location), places.runKeyPath,
+                                  name)
+                       ? CommandEnd::Refresh
+                       : CommandEnd::Nothing;
+        }
+        // A disabled run-key item lives only in its store, which is written
+        // from the rows: without its row, the rewrite leaves it out.
+        list.rows.erase(list.rows.begin() + selected);
+        StoreWriter(ports, places, list, "cmdDelete").Write(location, StoreContent(list.rows, location));
+        return CommandEnd::Refresh;
+    }
+    if (IsFolderLocation(location)) {
+        const std::string folder = row.Live() ? LiveFolderOf(places, location) : StoreFolderOf(places, location);
+        return ports.files.Delete(folder + "\\" + name) == kNoError ? CommandEnd::Refresh : CommandEnd::Nothing;
+    }
+    return CommandEnd::Nothing;
+}
+
+}  // namespace corvane

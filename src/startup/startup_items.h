@@ -1,0 +1,166 @@
+#pragma once
+// The startup items without a window: the two Run keys, the two startup
+// folders and the stores of what the user disabled, turned into the rows that
+// the startup pane shows, its commands read back and its report writes.
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/environment.h"
+#include "platform/file_facts.h"
+#include "platform/file_system.h"
+#include "platform/registry.h"
+#include "platform/shortcuts.h"
+
+namespace corvane {
+
+inline constexpr const char* kRunKeyPath = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+inline constexpr const char* kShellFoldersKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders\\";
+
+// Location codes: where an item's Name is looked up.
+inline constexpr const char* kLocHKLM = "HKLM";
+inline constexpr const char* kLocHKCU = "HKCU";
+inline constexpr const char* kLocStartupLM = "Startup LM";
+inline constexpr const char* kLocStartupCU = "Startup CU";
+
+// The store folders of disabled shortcuts, in the program's folder.
+inline constexpr const char* kLMStoreFolder = "DLMStartup";
+inline constexpr const char* kCUStoreFolder = "DCUStartup";
+
+// The columns of the list, in order: the row's text and sub-items 1 to 10.
+inline constexpr std::array<const char*, 11> kStartupColumns = {
+    "Name",         "Enabled",      "Location",    "Command",     "File Name", "File Size [Kb]",
+    "Created On",   "Company Name", "Prodcut Name", "Description", "Path"};
+enum StartupColumn : int {
+    kColName = 0,
+    kColEnabled,
+    kColLocation,
+    kColCommand,
+    kColFileName,
+    kColSize,
+    kColCreated,
+    kColCompany,
+    kColProduct,
+    kColDescription,
+    kColPath,
+};
+
+// How a row is coloured: SusColor, DisColor, SusDisColor or the list's own.
+enum class RowMark { None, Suspicious, Disabled, SuspiciousDisabled };
+
+struct StartupRow {
+    std::array<std::string, 11> cells;
+    RowMark mark = RowMark::None;
+    // The icon the row shows: a file and an icon number; no file, the generic picture.
+    std::string iconFile;
+    int32_t iconIndex = 0;
+    // The list's check mark, copied in by the pane before a command.
+    bool checked = false;
+
+    bool Live() const { return cells[kColEnabled] == "True"; }
+};
+
+// A list holds at most this many rows: the design counts them in 16 bits.
+inline constexpr size_t kMaxStartupRows = 32767;
+
+// What one load of the rows saw of a run-key store, so a command rewrites the
+// store only while it still holds what the list was built from.
+struct StoreSnapshot {
+    bool readFailed = false;             // the file was there and could not be read
+    std::optional<std::string> content;  // nothing: no file
+};
+
+struct StartupList {
+    std::vector<StartupRow> rows;
+    std::map<std::string, StoreSnapshot> stores;  // by hive code, for the stores this load read
+    bool full = false;                            // rows were left out at the row limit
+};
+
+// The platform the rows come from.
+struct StartupSources {
+    Registry& registry;
+    FileSystem& files;        // stores, folders, shortcut files
+    FileFacts& facts;         // the items' files: existence, size, version
+    Clock& clock;
+    Environment& environment;
+    ShortcutReader& shortcuts;
+};
+
+// What the pane fixes once per load.
+struct StartupPlaces {
+    std::string appPath;              // the program's folder, no trailing backslash
+    std::string commonStartupFolder;  // "Common Startup" of the machine's Shell Folders
+    std::string userStartupFolder;    // "Startup" of the user's Shell Folders
+    std::vector<std::string> suspectList;
+    std::string runKeyPath = kRunKeyPath;  // the same below both hives
+};
+
+// The two startup folders from the Shell Folders keys and the suspect list
+// from the program's folder.
+StartupPlaces LoadStartupPlaces(StartupSources& sources, const std::string& appPath);
+
+// Makes DLMStartup and DCUStartup in the program's folder where missing;
+// a failure is passed over.
+void MakeStoreFolders(FileSystem& files, const std::string& appPath);
+
+// The file a command line runs, by the program's one rule: from the character
+// in front of the first ":" up to the end of the first ".exe" (else ".dll"),
+// regardless of case; the command unchanged when there is no such colon or
+// extension, when the extension lies well in front of the colon, or when a
+// position passes 32,767.
+std::string CommandToPath(const std::string& command);
+
+// The row makers. `enabled` says which state the row shows.
+void AddRunItem(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
+                const std::string& command, const std::string& location, bool enabled);
+void AddFolderItem(StartupSources& sources, const StartupPlaces& places, StartupList& list,
+                   const std::string& name, const std::string& command, const std::string& location,
+                   const std::string& iconFile, int32_t iconIndex, std::string target, bool enabled);
+
+// The sources. `hive` is kHKeyLocalMachine or kHKeyCurrentUser.
+void LoadRunKeyItems(StartupSources& sources, const StartupPlaces& places, StartupList& list, RegKey hive,
+                     const std::string& location);
+void LoadDisabledRunItems(StartupSources& sources, const StartupPlaces& places, StartupList& list,
+                          const std::string& storePath, const std::string& scope);
+// The normal (not hidden, not system) "*.lnk" files of a folder, in the system's order.
+std::vector<std::string> ListShortcuts(FileSystem& files, const std::string& folder);
+void LoadFolderItems(StartupSources& sources, const StartupPlaces& places, StartupList& list,
+                     const std::string& folder, const std::string& location, bool enabled);
+
+// The seven nodes of the source tree, in the order they are made.
+struct StartupNode {
+    const char* key;
+    const char* text;
+    const char* parent;  // null for the root
+    int image;           // 1-based, into the tree's five images
+};
+inline constexpr std::array<StartupNode, 7> kStartupNodes = {{
+    {"All", "All Items", nullptr, 1},
+    {"LM", "Local Machine", "All", 2},
+    {"HKLM", "Registry", "LM", 4},
+    {"LMStartup", "Startup Folder", "LM", 5},
+    {"CU", "Current User", "All", 3},
+    {"HKCU", "Registry", "CU", 4},
+    {"CUStartup", "Startup Folder", "CU", 5},
+}};
+
+// The frame's caption for a node; empty for an unknown key.
+std::string SelectionCaption(const std::string& nodeKey);
+
+// The rows of a node: its live sources, then its stores, in the fixed order.
+// An unknown key gives no rows.
+StartupList CollectStartupItems(StartupSources& sources, const StartupPlaces& places, const std::string& nodeKey);
+
+// The readable name of a Location code; empty for any other text.
+std::string LocationCaption(const std::string& code);
+
+// The hive, store folder and startup folder of a Location code.
+RegKey HiveOf(const std::string& location);
+std::string StoreFolderOf(const StartupPlaces& places, const std::string& location);
+std::string LiveFolderOf(const StartupPlaces& places, const std::string& location);
+
+}  // namespace corvane

@@ -1,0 +1,55 @@
+#include "startup/startup_report.h"
+
+#include "shell/app_identity.h"
+
+namespace corvane {
+
+std::string StartupReportBlock(const StartupRow& row) {
+    const auto& cell = row.cells;
+    const std::pair<const char*, std::string> lines[] = {
+        {"Startup Item : ", cell[kColName]},
+        {"Enabled      : ", cell[kColEnabled]},
+        {"Location     : ", LocationCaption(cell[kColLocation])},
+        {"Command      : ", cell[kColCommand]},
+        {"File Name    : ", cell[kColFileName]},
+        {"Size (Kb)    : ", cell[kColSize]},
+        {"Created on   : ", cell[kColCreated]},
+        {"Company Name : ", cell[kColCompany]},
+        {"Product Name : ", cell[kColProduct]},
+        {"Description  : ", cell[kColDescription]},
+        {"Path         : ", cell[kColPath]},
+    };
+    std::string block;
+    for (const auto& [label, text] : lines) block += label + text + "\r\n";
+    return block;
+}
+
+std::string StartupReportBody(const std::vector<StartupRow>& rows) {
+    std::string body;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        if (i > 0) body += "\r\n";
+        body += StartupReportBlock(rows[i]);
+    }
+    return body;
+}
+
+bool printReportStartup(ReportPorts& ports, const std::string& file, const std::vector<StartupRow>& rows) {
+    if (const SysError error = ports.files.Append(file, StartupReportBody(rows))) {
+        ports.prompts.Message("Error Occurred Startup printReport: \r\n" + ErrorDescription(ports.system, error),
+                              kAppTitle, PromptIcon::Information, PromptButtons::Ok);
+        return false;
+    }
+    return true;
+}
+
+bool WriteStartupArea(FullReportPlatform& platform, const std::string& file) {
+    if (!platform.registry || !platform.facts || !platform.environment || !platform.shortcuts) return true;
+    ReportPorts& report = platform.report;
+    StartupSources sources{*platform.registry, report.files, *platform.facts, report.clock, *platform.environment,
+                           *platform.shortcuts};
+    const StartupPlaces places = LoadStartupPlaces(sources, platform.appPath);
+    const StartupList list = CollectStartupItems(sources, places, "All");
+    return printReportStartup(report, file, list.rows);
+}
+
+}  // namespace corvane
