@@ -79,12 +79,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
 
     // The value list: one entry per value in the system's order, each as its
-    // stored bytes decode, until a name too long for the 260-character buffer.
+    // stored bytes decode; a name longer than the system allows (16,383
+    // characters) ends the list.
     const RegValueList list = EnumRegValues(reg, kHKeyCurrentUser, kKey);
     const std::vector<std::string> names = reg.ValueNames(kPath);
     Check(list.Count() <= static_cast<int>(names.size()));
     for (int i = 1; i <= static_cast<int>(names.size()); ++i) {
-        if (names[i - 1].size() >= 260) {
+        if (names[i - 1].size() >= 16384) {
             Check(list.Count() == i - 1);
             break;
         }

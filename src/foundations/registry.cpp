@@ -82,11 +82,12 @@ RegValueList EnumRegValues(Registry& registry, RegKey hive, const std::string& k
         uint32_t dataSize = kFirstDataSize;
         uint32_t type = kRegNone;
         RegError result = registry.EnumValue(key, index, name.data(), &nameLength, &type, data.data(), &dataSize);
-        if (result == kErrorMoreData) {
-            // Longer data, or a longer name: once more with a data buffer of the
-            // size the system asked for and room for the longest name a value
-            // can have, so no value ends the walk early.
-            data.assign(std::max(dataSize, kFirstDataSize), 0);
+        // Longer data, or a longer name: again with a data buffer of the size
+        // the system asked for and room for the longest name a value can have,
+        // so no value ends the walk early. A too-long name may hide too-long
+        // data, which the second try then reports.
+        for (int retry = 0; retry < 2 && result == kErrorMoreData; ++retry) {
+            data.assign(std::max<size_t>(dataSize, data.size()), 0);
             dataSize = static_cast<uint32_t>(data.size());
             name.assign(kLongestValueName, 0);
             nameLength = kLongestValueName;

@@ -248,15 +248,16 @@ TEST(StartupReport, OneBlockPerRowInTheListsOrder) {
 TEST(StartupRows, EveryRunValueIsListedWhateverItsNameOrData) {
     World w;
     // A value name longer than the first name buffer, data longer than the
-    // first data buffer, and values after both.
+    // first data buffer, both at once, and values after them.
     const std::string longName(300, 'N');
     w.registry.PutString(kLMRun, "first", "a");
     w.registry.PutString(kLMRun, longName, "b");
     w.registry.PutString(kLMRun, "big", std::string(5000, 'c'));
+    w.registry.PutString(kLMRun, longName + "2", std::string(5000, 'e'));
     w.registry.PutString(kLMRun, "last", "d");
     std::vector<std::string> names;
     for (const StartupRow& row : w.Collect("HKLM").rows) names.push_back(row.cells[kColName]);
-    EXPECT_EQ(names, (std::vector<std::string>{"first", longName, "big", "last"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"first", longName, "big", longName + "2", "last"}));
 }
 
 }  // namespace
