@@ -7,7 +7,11 @@
 #include <string>
 
 #include "platform/win32/adapters.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
+#include "platform/win32/registry_win32.h"
+#include "platform/win32/shortcuts_win32.h"
 #include "shell/settings.h"
 
 namespace corvane {
@@ -19,6 +23,10 @@ struct AppContext {
     Win32Prompts win32Prompts;
     Win32Profile win32Profile;
     Win32FileSystem win32Files;
+    Win32Registry win32Registry;
+    Win32FileFacts win32Facts;
+    Win32Clock win32Clock;
+    Win32Shortcuts win32Shortcuts;
 
     HINSTANCE instance = nullptr;
     std::string appPath;  // folder of the executable, no trailing backslash
@@ -33,6 +41,10 @@ struct AppContext {
     Prompts* prompts = &win32Prompts;
     Profile* profile = &win32Profile;
     FileSystem* files = &win32Files;
+    Registry* registry = &win32Registry;
+    FileFacts* facts = &win32Facts;
+    Clock* clock = &win32Clock;
+    ShortcutReader* shortcuts = &win32Shortcuts;
     Settings settings{win32Profile, ""};
 };
 

@@ -19,9 +19,10 @@ int InsertColumn(HWND list, int index, const std::string& text, int width) {
     return static_cast<int>(SendMessageA(list, LVM_INSERTCOLUMNA, index, reinterpret_cast<LPARAM>(&column)));
 }
 
-int InsertItem(HWND list, int index, const std::string& text, int image) {
+int InsertItem(HWND list, int index, const std::string& text, int image, LPARAM param) {
     LVITEMA item{};
-    item.mask = LVIF_TEXT | LVIF_IMAGE;
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
+    item.lParam = param;
     item.iItem = index;
     item.pszText = const_cast<char*>(text.c_str());
     item.iImage = image;
@@ -50,6 +51,45 @@ std::string GetItemText(HWND list, int item, int subItem) {
             return buffer;
         }
     }
+}
+
+int ItemCount(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+
+void DeleteAllItems(HWND list) { SendMessageA(list, LVM_DELETEALLITEMS, 0, 0); }
+
+void SetExtendedStyle(HWND list, DWORD style) { SendMessageA(list, LVM_SETEXTENDEDLISTVIEWSTYLE, style, style); }
+
+HIMAGELIST SetImageList(HWND list, HIMAGELIST images, int which) {
+    return reinterpret_cast<HIMAGELIST>(
+        SendMessageA(list, LVM_SETIMAGELIST, which, reinterpret_cast<LPARAM>(images)));
+}
+
+bool GetCheckState(HWND list, int item) {
+    // The state image is 1 for a clear box and 2 for a ticked one.
+    return ((SendMessageA(list, LVM_GETITEMSTATE, item, LVIS_STATEIMAGEMASK) & LVIS_STATEIMAGEMASK) >> 12) == 2;
+}
+
+LPARAM GetItemParam(HWND list, int item) {
+    LVITEMA lv{};
+    lv.mask = LVIF_PARAM;
+    lv.iItem = item;
+    SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&lv));
+    return lv.lParam;
+}
+
+int GetSelectedIndex(HWND list) {
+    return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+int FindItemByParam(HWND list, LPARAM param) {
+    LVFINDINFOA find{};
+    find.flags = LVFI_PARAM;
+    find.lParam = param;
+    return static_cast<int>(SendMessageA(list, LVM_FINDITEMA, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
+}
+
+void SortItems(HWND list, PFNLVCOMPARE compare, LPARAM data) {
+    SendMessageA(list, LVM_SORTITEMS, data, reinterpret_cast<LPARAM>(compare));
 }
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "contract/shortcuts_contract.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_report.h"
 #include "startup/suspect_list.h"
@@ -258,6 +259,20 @@ TEST(StartupRows, EveryRunValueIsListedWhateverItsNameOrData) {
     std::vector<std::string> names;
     for (const StartupRow& row : w.Collect("HKLM").rows) names.push_back(row.cells[kColName]);
     EXPECT_EQ(names, (std::vector<std::string>{"first", longName, "big", longName + "2", "last"}));
+}
+
+TEST(ShortcutContract, Fake) {
+    fakes::FakeFileSystem files;
+    files.AddFolder("C:\\links");
+    files.AddFile("C:\\Tools\\app.exe", "MZ");
+    fakes::FakeShortcuts reader(files);
+    contract::ShortcutFixture fixture{
+        [&](const std::string& path, const std::string& target, const std::string& arguments,
+            const std::string& iconFile, int iconIndex) {
+            files.AddFile(path, fakes::FakeShortcutBytes(target, arguments, iconFile + "," + std::to_string(iconIndex)));
+        },
+        files, "C:\\links", "C:\\Tools\\app.exe"};
+    contract::CheckShortcutContract(reader, fixture);
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include "wine/wine_support.h"
 
 #include <windows.h>
+#include <objbase.h>
+#include <shlobj.h>
+#include <shobjidl.h>
 
 #include "shell/app_identity.h"
 
@@ -78,6 +81,28 @@ RunResult Run(const std::string& commandLine, unsigned long timeoutMs) {
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
     return result;
+}
+
+bool MakeShortcut(const std::string& path, const std::string& target, const std::string& arguments,
+                  const std::string& iconFile, int iconIndex) {
+    const HRESULT started = CoInitialize(nullptr);
+    IShellLinkA* link = nullptr;
+    IPersistFile* file = nullptr;
+    bool saved = false;
+    if (SUCCEEDED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
+                                   reinterpret_cast<void**>(&link))) &&
+        SUCCEEDED(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&file)))) {
+        link->SetPath(target.c_str());
+        link->SetArguments(arguments.c_str());
+        if (!iconFile.empty()) link->SetIconLocation(iconFile.c_str(), iconIndex);
+        wchar_t wide[MAX_PATH * 2] = {};
+        MultiByteToWideChar(CP_ACP, 0, path.c_str(), -1, wide, MAX_PATH * 2);
+        saved = SUCCEEDED(file->Save(wide, TRUE));
+    }
+    if (file) file->Release();
+    if (link) link->Release();
+    if (SUCCEEDED(started)) CoUninitialize();
+    return saved;
 }
 
 bool ImportRegFile(const std::string& path) {

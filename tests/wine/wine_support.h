@@ -21,6 +21,11 @@ RunResult Run(const std::string& commandLine, unsigned long timeoutMs = 60000);
 // Imports a .reg file with regedit /s; false when regedit fails.
 bool ImportRegFile(const std::string& path);
 
+// Saves a shortcut file through the shell's link object (IShellLinkA and
+// IPersistFile): target, arguments and, when `iconFile` is not empty, an icon.
+bool MakeShortcut(const std::string& path, const std::string& target, const std::string& arguments = "",
+                  const std::string& iconFile = "", int iconIndex = 0);
+
 // Sets HKCU\Software\Wine\Version for the processes started from now on and
 // puts the old value back when it goes out of scope.
 class ScopedWineVersion {
