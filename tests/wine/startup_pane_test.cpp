@@ -1,0 +1,341 @@
+// The startup pane in the main window of the test's own process, on the
+// prefix's real Run keys and startup folders, driven through its tree, its
+// list and its buttons; message boxes and dialogs are answered by fakes.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include "fakes/fakes.h"
+#include "res/resource.h"
+#include "shell/app_context.h"
+#include "shell/main_window.h"
+#include "startup/run_key_store.h"
+#include "startup/startup_pane.h"
+#include "ui/list_view.h"
+#include "ui/tree_view.h"
+#include "wine/startup_machine.h"
+
+namespace corvane {
+namespace {
+
+void Pump() {
+    MSG msg;
+    for (int round = 0; round < 3; ++round) {
+        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&msg);
+            DispatchMessageA(&msg);
+        }
+        Sleep(10);
+    }
+}
+
+void WriteFile(const std::string& path, const std::string& bytes) {
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    DWORD written = 0;
+    ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    CloseHandle(file);
+}
+
+// What the detail dialog showed, read by a thread timer inside its modal loop.
+struct DetailSeen {
+    bool found = false;
+    std::string name, path, size;
+};
+DetailSeen* g_detail = nullptr;
+
+BOOL CALLBACK FindDetailDialog(HWND window, LPARAM result) {
+    char className[16] = {};
+    GetClassNameA(window, className, sizeof className);
+    if (std::string(className) == "#32770" && IsWindowVisible(window) && GetDlgItem(window, IDC_VIEWINFO_OK)) {
+        *reinterpret_cast<HWND*>(result) = window;
+        return FALSE;
+    }
+    return TRUE;
+}
+
+void CALLBACK ReadDetailAndClose(HWND, UINT, UINT_PTR timer, DWORD) {
+    HWND dialog = nullptr;
+    EnumThreadWindows(GetCurrentThreadId(), FindDetailDialog, reinterpret_cast<LPARAM>(&dialog));
+    if (!dialog) return;
+    KillTimer(nullptr, timer);
+    char text[1024] = {};
+    g_detail->found = true;
+    GetDlgItemTextA(dialog, IDC_VIEWINFO_NAME, text, sizeof text);
+    g_detail->name = text;
+    GetDlgItemTextA(dialog, IDC_VIEWINFO_PATH, text, sizeof text);
+    g_detail->path = text;
+    GetDlgItemTextA(dialog, IDC_VIEWINFO_SIZE, text, sizeof text);
+    g_detail->size = text;
+    SendDlgItemMessageA(dialog, IDC_VIEWINFO_OK, BM_CLICK, 0, 0);
+}
+
+class StartupPaneUnderWine : public ::testing::Test {
+protected:
+    void SetUp() override {
+        static bool registered = false;
+        if (!registered) {
+            InitApp(GetModuleHandleA(nullptr));
+            INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
+            InitCommonControlsEx(&controls);
+            RegisterMainClasses(App().instance);
+            registered = true;
+        }
+        machine_.Setup();
+        savedPath_ = App().appPath;
+        App().appPath = machine_.app;
+        App().prompts = &prompts_;
+        App().shell = &shell_;
+    }
+    void TearDown() override {
+        if (hwnd_ && IsWindow(hwnd_)) DestroyWindow(hwnd_);
+        if (appWindow_) DestroyWindow(appWindow_);
+        App().appPath = savedPath_;
+        App().prompts = &App().win32Prompts;
+        App().shell = &App().win32Shell;
+        MSG msg;
+        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+        }
+    }
+
+    // The main window with the startup pane shown.
+    void Open() {
+        appWindow_ = CreateAppWindow(App().instance);
+        form_ = frmMain::Create(appWindow_);
+        ASSERT_NE(form_, nullptr);
+        hwnd_ = form_->hwnd();
+        form_->cmdStartup_Click();
+        Pump();
+        pane_ = form_->activePane();
+        ASSERT_EQ(pane_, frmStartup::Window());
+        list_ = GetDlgItem(pane_, IDC_LSTVSTARTUP);
+        tree_ = GetDlgItem(pane_, IDC_TVWSTARTUP);
+    }
+
+    std::string Caption() {
+        char text[256] = {};
+        GetDlgItemTextA(pane_, IDC_STARTUP_FRAME, text, sizeof text);
+        return text;
+    }
+    // The list item of our row `name` in state `enabled`, or -1.
+    int Item(const std::string& name, const std::string& enabled = "True") {
+        for (int i = 0; i < ItemCount(list_); ++i) {
+            if (GetItemText(list_, i, kColName) == name && GetItemText(list_, i, kColEnabled) == enabled) return i;
+        }
+        return -1;
+    }
+    std::vector<std::string> Ours(const std::string& enabled) {
+        std::vector<std::string> names;
+        for (int i = 0; i < ItemCount(list_); ++i) {
+            const std::string name = GetItemText(list_, i, kColName);
+            if (wine::StartupMachine::Ours(name) && GetItemText(list_, i, kColEnabled) == enabled) names.push_back(name);
+        }
+        return names;
+    }
+    void Check(int item) {
+        LVITEMA state{};
+        state.stateMask = LVIS_STATEIMAGEMASK;
+        state.state = INDEXTOSTATEIMAGEMASK(2);
+        SendMessageA(list_, LVM_SETITEMSTATE, item, reinterpret_cast<LPARAM>(&state));
+    }
+    void Select(int item) {
+        LVITEMA state{};
+        state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+        state.state = LVIS_SELECTED | LVIS_FOCUSED;
+        SendMessageA(list_, LVM_SETITEMSTATE, item, reinterpret_cast<LPARAM>(&state));
+    }
+    void Click(int id) {
+        SendMessageA(pane_, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(pane_, id)));
+        Pump();
+    }
+    // The colour and font the list is told to draw an item's text or a sub-item with.
+    std::pair<COLORREF, bool> Drawn(int item, int subItem) {
+        HDC dc = GetDC(list_);
+        NMLVCUSTOMDRAW draw{};
+        draw.nmcd.hdr = {list_, IDC_LSTVSTARTUP, static_cast<UINT>(NM_CUSTOMDRAW)};
+        draw.nmcd.dwDrawStage = CDDS_ITEMPREPAINT | CDDS_SUBITEM;
+        draw.nmcd.hdc = dc;
+        draw.nmcd.dwItemSpec = static_cast<DWORD_PTR>(item);
+        draw.nmcd.lItemlParam = GetItemParam(list_, item);
+        draw.iSubItem = subItem;
+        SendMessageA(pane_, WM_NOTIFY, IDC_LSTVSTARTUP, reinterpret_cast<LPARAM>(&draw));
+        TEXTMETRICA metrics{};
+        GetTextMetricsA(dc, &metrics);
+        ReleaseDC(list_, dc);
+        return {draw.clrText, metrics.tmWeight >= FW_BOLD};
+    }
+    void ColumnClick(int column) {
+        NMLISTVIEW click{};
+        click.hdr = {list_, IDC_LSTVSTARTUP, static_cast<UINT>(LVN_COLUMNCLICK)};
+        click.iItem = -1;
+        click.iSubItem = column;
+        SendMessageA(pane_, WM_NOTIFY, IDC_LSTVSTARTUP, reinterpret_cast<LPARAM>(&click));
+    }
+
+    wine::StartupMachine machine_;
+    std::string savedPath_;
+    fakes::FakePrompts prompts_;
+    fakes::FakeShell shell_;
+    HWND appWindow_ = nullptr;
+    frmMain* form_ = nullptr;
+    HWND hwnd_ = nullptr, pane_ = nullptr, list_ = nullptr, tree_ = nullptr;
+};
+
+TEST_F(StartupPaneUnderWine, TreeCaptionsColumnsAndColours) {
+    WriteFile(machine_.app + "\\DHKCURunKey.run",
+              FormatStoreLine("CorvaneTest Stored Evil", machine_.evil + " /x", "HKCU") +
+                  FormatStoreLine("CorvaneTest Stored Gone", "C:\\gone.exe", "HKCU"));
+    Open();
+    EXPECT_EQ(SendMessageA(tree_, TVM_GETCOUNT, 0, 0), 7);
+    EXPECT_EQ(Caption(), "Startup Items (Current Selection: All Items)");
+    EXPECT_EQ(GetFileAttributesA((machine_.app + "\\DLMStartup").c_str()), static_cast<DWORD>(FILE_ATTRIBUTE_DIRECTORY));
+
+    const int evil = Item("CorvaneTest Evil"), plain = Item("CorvaneTest Plain");
+    const int storedEvil = Item("CorvaneTest Stored Evil", "False"), gone = Item("CorvaneTest Stored Gone", "False");
+    ASSERT_TRUE(evil >= 0 && plain >= 0 && storedEvil >= 0 && gone >= 0);
+    EXPECT_EQ(GetItemText(list_, evil, kColLocation), "HKCU");
+    EXPECT_EQ(GetItemText(list_, plain, kColLocation), "HKLM");
+    EXPECT_EQ(GetItemText(list_, plain, kColFileName), "plain.exe");
+    EXPECT_EQ(GetItemText(list_, Item("CorvaneTest LM.lnk"), kColLocation), "Startup LM");
+    EXPECT_EQ(GetItemText(list_, Item("CorvaneTest CU.lnk"), kColLocation), "Startup CU");
+    EXPECT_EQ(GetItemText(list_, gone, kColFileName), "");
+
+    const SharedValues& shared = App().shared;
+    const COLORREF text = GetSysColor(COLOR_WINDOWTEXT);
+    EXPECT_EQ(Drawn(evil, 0), std::make_pair(static_cast<COLORREF>(shared.SusColor), shared.FontBold == 1));
+    EXPECT_EQ(Drawn(evil, 3), std::make_pair(text, false)) << "sub-items keep the list's colour";
+    EXPECT_EQ(Drawn(storedEvil, 0), std::make_pair(static_cast<COLORREF>(shared.SusDisColor), shared.FontBold == 1));
+    EXPECT_EQ(Drawn(gone, 0), std::make_pair(static_cast<COLORREF>(shared.DisColor), false));
+    EXPECT_EQ(Drawn(plain, 0), std::make_pair(text, false));
+
+    // A node shows its own sources; the registry node of the machine keeps its spelling.
+    const struct {
+        int node;
+        const char* caption;
+        std::vector<std::string> live, stored;
+    } nodes[] = {
+        {2, "Startup Items (Current Selection: Local Machine Regitry)",
+         {"CorvaneTest Caf\xE9", "CorvaneTest Missing", "CorvaneTest Plain", "CorvaneTest Quoted"}, {}},
+        {6, "Startup Items (Current Selection: Current User Startup Folder)", {"CorvaneTest CU.lnk"}, {}},
+        {5, "Startup Items (Current Selection: Current User Registry)",
+         {"CorvaneTest Env", "CorvaneTest Env Args", "CorvaneTest Evil", "CorvaneTest Rundll", "CorvaneTest Spaced"},
+         {"CorvaneTest Stored Evil", "CorvaneTest Stored Gone"}},
+    };
+    HTREEITEM items[7] = {};
+    items[0] = reinterpret_cast<HTREEITEM>(SendMessageA(tree_, TVM_GETNEXTITEM, TVGN_ROOT, 0));
+    for (int i = 1; i < 7; ++i) {
+        items[i] = reinterpret_cast<HTREEITEM>(SendMessageA(tree_, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE,
+                                                            reinterpret_cast<LPARAM>(items[i - 1])));
+    }
+    for (const auto& n : nodes) {
+        SelectNode(tree_, items[n.node]);
+        Pump();
+        EXPECT_EQ(Caption(), n.caption);
+        EXPECT_EQ(Ours("True"), n.live) << n.caption;
+        EXPECT_EQ(Ours("False"), n.stored) << n.caption;
+    }
+
+    // Sorting: the first click of all, on Name, gives descending order; a second ascending.
+    SelectNode(tree_, items[0]);
+    Pump();
+    ColumnClick(0);
+    const int count = ItemCount(list_);
+    ASSERT_GT(count, 2);
+    EXPECT_GE(lstrcmpiA(GetItemText(list_, 0, 0).c_str(), GetItemText(list_, count - 1, 0).c_str()), 0);
+    ColumnClick(0);
+    EXPECT_LE(lstrcmpiA(GetItemText(list_, 0, 0).c_str(), GetItemText(list_, count - 1, 0).c_str()), 0);
+    // Sorting stays on through a refresh.
+    Click(IDC_STARTUP_REFRESH);
+    EXPECT_LE(lstrcmpiA(GetItemText(list_, 0, 0).c_str(), GetItemText(list_, count - 1, 0).c_str()), 0);
+}
+
+TEST_F(StartupPaneUnderWine, DisableEnableDeleteAndTheOtherCommands) {
+    Open();
+    Check(Item("CorvaneTest Plain"));
+    Check(Item("CorvaneTest CU.lnk"));
+    Click(IDC_STARTUP_DISABLE);
+    EXPECT_TRUE(prompts_.shown.empty());
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Plain").second, 0u);
+    EXPECT_GE(Item("CorvaneTest Plain", "False"), 0);
+    EXPECT_GE(Item("CorvaneTest CU.lnk", "False"), 0);
+    EXPECT_EQ(Item("CorvaneTest CU.lnk", "True"), -1);
+
+    Check(Item("CorvaneTest Plain", "False"));
+    Check(Item("CorvaneTest CU.lnk", "False"));
+    Click(IDC_STARTUP_ENABLE);
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Plain").first, machine_.plain + " -q" + '\0');
+    EXPECT_GE(Item("CorvaneTest CU.lnk", "True"), 0);
+    EXPECT_TRUE(Ours("False").empty());
+
+    // Delete asks, names the item, and takes it away for good.
+    prompts_.answers = {PromptAnswer::Yes};
+    Select(Item("CorvaneTest Missing"));
+    Click(IDC_STARTUP_DELETE);
+    ASSERT_EQ(prompts_.shown.size(), 1u);
+    EXPECT_NE(prompts_.shown[0].text.find("\r\n\r\nCorvaneTest Missing\r\n\r\n"), std::string::npos);
+    EXPECT_EQ(Item("CorvaneTest Missing"), -1);
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Missing").second, 0u);
+
+    // Open Folder: off for a row without a file, on for one with a file, and it opens that file's folder.
+    HWND folder = GetDlgItem(pane_, IDC_STARTUP_FOLDER);
+    Select(Item("CorvaneTest Env Args"));
+    EXPECT_FALSE(IsWindowEnabled(folder));
+    Select(Item("CorvaneTest Quoted"));
+    EXPECT_TRUE(IsWindowEnabled(folder));
+    Click(IDC_STARTUP_FOLDER);
+    ASSERT_EQ(shell_.opened.size(), 1u);
+    EXPECT_EQ(shell_.opened[0], std::string(wine::kStartupFiles) + "\\Full App\\");
+
+    // View Information: the name with the file's name, the file's whole path and the size column.
+    DetailSeen seen;
+    g_detail = &seen;
+    SetTimer(nullptr, 0, 50, ReadDetailAndClose);
+    Click(IDC_STARTUP_VIEWINFORMATION);
+    g_detail = nullptr;
+    ASSERT_TRUE(seen.found);
+    EXPECT_EQ(seen.name, "CorvaneTest Quoted (full.exe)");
+    EXPECT_EQ(seen.path, machine_.full);
+    EXPECT_EQ(seen.size, GetItemText(list_, Item("CorvaneTest Quoted"), kColSize));
+
+    // The report: the banner, then a block per row in the list's order.
+    const std::string report = wine::FreshFolder("startup-pane-report") + "\\startup.txt";
+    prompts_.saveAnswers = {report};
+    Click(IDC_STARTUP_REPORT);
+    const std::string text = wine::FileBytes(report);
+    EXPECT_EQ(text.rfind("Startup Report Generated by  :\r\n", 0), 0u);
+    EXPECT_NE(text.find("Startup Item : CorvaneTest Quoted\r\nEnabled      : True\r\n"
+                        "Location     : Local Machine Run Key\r\n"),
+              std::string::npos);
+    EXPECT_EQ(shell_.opened.back(), report);
+}
+
+// Store files as a user's editor may leave them: the pane reads what the
+// format allows and passes over the rest, and never falls over.
+TEST_F(StartupPaneUnderWine, HandEditedStoresNeverBreakThePane) {
+    const std::string sep(1, kFieldSeparator);
+    const std::string longCommand = machine_.full + " " + std::string(10000, 'x');
+    WriteFile(machine_.app + "\\DHKLMRunKey.run",
+              "\r\n\r\n"
+              "no separator at all\r\n"
+              "CorvaneTest Other Hive" + sep + "x" + sep + "HKCU\r\n" +
+              "CorvaneTest Long" + sep + longCommand + sep + "HKLM\r\n" +
+              "CorvaneTest \xC4\xD6\xDC\xE9\xFF" + sep + "C:\\\xE9\\a.exe" + sep + "HKLM\n" +
+              "CorvaneTest One Sep" + sep + "HKLM\r\n" +
+              "CorvaneTest After" + sep + "y" + sep + "HKLM\r\n");
+    std::string noise;
+    for (int i = 0; i < 4096; ++i) noise += static_cast<char>((i * 7919) % 256);
+    WriteFile(machine_.app + "\\DHKCURunKey.run", noise);
+    Open();
+    EXPECT_EQ(Ours("False"), (std::vector<std::string>{"CorvaneTest Long", "CorvaneTest \xC4\xD6\xDC\xE9\xFF"}));
+    const int item = Item("CorvaneTest Long", "False");
+    EXPECT_EQ(GetItemText(list_, item, kColCommand), longCommand);
+    EXPECT_EQ(GetItemText(list_, item, kColFileName), "full.exe");
+    // The pane still works: a refresh and an empty disable change nothing.
+    Click(IDC_STARTUP_REFRESH);
+    Click(IDC_STARTUP_DISABLE);
+    EXPECT_EQ(Ours("False").size(), 2u);
+    EXPECT_TRUE(prompts_.shown.empty());
+}
+
+}  // namespace
+}  // namespace corvane
