@@ -50,12 +50,46 @@ int32_t IconIndexOf(const std::string& text) {
     return static_cast<int32_t>(value);
 }
 
+// The facts of one row's file. The row needs the file's search result twice,
+// for its creation date (inside clsProcess) and for its length; a search is
+// slow on a large folder, so the second answer is the first one again.
+class OneSearch final : public FileFacts {
+public:
+    explicit OneSearch(FileFacts& facts) : facts_(facts) {}
+    uint32_t VersionInfoSize(const std::string& path) override { return facts_.VersionInfoSize(path); }
+    bool VersionInfo(const std::string& path, std::vector<unsigned char>& block) override {
+        return facts_.VersionInfo(path, block);
+    }
+    std::optional<VersionValue> QueryVersionValue(std::vector<unsigned char>& block,
+                                                  const std::string& subBlock) override {
+        return facts_.QueryVersionValue(block, subBlock);
+    }
+    std::optional<FoundFile> Find(const std::string& path) override {
+        if (!searched_ || path != path_) {
+            found_ = facts_.Find(path);
+            path_ = path;
+            searched_ = true;
+        }
+        return found_;
+    }
+    bool Exists(const std::string& path) override { return facts_.Exists(path); }
+    uint32_t ShortPathName(const std::string& path, std::string& buffer) override {
+        return facts_.ShortPathName(path, buffer);
+    }
+
+private:
+    FileFacts& facts_;
+    bool searched_ = false;
+    std::string path_;
+    std::optional<FoundFile> found_;
+};
+
 // One row from its file, the common part of both row makers. The columns of
 // the file stay empty when it does not exist; when its length cannot be read
 // the row keeps what it has and stays uncoloured.
 void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
                 const std::string& command, const std::string& location, bool enabled, const std::string& path,
-                std::string iconFile, int32_t iconIndex) {
+                bool exists, std::string iconFile, int32_t iconIndex) {
     StartupRow row;
     row.cells[kColName] = name;
     row.cells[kColEnabled] = enabled ? "True" : "False";
@@ -65,15 +99,16 @@ void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupLis
     row.iconIndex = iconIndex;
 
     bool suspicious = false;
-    if (sources.facts.Exists(path)) {
+    if (exists) {
         const size_t slash = path.find_last_of('\\');
         const size_t s = slash == std::string::npos ? 0 : slash + 1;  // 1-based, 0 for none
         const std::string fileName = s >= 2 ? path.substr(s) : path;
         suspicious = IsSuspect(places.suspectList, LCaseAnsi(fileName));
-        clsProcess info(sources.facts, sources.clock);
+        OneSearch facts(sources.facts);
+        clsProcess info(facts, sources.clock);
         info.GetFileDescription(path);
         row.cells[kColFileName] = fileName;
-        const auto found = sources.facts.Find(path);
+        const auto found = facts.Find(path);
         if (!found || found->isFolder) {
             list.rows.push_back(std::move(row));
             return;
@@ -134,16 +169,34 @@ void AddRunItem(StartupSources& sources, const StartupPlaces& places, StartupLis
     std::string path = CommandToPath(command);
     if (path.find('%') != std::string::npos) path = ExpandEnvString(sources.environment, path);
     // A run item shows the first icon of its file, or the generic picture when there is no file.
-    std::string iconFile = sources.facts.Exists(path) ? path : std::string();
-    AddItemRow(sources, places, list, name, command, location, enabled, path, std::move(iconFile), 0);
+    const bool exists = sources.facts.Exists(path);
+    AddItemRow(sources, places, list, name, command, location, enabled, path, exists, exists ? path : std::string(), 0);
 }
+
+namespace {
+
+// AddFolderItem for a target known to exist as it stands, which only a
+// reference to be expanded can change; each existence test is a system call.
+void AddFolderItemOf(StartupSources& sources, const StartupPlaces& places, StartupList& list,
+                     const std::string& name, const std::string& command, const std::string& location,
+                     const std::string& iconFile, int32_t iconIndex, std::string target, bool enabled,
+                     bool targetExists) {
+    if (!RoomFor(list)) return;
+    if (target.find('%') != std::string::npos) {
+        target = ExpandEnvString(sources.environment, target);
+        targetExists = sources.facts.Exists(target);
+    }
+    AddItemRow(sources, places, list, name, command, location, enabled, target, targetExists, iconFile, iconIndex);
+}
+
+}  // namespace
 
 void AddFolderItem(StartupSources& sources, const StartupPlaces& places, StartupList& list,
                    const std::string& name, const std::string& command, const std::string& location,
                    const std::string& iconFile, int32_t iconIndex, std::string target, bool enabled) {
-    if (!RoomFor(list)) return;
-    if (target.find('%') != std::string::npos) target = ExpandEnvString(sources.environment, target);
-    AddItemRow(sources, places, list, name, command, location, enabled, target, iconFile, iconIndex);
+    const bool exists = sources.facts.Exists(target);
+    AddFolderItemOf(sources, places, list, name, command, location, iconFile, iconIndex, std::move(target), enabled,
+                    exists);
 }
 
 void LoadRunKeyItems(StartupSources& sources, const StartupPlaces& places, StartupList& list, RegKey hive,
@@ -198,7 +251,7 @@ void LoadFolderItems(StartupSources& sources, const StartupPlaces& places, Start
             if (!part0.empty() && sources.facts.Exists(part0)) iconFile = part0;
             iconIndex = IconIndexOf(part1);
         }
-        AddFolderItem(sources, places, list, name, command, location, iconFile, iconIndex, target, enabled);
+        AddFolderItemOf(sources, places, list, name, command, location, iconFile, iconIndex, target, enabled, true);
     }
 }
 

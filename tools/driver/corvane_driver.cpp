@@ -4,8 +4,12 @@
 //   corvane_driver nav N      click navigation button N (0 = Process ... 4 = Options)
 //   corvane_driver wait       wait until the main window is visible
 //   corvane_driver close      close the main window
+//   corvane_driver shortcut LNK TARGET [ARGS]   save a shortcut file (needs no window)
 // Exit 0 on success, 1 when the window is not found.
 #include <windows.h>
+#include <objbase.h>
+#include <shlobj.h>
+#include <shobjidl.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -29,12 +33,36 @@ void Click(HWND control) {
     PostMessageA(control, WM_LBUTTONUP, 0, MAKELPARAM(4, 4));
 }
 
+// Saves a shortcut through the shell's link object.
+int SaveShortcut(const char* path, const char* target, const char* arguments) {
+    CoInitialize(nullptr);
+    IShellLinkA* link = nullptr;
+    IPersistFile* file = nullptr;
+    bool saved = false;
+    if (SUCCEEDED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
+                                   reinterpret_cast<void**>(&link))) &&
+        SUCCEEDED(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&file)))) {
+        link->SetPath(target);
+        link->SetArguments(arguments);
+        wchar_t wide[MAX_PATH * 2] = {};
+        MultiByteToWideChar(CP_ACP, 0, path, -1, wide, MAX_PATH * 2);
+        saved = SUCCEEDED(file->Save(wide, TRUE));
+    }
+    if (file) file->Release();
+    if (link) link->Release();
+    CoUninitialize();
+    return saved ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr, "usage: corvane_driver nav N | wait | close\n");
+        std::fprintf(stderr, "usage: corvane_driver nav N | wait | close | shortcut LNK TARGET [ARGS]\n");
         return 2;
+    }
+    if (std::strcmp(argv[1], "shortcut") == 0 && (argc == 4 || argc == 5)) {
+        return SaveShortcut(argv[2], argv[3], argc == 5 ? argv[4] : "");
     }
     HWND main = FindMain(20000);
     if (!main) {

@@ -1,0 +1,390 @@
+// The startup list: values in both Run keys and shortcuts in both startup
+// folders, collected and shown in a list view as the pane does it, against
+// the bare calls any such list must make, side by side in one run. The main
+// size is 2,000 values and 300 shortcuts; 200 and 20,000 items show whether
+// the cost per item stays the same.
+//
+// Every tenth value names an existing program (copies of the fixture
+// programs), the others a file that is gone, as on a machine where programs
+// came and went; every shortcut leads to an existing program, since one that
+// does not gets no row. The keys and folders are the bench's own:
+// HKLM\ and HKCU\Software\CorvaneBench\Run, C:\corvane-bench-startup.
+#include <windows.h>
+#include <commctrl.h>
+#include <objbase.h>
+#include <shellapi.h>
+#include <shlobj.h>
+#include <shlwapi.h>
+#include <shobjidl.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "bench/harness.h"
+#include "platform/win32/adapters.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
+#include "platform/win32/file_system_win32.h"
+#include "platform/win32/registry_win32.h"
+#include "platform/win32/shortcuts_win32.h"
+#include "startup/startup_items.h"
+#include "startup/startup_pane.h"
+#include "ui/file_icon.h"
+#include "ui/list_view.h"
+
+using namespace corvane;
+using namespace corvane::bench;
+
+namespace {
+
+constexpr const char* kRunKey = "Software\\CorvaneBench\\Run";
+constexpr const char* kRoot = "C:\\corvane-bench-startup";
+constexpr int kPrograms = 30;  // distinct existing programs
+
+std::string ExeFolder() {
+    char path[MAX_PATH] = {};
+    GetModuleFileNameA(nullptr, path, MAX_PATH);
+    std::string folder = path;
+    return folder.substr(0, folder.find_last_of('\\'));
+}
+
+std::string Program(int k) { return std::string(kRoot) + "\\files\\program " + std::to_string(k) + ".exe"; }
+
+void RemoveFolder(const std::string& folder) {
+    WIN32_FIND_DATAA data;
+    HANDLE find = FindFirstFileA((folder + "\\*").c_str(), &data);
+    if (find != INVALID_HANDLE_VALUE) {
+        do {
+            const std::string name = data.cFileName;
+            if (name == "." || name == "..") continue;
+            if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) RemoveFolder(folder + "\\" + name);
+            else DeleteFileA((folder + "\\" + name).c_str());
+        } while (FindNextFileA(find, &data));
+        FindClose(find);
+    }
+    RemoveDirectoryA(folder.c_str());
+}
+
+void RemoveKeys() {
+    for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+        RegDeleteKeyA(hive, kRunKey);
+        RegDeleteKeyA(hive, "Software\\CorvaneBench");
+    }
+}
+
+bool SaveShortcut(IShellLinkA* link, IPersistFile* file, const std::string& path, const std::string& target,
+                  const std::string& arguments) {
+    link->SetPath(target.c_str());
+    link->SetArguments(arguments.c_str());
+    wchar_t wide[MAX_PATH * 2] = {};
+    MultiByteToWideChar(CP_ACP, 0, path.c_str(), -1, wide, MAX_PATH * 2);
+    return SUCCEEDED(file->Save(wide, TRUE));
+}
+
+// `values` across both Run keys and `shortcuts` across both folders.
+void MakeItems(int values, int shortcuts) {
+    RemoveKeys();
+    RemoveFolder(kRoot);
+    CreateDirectoryA(kRoot, nullptr);
+    for (const char* sub : {"\\files", "\\LM", "\\CU", "\\app"}) CreateDirectoryA((std::string(kRoot) + sub).c_str(), nullptr);
+    const std::string fixtures = ExeFolder() + "\\..\\tests\\";
+    const char* kinds[] = {"fixture_full.exe", "fixture_noicon.exe", "fixture_bare.exe"};
+    for (int k = 0; k < kPrograms; ++k) CopyFileA((fixtures + kinds[k % 3]).c_str(), Program(k).c_str(), FALSE);
+
+    HKEY keys[2];
+    RegCreateKeyExA(HKEY_LOCAL_MACHINE, kRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &keys[0], nullptr);
+    RegCreateKeyExA(HKEY_CURRENT_USER, kRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &keys[1], nullptr);
+    for (int i = 0; i < values; ++i) {
+        const std::string file = i % 10 == 0 ? Program(i / 10 % kPrograms)
+                                             : std::string(kRoot) + "\\gone\\program " + std::to_string(i) + ".exe";
+        const std::string command = "\"" + file + "\" /start " + std::to_string(i);
+        const std::string name = "Item " + std::to_string(i);
+        RegSetValueExA(keys[i % 2], name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                       static_cast<DWORD>(command.size() + 1));
+    }
+    RegCloseKey(keys[0]);
+    RegCloseKey(keys[1]);
+
+    IShellLinkA* link = nullptr;
+    IPersistFile* file = nullptr;
+    CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, reinterpret_cast<void**>(&link));
+    link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&file));
+    for (int i = 0; i < shortcuts; ++i) {
+        const std::string path = std::string(kRoot) + (i % 2 ? "\\CU\\" : "\\LM\\") + "Link " + std::to_string(i) + ".lnk";
+        SaveShortcut(link, file, path, Program(i % kPrograms), "/tray " + std::to_string(i));
+    }
+    file->Release();
+    link->Release();
+}
+
+HWND MakeList() {
+    HWND list = CreateWindowExA(0, WC_LISTVIEWA, "", WS_POPUP | LVS_REPORT, 0, 0, 900, 600, nullptr, nullptr,
+                                GetModuleHandleA(nullptr), nullptr);
+    SendMessageA(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT,
+                 LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT);
+    AddStartupColumns(list);
+    return list;
+}
+
+HIMAGELIST MakeImages(HWND list) {
+    HIMAGELIST images = ImageList_Create(16, 16, ILC_COLOR32 | ILC_MASK, 16, 64);
+    SendMessageA(list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
+    return images;
+}
+
+// ---- the bare calls ----
+
+constexpr const char* kNames[12] = {"ProductName",  "ProductVersion",   "FileDescription", "FileVersion",
+                                    "InternalName", "OriginalFilename", "Comments",        "CompanyName",
+                                    "LegalCopyright", "LegalTrademarks", "PrivateBuild",   "SpecialBuild"};
+
+struct BareRow {
+    std::string cells[11];
+    std::string iconFile;
+};
+
+// The file columns of one row: version strings, search, date, size.
+void BareFile(const std::string& path, BareRow& row) {
+    DWORD ignored = 0;
+    const DWORD size = GetFileVersionInfoSizeA(path.c_str(), &ignored);
+    if (size > 0) {
+        std::vector<char> block(size);
+        void* value = nullptr;
+        UINT length = 0;
+        if (GetFileVersionInfoA(path.c_str(), 0, size, block.data()) &&
+            VerQueryValueA(block.data(), "\\VarFileInfo\\Translation", &value, &length) && length >= 4) {
+            const auto* table = static_cast<const WORD*>(value);
+            char prefix[64];
+            std::snprintf(prefix, sizeof prefix, "\\StringFileInfo\\%04X%04X\\", table[0], table[1]);
+            std::string strings[12];
+            for (int i = 0; i < 12; ++i) {
+                if (VerQueryValueA(block.data(), (std::string(prefix) + kNames[i]).c_str(), &value, &length) && length) {
+                    strings[i] = static_cast<const char*>(value);
+                }
+            }
+            row.cells[7] = strings[7];
+            row.cells[8] = strings[0];
+            row.cells[9] = strings[2];
+        }
+    }
+    WIN32_FIND_DATAA data;
+    HANDLE find = FindFirstFileA(path.c_str(), &data);
+    if (find != INVALID_HANDLE_VALUE) {
+        FindClose(find);
+        FILETIME local;
+        SYSTEMTIME time;
+        if (FileTimeToLocalFileTime(&data.ftCreationTime, &local) && FileTimeToSystemTime(&local, &time)) {
+            char date[16];
+            std::snprintf(date, sizeof date, "%02u/%02u/%04u", time.wMonth, time.wDay, time.wYear);
+            row.cells[6] = date;
+        }
+        char kb[32];
+        std::snprintf(kb, sizeof kb, "%.1f", data.nFileSizeLow / 1024.0);
+        row.cells[5] = kb;
+    }
+    const size_t slash = path.find_last_of('\\');
+    row.cells[4] = path.substr(slash + 1);
+    row.cells[10] = path.substr(0, slash + 1);
+    row.iconFile = path;
+}
+
+void BareShow(HWND list, HIMAGELIST images, const std::vector<BareRow>& rows) {
+    SendMessageA(list, WM_SETREDRAW, FALSE, 0);
+    SendMessageA(list, LVM_DELETEALLITEMS, 0, 0);
+    ImageList_RemoveAll(images);
+    ImageList_AddIcon(images, DefaultFileIcon(false));
+    for (size_t i = 0; i < rows.size(); ++i) {
+        int image = 0;
+        if (!rows[i].iconFile.empty()) {
+            HICON large = nullptr, small = nullptr;
+            if (static_cast<int>(ExtractIconExA(rows[i].iconFile.c_str(), 0, &large, &small, 1)) > 0) {
+                if (small) image = ImageList_AddIcon(images, small);
+                if (large) DestroyIcon(large);
+                if (small) DestroyIcon(small);
+            }
+        }
+        LVITEMA item{};
+        item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
+        item.iItem = static_cast<int>(i);
+        item.pszText = const_cast<char*>(rows[i].cells[0].c_str());
+        item.iImage = image;
+        item.lParam = static_cast<LPARAM>(i);
+        const int at = static_cast<int>(SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
+        for (int c = 1; c < 11; ++c) {
+            if (rows[i].cells[c].empty()) continue;
+            LVITEMA sub{};
+            sub.iSubItem = c;
+            sub.pszText = const_cast<char*>(rows[i].cells[c].c_str());
+            SendMessageA(list, LVM_SETITEMTEXTA, at, reinterpret_cast<LPARAM>(&sub));
+        }
+    }
+    for (int c = 0; c < 11; ++c) SendMessageA(list, LVM_SETCOLUMNWIDTH, c, LVSCW_AUTOSIZE_USEHEADER);
+    SendMessageA(list, WM_SETREDRAW, TRUE, 0);
+}
+
+void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersistFile* persist) {
+    std::vector<BareRow> rows;
+    for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+        HKEY key;
+        if (RegOpenKeyExA(hive, kRunKey, 0, KEY_READ, &key) != ERROR_SUCCESS) continue;
+        std::vector<char> name(16384), data(4096);
+        for (DWORD index = 0;; ++index) {
+            DWORD nameLength = static_cast<DWORD>(name.size()), dataSize = static_cast<DWORD>(data.size()), type = 0;
+            if (RegEnumValueA(key, index, name.data(), &nameLength, nullptr, &type,
+                              reinterpret_cast<BYTE*>(data.data()), &dataSize) != ERROR_SUCCESS) {
+                break;
+            }
+            BareRow row;
+            row.cells[0] = name.data();
+            row.cells[1] = "True";
+            row.cells[2] = hive == HKEY_LOCAL_MACHINE ? "HKLM" : "HKCU";
+            row.cells[3] = data.data();
+            // The file: from the drive letter to the end of ".exe".
+            const char* colon = std::strchr(data.data(), ':');
+            const char* ext = std::strstr(data.data(), ".exe");
+            const std::string path = colon && ext ? std::string(colon - 1, ext + 4) : row.cells[3];
+            if (PathFileExistsA(path.c_str())) BareFile(path, row);
+            rows.push_back(std::move(row));
+        }
+        RegCloseKey(key);
+    }
+    for (const char* folder : {"\\LM", "\\CU"}) {
+        const std::string dir = std::string(kRoot) + folder;
+        WIN32_FIND_DATAA found;
+        HANDLE find = FindFirstFileA((dir + "\\*.lnk").c_str(), &found);
+        if (find == INVALID_HANDLE_VALUE) continue;
+        do {
+            wchar_t wide[MAX_PATH * 2] = {};
+            MultiByteToWideChar(CP_ACP, 0, (dir + "\\" + found.cFileName).c_str(), -1, wide, MAX_PATH * 2);
+            if (FAILED(persist->Load(wide, STGM_READ))) continue;
+            char target[MAX_PATH] = {}, arguments[1024] = {}, icon[MAX_PATH] = {};
+            int iconIndex = 0;
+            link->GetPath(target, MAX_PATH, nullptr, 0);
+            link->GetArguments(arguments, sizeof arguments);
+            link->GetIconLocation(icon, MAX_PATH, &iconIndex);
+            if (!PathFileExistsA(target)) continue;
+            BareRow row;
+            row.cells[0] = found.cFileName;
+            row.cells[1] = "True";
+            row.cells[2] = folder[1] == 'L' ? "Startup LM" : "Startup CU";
+            row.cells[3] = std::string("\"") + target + "\" " + arguments;
+            BareFile(target, row);
+            rows.push_back(std::move(row));
+        } while (FindNextFileA(find, &found));
+        FindClose(find);
+    }
+    BareShow(list, images, rows);
+}
+
+template <class Body>
+double TimeOnce(Body& body) {
+    const auto start = std::chrono::steady_clock::now();
+    body();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+Measurement Median(const std::string& name, std::vector<double> seconds) {
+    std::sort(seconds.begin(), seconds.end());
+    Measurement m{name, seconds[seconds.size() / 2], seconds.front(), seconds.back(), static_cast<int>(seconds.size())};
+    std::printf("%-48s median %10.3f ms   min %10.3f   max %10.3f   (%d runs)\n", name.c_str(), m.median * 1e3,
+                m.min * 1e3, m.max * 1e3, m.runs);
+    return m;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ParseArgs(argc, argv);
+    CoInitialize(nullptr);
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&controls);
+
+    Win32Registry registry;
+    Win32FileSystem files;
+    Win32FileFacts facts;
+    Win32Clock clock;
+    Win32Environment environment;
+    Win32Shortcuts shortcuts;
+    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
+    StartupPlaces places;
+    places.appPath = std::string(kRoot) + "\\app";
+    places.commonStartupFolder = std::string(kRoot) + "\\LM";
+    places.userStartupFolder = std::string(kRoot) + "\\CU";
+    places.runKeyPath = kRunKey;
+
+    IShellLinkA* link = nullptr;
+    IPersistFile* persist = nullptr;
+    CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, reinterpret_cast<void**>(&link));
+    link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&persist));
+
+    HWND oursList = MakeList(), bareList = MakeList();
+    HIMAGELIST oursImages = MakeImages(oursList), bareImages = MakeImages(bareList);
+
+    struct Size {
+        int values, shortcuts;
+    };
+    std::vector<Size> sizes = QuickMode() ? std::vector<Size>{{174, 26}}
+                                          : std::vector<Size>{{174, 26}, {2000, 300}, {17400, 2600}};
+    // --size=VALUES,SHORTCUTS measures that size alone.
+    for (int i = 1; i < argc; ++i) {
+        Size one{};
+        if (std::sscanf(argv[i], "--size=%d,%d", &one.values, &one.shortcuts) == 2) sizes = {one};
+    }
+    std::vector<std::pair<int, double>> perItem;
+    bool met = true;
+    for (const Size& size : sizes) {
+        MakeItems(size.values, size.shortcuts);
+        const int items = size.values + size.shortcuts;
+        size_t shown = 0;
+        auto ours = [&] {
+            const StartupList list = CollectStartupItems(sources, places, "All");
+            ShowStartupRows(oursList, oursImages, list.rows);
+            AutoSizeColumns(oursList);
+            shown = list.rows.size();
+        };
+        auto bare = [&] { BareCollectAndShow(bareList, bareImages, link, persist); };
+        // Under Wine a run of thousands of items takes seconds, long enough
+        // for the machine's load to change: the two sides take turns.
+        const int runs = QuickMode() ? 1 : (items > 10000 ? 3 : 5);
+        if (!QuickMode()) {
+            ours();
+            bare();
+        }
+        std::vector<double> timesOurs, timesBare;
+        for (int run = 0; run < runs; ++run) {
+            timesOurs.push_back(TimeOnce(ours));
+            timesBare.push_back(TimeOnce(bare));
+        }
+        const std::string suffix = " (" + std::to_string(size.values) + " values, " + std::to_string(size.shortcuts) +
+                                   " shortcuts)";
+        const Measurement a = Median("collect and show" + suffix, timesOurs);
+        const Measurement b = Median("bare calls" + suffix, timesBare);
+        const int bareRows = ItemCount(bareList);
+        if (static_cast<int>(shown) != items || bareRows != items || ItemCount(oursList) != items) {
+            std::fprintf(stderr, "rows: ours %zu, shown %d, bare %d, expected %d\n", shown, ItemCount(oursList),
+                         bareRows, items);
+            return 1;
+        }
+        met = PrintRatio(a, b, 1.3) < 1.3 && met;
+        perItem.emplace_back(items, a.median / items);
+        std::printf("per item: %.1f us\n\n", a.median / items * 1e6);
+    }
+    if (perItem.size() > 1) {
+        std::printf("per-item time, %d items / %d items: %.2fx (1.00x is linear)\n", perItem.back().first,
+                    perItem.front().first, perItem.back().second / perItem.front().second);
+    }
+
+    persist->Release();
+    link->Release();
+    DestroyWindow(oursList);
+    DestroyWindow(bareList);
+    ImageList_Destroy(oursImages);
+    ImageList_Destroy(bareImages);
+    RemoveKeys();
+    RemoveFolder(kRoot);
+    CoUninitialize();
+    (void)met;
+    return 0;
+}
