@@ -2,11 +2,29 @@
 
 namespace corvane {
 
+namespace {
+// The room a header item leaves around its text.
+constexpr int kHeaderPadding = 16;
+}  // namespace
+
 void AutoSizeColumns(HWND list) {
     HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
     const int count = header ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
     for (int column = 0; column < count; ++column) {
         SendMessageA(list, LVM_SETCOLUMNWIDTH, column, LVSCW_AUTOSIZE_USEHEADER);
+        // Wine fits a column that is not the last to its texts alone and
+        // cuts a longer header; the header's text must fit as well.
+        char text[256] = {};
+        HDITEMA item{};
+        item.mask = HDI_TEXT;
+        item.pszText = text;
+        item.cchTextMax = sizeof text;
+        SendMessageA(header, HDM_GETITEMA, column, reinterpret_cast<LPARAM>(&item));
+        const int needed = static_cast<int>(SendMessageA(list, LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(text))) +
+                           kHeaderPadding;
+        if (SendMessageA(list, LVM_GETCOLUMNWIDTH, column, 0) < needed) {
+            SendMessageA(list, LVM_SETCOLUMNWIDTH, column, needed);
+        }
     }
 }
 
