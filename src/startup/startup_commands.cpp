@@ -33,9 +33,12 @@ void ShowNames(CommandPorts& ports, const std::string& text, const std::vector<s
     ports.prompts.Message(message, kAppTitle, PromptIcon::Information, PromptButtons::Ok);
 }
 
-// The value's data in the text form the list shows, or nothing when it is missing.
+// The value's data in the text form the list shows, or nothing when it is
+// missing. `cutOut` tells of text data whose last byte is no NUL: the list
+// shows it less that byte, so the store could not give it back whole.
 std::optional<std::string> RunValueText(Registry& registry, RegKey hive, const std::string& keyPath,
-                                        const std::string& name, uint32_t* typeOut = nullptr) {
+                                        const std::string& name, uint32_t* typeOut = nullptr,
+                                        bool* cutOut = nullptr) {
     RegKey key = 0;
     if (registry.OpenKey(hive, keyPath, kKeyQueryValue, key) != kRegOk) return std::nullopt;
     uint32_t type = kRegNone;
@@ -47,6 +50,7 @@ std::optional<std::string> RunValueText(Registry& registry, RegKey hive, const s
     if (result != kRegOk) return std::nullopt;
     data.resize(std::min<size_t>(size, data.size()));
     if (typeOut) *typeOut = type;
+    if (cutOut) *cutOut = (type == kRegSz || type == kRegExpandSz) && !data.empty() && data.back() != 0;
     DecodedRegData decoded = DecodeRegData(type, data);
     return RegValueEntry{name, std::move(decoded.data), decoded.typeCode}.Text();
 }
@@ -153,15 +157,16 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
         if (!row.checked || !row.Live()) continue;
         const std::string& location = row.cells[kColLocation];
         if (IsRunLocation(location)) {
-            if (!StoreCanHold(row.cells[kColName]) || !StoreCanHold(row.cells[kColCommand])) {
-                unstorable.push_back(row.cells[kColName]);
-                continue;
-            }
             // The store will hold the command the list shows; a value that
             // has changed since is left alone rather than lost.
-            if (RunValueText(ports.registry, HiveOf(location), places.runKeyPath, row.cells[kColName]) !=
-                row.cells[kColCommand]) {
+            bool cut = false;
+            if (RunValueText(ports.registry, HiveOf(location), places.runKeyPath, row.cells[kColName], nullptr,
+                             &cut) != row.cells[kColCommand]) {
                 changed.push_back(row.cells[kColName]);
+                continue;
+            }
+            if (cut || !StoreCanHold(row.cells[kColName]) || !StoreCanHold(row.cells[kColCommand])) {
+                unstorable.push_back(row.cells[kColName]);
                 continue;
             }
         }
@@ -169,7 +174,8 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
     }
     ShowNames(ports,
               "These startup items stay enabled: the list of disabled items keeps each name and command on one "
-              "line, and theirs hold a line break or the character of code 1.",
+              "line as text, and theirs hold a line break or the character of code 1, or their text lacks its "
+              "closing NUL, so they would not come back as they are.",
               unstorable);
     ShowNames(ports,
               "These startup items have changed in the registry since this list was made and stay as they are. "

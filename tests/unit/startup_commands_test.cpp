@@ -169,13 +169,16 @@ TEST(StartupCommands, AnItemTheStoreCannotHoldStaysEnabled) {
     w.registry.PutString(kLMRun, "Sep\x01name", "C:\\b.exe");
     w.registry.PutString(kLMRun, "Cmd", "C:\\c.exe\n--next");
     w.registry.PutString(kLMRun, "Cmd2", "C:\\c.exe\x01HKLM");
+    // Text without its closing NUL: the list shows it one byte short.
+    w.registry.Put(kLMRun, "No NUL", kRegSz, "C:\\d.exe");
     StartupList list = CheckAll(w.Collect("HKLM"));
     EXPECT_EQ(DisableCheckedItems(w.ports, w.Places(), list), CommandEnd::Refresh);
     EXPECT_EQ(w.registry.ValueNames(kLMRun),
-              (std::vector<std::string>{"Line\r\nbreak", "Sep\x01name", "Cmd", "Cmd2"}));
+              (std::vector<std::string>{"Line\r\nbreak", "Sep\x01name", "Cmd", "Cmd2", "No NUL"}));
     EXPECT_EQ(w.files.Content(kLMStore), FormatStoreLine("Fine", "C:\\fine.exe", "HKLM"));
     ASSERT_EQ(w.prompts.shown.size(), 1u);
     EXPECT_NE(w.prompts.shown[0].text.find("Cmd2"), std::string::npos);
+    EXPECT_NE(w.prompts.shown[0].text.find("No NUL"), std::string::npos);
 }
 
 // A store is rewritten from the rows; rows made from a store that could not
