@@ -51,3 +51,26 @@
 #define IDC_FMLEGEND 1500
 #define IDC_FMBACKUP 1501
 #define IDC_FMREPORT 1502
+// File detail dialog, frmviewInfo (1000-1099). Each value control's design name follows its id.
+#define IDD_VIEWINFO                  1000
+#define IDC_VIEWINFO_ICON             1001  // picIcon
+#define IDC_VIEWINFO_NAME             1002  // lblName
+#define IDC_VIEWINFO_SIZE_CAPTION     1003  // lblSize, caption
+#define IDC_VIEWINFO_SIZE             1004  // lblSize, value
+#define IDC_VIEWINFO_CREATED_CAPTION  1005  // lblCreatedOn, caption
+#define IDC_VIEWINFO_CREATED          1006  // lblCreatedOn, value
+#define IDC_VIEWINFO_VERSION_CAPTION  1007  // lblVersion, caption
+#define IDC_VIEWINFO_VERSION          1008  // lblVersion, value
+#define IDC_VIEWINFO_PATH             1010  // txtPath
+#define IDC_VIEWINFO_INTERNALNAME     1011  // txtInternalName
+#define IDC_VIEWINFO_ORIGINALNAME     1012  // txtOriginalName
+#define IDC_VIEWINFO_COMPANYNAME      1013  // txtCompanyname
+#define IDC_VIEWINFO_PRODUCTNAME      1014  // txtProductName
+#define IDC_VIEWINFO_COPYRIGHT        1015  // txtCopyright
+#define IDC_VIEWINFO_TRADEMARKS       1016  // txtTrademarks
+#define IDC_VIEWINFO_COMMENTS         1017  // txtComments
+#define IDC_VIEWINFO_DESCRIPTION      1018  // txtDescription
+#define IDC_VIEWINFO_OK               1019  // cmdOk
+#define IDC_VIEWINFO_RULE             1020
+// The captions of the text boxes: IDC_VIEWINFO_PATH + 20 and so on.
+#define IDC_VIEWINFO_CAPTION_OFFSET   20

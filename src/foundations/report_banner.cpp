@@ -14,7 +14,7 @@ std::string ReportBanner(SystemInfo& system, Clock& clock, const std::string& ti
     const std::string lines[] = {
         title,
         std::string(kAppTitle) + " Version: " + AppVersionText(),
-        "Date                     : " + GeneralDate(clock, clock.Now()),
+        "Date                     : " + FormatGeneralDate(clock, clock.Now()),
         "",
         "Computer Name        : " + computer,
         "User Name            : " + user,

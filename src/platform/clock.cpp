@@ -2,9 +2,9 @@
 
 namespace corvane {
 
-std::string GeneralDate(Clock& clock, const LocalTime& time) {
+std::string FormatGeneralDate(Clock& clock, const SystemTime& time) {
     std::string text = clock.ShortDate(time);
-    if (time.hour != 0 || time.minute != 0 || time.second != 0) text += " " + clock.LongTime(time);
+    if (time.hour || time.minute || time.second) text += " " + clock.LongTime(time);
     return text;
 }
 

@@ -1,32 +1,49 @@
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace corvane {
 
-// A moment in local time, as GetLocalTime gives it.
-struct LocalTime {
+// A FILETIME: 100-nanosecond intervals since 1 January 1601, UTC or local
+// time as the call that made it says.
+struct FileTime {
+    uint64_t ticks = 0;
+};
+
+// A SYSTEMTIME, field for field.
+struct SystemTime {
     uint16_t year = 0;
-    uint16_t month = 0;  // 1-12
+    uint16_t month = 0;
+    uint16_t dayOfWeek = 0;  // 0 = Sunday
     uint16_t day = 0;
     uint16_t hour = 0;
     uint16_t minute = 0;
     uint16_t second = 0;
+    uint16_t milliseconds = 0;
 };
 
-// The present time and the system's formats for showing a time.
+// The clock, and how the user's locale writes dates, times and numbers.
 class Clock {
 public:
     virtual ~Clock() = default;
-    virtual LocalTime Now() = 0;
-    // The date in the system's short date format ("11/23/2026" in the US locale).
-    virtual std::string ShortDate(const LocalTime& time) = 0;
-    // The time of day in the system's time format ("7:53:31 AM").
-    virtual std::string LongTime(const LocalTime& time) = 0;
+    // GetLocalTime.
+    virtual SystemTime Now() = 0;
+    // FileTimeToLocalFileTime and FileTimeToSystemTime; nothing when the call fails.
+    virtual std::optional<FileTime> FileTimeToLocalFileTime(FileTime utc) = 0;
+    virtual std::optional<SystemTime> FileTimeToSystemTime(FileTime time) = 0;
+    // GetDateFormatA with the locale's short date; empty when the call fails.
+    virtual std::string ShortDate(const SystemTime& time) = 0;
+    // GetTimeFormatA with the locale's time format; empty when the call fails.
+    virtual std::string LongTime(const SystemTime& time) = 0;
+    // The locale's date separator ("/" in the United States) and decimal sign.
+    virtual std::string DateSeparator() = 0;
+    virtual std::string DecimalSign() = 0;
 };
 
-// The system's general date format: the short date, a blank and the time,
-// with the time left out when it is midnight exactly.
-std::string GeneralDate(Clock& clock, const LocalTime& time);
+// The system's general date format: the short date and the time, or the date
+// alone when the time is exactly midnight. FormatGeneralDate(clock, clock.Now())
+// is the present moment as the user reads it.
+std::string FormatGeneralDate(Clock& clock, const SystemTime& time);
 
 }  // namespace corvane

@@ -39,6 +39,9 @@ public:
     // The entries of `folder` matching `pattern` ("*", "*.lnk"), without "." and "..",
     // in the order the system gives them.
     virtual std::vector<FolderEntry> List(const std::string& folder, const std::string& pattern = "*") = 0;
+    // MoveFileExA with no target and MOVEFILE_DELAY_UNTIL_REBOOT: the NT
+    // family deletes the file at the next start.
+    virtual SysError DeleteAtReboot(const std::string& path) = 0;
 };
 
 }  // namespace corvane

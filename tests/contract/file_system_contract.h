@@ -65,6 +65,10 @@ inline void CheckFileSystemContract(FileSystem& fs, const std::string& root) {
     EXPECT_NE(fs.Delete(sub + "\\other.txt"), kNoError);
     ASSERT_EQ(fs.RemoveFolder(sub), kNoError);
     EXPECT_FALSE(fs.Exists(sub));
+
+    EXPECT_EQ(fs.DeleteAtReboot(b), kNoError);
+    EXPECT_TRUE(fs.Exists(b)) << "the file stays until the next start";
+    EXPECT_EQ(fs.DeleteAtReboot(""), 3u) << "an empty path is ERROR_PATH_NOT_FOUND";
 }
 
 }  // namespace corvane::contract

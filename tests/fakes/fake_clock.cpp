@@ -4,17 +4,82 @@
 
 namespace corvane::fakes {
 
-std::string FakeClock::ShortDate(const LocalTime& t) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%u/%u/%04u", unsigned{t.month}, unsigned{t.day}, unsigned{t.year});
-    return text;
+namespace {
+
+constexpr int64_t kTicksPerSecond = 10'000'000;
+constexpr int64_t kSecondsPerDay = 86'400;
+// Days from 1 January 1601 to 1 January 1970.
+constexpr int64_t kEpochDays1601 = 134'774;
+// FileTimeToSystemTime refuses times with the top bit set.
+constexpr uint64_t kLargestFileTime = 0x7FFF'FFFF'FFFF'FFFFull;
+
+// Days since 1 January 1970 of a civil date, and back (Howard Hinnant's algorithms).
+int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
+    y -= m <= 2;
+    const int64_t era = (y >= 0 ? y : y - 399) / 400;
+    const unsigned yoe = static_cast<unsigned>(y - era * 400);
+    const unsigned doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
+    const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+    return era * 146097 + static_cast<int64_t>(doe) - 719468;
 }
 
-std::string FakeClock::LongTime(const LocalTime& t) {
-    const unsigned hour12 = t.hour % 12 == 0 ? 12 : t.hour % 12;
+void CivilFromDays(int64_t z, int64_t& y, unsigned& m, unsigned& d) {
+    z += 719468;
+    const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
+    const unsigned doe = static_cast<unsigned>(z - era * 146097);
+    const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    y = static_cast<int64_t>(yoe) + era * 400;
+    const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    const unsigned mp = (5 * doy + 2) / 153;
+    d = doy - (153 * mp + 2) / 5 + 1;
+    m = mp < 10 ? mp + 3 : mp - 9;
+    y += m <= 2;
+}
+
+}  // namespace
+
+FileTime MakeFileTime(int year, int month, int day, int hour, int minute, int second) {
+    const int64_t days = DaysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day)) +
+                         kEpochDays1601;
+    const int64_t seconds = days * kSecondsPerDay + hour * 3600 + minute * 60 + second;
+    return FileTime{static_cast<uint64_t>(seconds * kTicksPerSecond)};
+}
+
+std::optional<FileTime> FakeClock::FileTimeToLocalFileTime(FileTime utc) {
+    if (failConversions) return std::nullopt;
+    return FileTime{utc.ticks + static_cast<uint64_t>(utcOffsetMinutes * 60 * kTicksPerSecond)};
+}
+
+std::optional<SystemTime> FakeClock::FileTimeToSystemTime(FileTime time) {
+    if (failConversions || time.ticks > kLargestFileTime) return std::nullopt;
+    const int64_t totalMs = static_cast<int64_t>(time.ticks / 10'000);
+    const int64_t days = totalMs / (kSecondsPerDay * 1000);
+    const int64_t msOfDay = totalMs % (kSecondsPerDay * 1000);
+    int64_t y;
+    unsigned m, d;
+    CivilFromDays(days - kEpochDays1601, y, m, d);
+    SystemTime out;
+    out.year = static_cast<uint16_t>(y);
+    out.month = static_cast<uint16_t>(m);
+    out.day = static_cast<uint16_t>(d);
+    out.dayOfWeek = static_cast<uint16_t>((days + 1) % 7);  // 1 January 1601 was a Monday
+    out.hour = static_cast<uint16_t>(msOfDay / 3'600'000);
+    out.minute = static_cast<uint16_t>(msOfDay / 60'000 % 60);
+    out.second = static_cast<uint16_t>(msOfDay / 1000 % 60);
+    out.milliseconds = static_cast<uint16_t>(msOfDay % 1000);
+    return out;
+}
+
+std::string FakeClock::ShortDate(const SystemTime& t) {
+    return std::to_string(t.month) + dateSeparator + std::to_string(t.day) + dateSeparator +
+           std::to_string(t.year);
+}
+
+std::string FakeClock::LongTime(const SystemTime& t) {
+    const int hour12 = t.hour % 12 == 0 ? 12 : t.hour % 12;
     char text[32];
-    std::snprintf(text, sizeof text, "%u:%02u:%02u %s", hour12, unsigned{t.minute}, unsigned{t.second},
-                  t.hour < 12 ? "AM" : "PM");
+    std::snprintf(text, sizeof text, "%d:%02u:%02u %s", hour12, static_cast<unsigned>(t.minute),
+                  static_cast<unsigned>(t.second), t.hour < 12 ? "AM" : "PM");
     return text;
 }
 

@@ -204,4 +204,11 @@ std::vector<FolderEntry> FakeFileSystem::List(const std::string& folder, const s
     return entries;
 }
 
+SysError FakeFileSystem::DeleteAtReboot(const std::string& path) {
+    if (path.empty()) return kPathNotFound;
+    if (SysError error = Change("DeleteAtReboot", path)) return error;
+    rebootDeletes.push_back(path);
+    return kNoError;
+}
+
 }  // namespace corvane::fakes

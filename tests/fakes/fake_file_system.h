@@ -49,6 +49,9 @@ public:
     SysError CreateFolder(const std::string& path) override;
     SysError RemoveFolder(const std::string& path) override;
     std::vector<FolderEntry> List(const std::string& folder, const std::string& pattern = "*") override;
+    // Records the path in `rebootDeletes`; like the system, it does not ask whether the file exists.
+    SysError DeleteAtReboot(const std::string& path) override;
+    std::vector<std::string> rebootDeletes;
 
 private:
     struct Node {

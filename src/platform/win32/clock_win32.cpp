@@ -6,38 +6,62 @@ namespace corvane {
 
 namespace {
 
-SYSTEMTIME ToSystemTime(const LocalTime& t) {
-    SYSTEMTIME st{};
-    st.wYear = t.year;
-    st.wMonth = t.month;
-    st.wDay = t.day;
-    st.wHour = t.hour;
-    st.wMinute = t.minute;
-    st.wSecond = t.second;
-    return st;
+SystemTime FromSystem(const SYSTEMTIME& s) {
+    return {s.wYear, s.wMonth, s.wDayOfWeek, s.wDay, s.wHour, s.wMinute, s.wSecond, s.wMilliseconds};
 }
 
-// The returned length counts the terminating NUL; 0 is a failure.
-std::string Cut(const char* buffer, int length) { return length > 0 ? std::string(buffer, length - 1) : std::string(); }
+SYSTEMTIME ToSystem(const SystemTime& t) {
+    return {t.year, t.month, t.dayOfWeek, t.day, t.hour, t.minute, t.second, t.milliseconds};
+}
+
+FILETIME ToFileTime(FileTime t) {
+    return {static_cast<DWORD>(t.ticks), static_cast<DWORD>(t.ticks >> 32)};
+}
+
+std::string LocaleText(LCTYPE what) {
+    char buffer[16] = {};
+    const int length = GetLocaleInfoA(LOCALE_USER_DEFAULT, what, buffer, sizeof buffer);
+    return length > 0 ? std::string(buffer, length - 1) : std::string();
+}
 
 }  // namespace
 
-LocalTime Win32Clock::Now() {
-    SYSTEMTIME st;
-    GetLocalTime(&st);
-    return {st.wYear, st.wMonth, st.wDay, st.wHour, st.wMinute, st.wSecond};
+SystemTime Win32Clock::Now() {
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    return FromSystem(now);
 }
 
-std::string Win32Clock::ShortDate(const LocalTime& time) {
-    const SYSTEMTIME st = ToSystemTime(time);
-    char buffer[128];
-    return Cut(buffer, GetDateFormatA(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &st, nullptr, buffer, sizeof buffer));
+std::optional<FileTime> Win32Clock::FileTimeToLocalFileTime(FileTime utc) {
+    const FILETIME in = ToFileTime(utc);
+    FILETIME out;
+    if (!::FileTimeToLocalFileTime(&in, &out)) return std::nullopt;
+    return FileTime{(static_cast<uint64_t>(out.dwHighDateTime) << 32) | out.dwLowDateTime};
 }
 
-std::string Win32Clock::LongTime(const LocalTime& time) {
-    const SYSTEMTIME st = ToSystemTime(time);
-    char buffer[128];
-    return Cut(buffer, GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &st, nullptr, buffer, sizeof buffer));
+std::optional<SystemTime> Win32Clock::FileTimeToSystemTime(FileTime time) {
+    const FILETIME in = ToFileTime(time);
+    SYSTEMTIME out;
+    if (!::FileTimeToSystemTime(&in, &out)) return std::nullopt;
+    return FromSystem(out);
 }
+
+std::string Win32Clock::ShortDate(const SystemTime& time) {
+    const SYSTEMTIME in = ToSystem(time);
+    char buffer[128];
+    const int length = GetDateFormatA(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &in, nullptr, buffer, sizeof buffer);
+    return length > 0 ? std::string(buffer, length - 1) : std::string();
+}
+
+std::string Win32Clock::LongTime(const SystemTime& time) {
+    const SYSTEMTIME in = ToSystem(time);
+    char buffer[128];
+    const int length = GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &in, nullptr, buffer, sizeof buffer);
+    return length > 0 ? std::string(buffer, length - 1) : std::string();
+}
+
+std::string Win32Clock::DateSeparator() { return LocaleText(LOCALE_SDATE); }
+
+std::string Win32Clock::DecimalSign() { return LocaleText(LOCALE_SDECIMAL); }
 
 }  // namespace corvane

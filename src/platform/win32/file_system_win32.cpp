@@ -129,4 +129,8 @@ std::vector<FolderEntry> Win32FileSystem::List(const std::string& folder, const 
     return entries;
 }
 
+SysError Win32FileSystem::DeleteAtReboot(const std::string& path) {
+    return MoveFileExA(path.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT) ? kNoError : LastError();
+}
+
 }  // namespace corvane

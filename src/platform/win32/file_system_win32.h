@@ -17,6 +17,7 @@ public:
     SysError CreateFolder(const std::string& path) override;
     SysError RemoveFolder(const std::string& path) override;
     std::vector<FolderEntry> List(const std::string& folder, const std::string& pattern) override;
+    SysError DeleteAtReboot(const std::string& path) override;
 };
 
 }  // namespace corvane
