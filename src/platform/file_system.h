@@ -13,6 +13,7 @@ inline constexpr SysError kNoError = 0;
 struct FolderEntry {
     std::string name;  // no path
     bool isFolder = false;
+    bool hiddenOrSystem = false;  // FILE_ATTRIBUTE_HIDDEN or FILE_ATTRIBUTE_SYSTEM
 };
 
 // Files and folders, by full path in the ANSI code page.

@@ -62,6 +62,11 @@ void FakeFileSystem::AddFile(const std::string& path, const std::string& content
     nodes_[Key(path)] = Node{path, false, content};
 }
 
+void FakeFileSystem::SetHiddenOrSystem(const std::string& path, bool hiddenOrSystem) {
+    auto it = nodes_.find(Key(path));
+    if (it != nodes_.end()) it->second.hiddenOrSystem = hiddenOrSystem;
+}
+
 std::optional<std::string> FakeFileSystem::Content(const std::string& path) const {
     auto it = nodes_.find(Key(path));
     if (it == nodes_.end() || it->second.isFolder) return std::nullopt;
@@ -199,7 +204,7 @@ std::vector<FolderEntry> FakeFileSystem::List(const std::string& folder, const s
         if (key.compare(0, prefix.size(), prefix) != 0) continue;
         if (key.find('\\', prefix.size()) != std::string::npos) continue;  // deeper
         const std::string name = node.path.substr(node.path.find_last_of('\\') + 1);
-        if (WildcardMatch(pattern, name)) entries.push_back({name, node.isFolder});
+        if (WildcardMatch(pattern, name)) entries.push_back({name, node.isFolder, node.hiddenOrSystem});
     }
     return entries;
 }

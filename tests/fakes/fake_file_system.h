@@ -25,6 +25,7 @@ public:
     // Test set-up, bypassing faults and counters.
     void AddFile(const std::string& path, const std::string& content);  // makes the parent folders
     void AddFolder(const std::string& path);
+    void SetHiddenOrSystem(const std::string& path, bool hiddenOrSystem = true);
     std::optional<std::string> Content(const std::string& path) const;
     std::vector<std::string> Paths() const;  // every file, in sorted order
 
@@ -58,6 +59,7 @@ private:
         std::string path;  // as first written
         bool isFolder = false;
         std::string content;
+        bool hiddenOrSystem = false;
     };
     std::map<std::string, Node> nodes_;  // by lower-case path
 

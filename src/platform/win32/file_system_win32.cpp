@@ -123,7 +123,8 @@ std::vector<FolderEntry> Win32FileSystem::List(const std::string& folder, const 
     do {
         const std::string name = data.cFileName;
         if (name == "." || name == "..") continue;
-        entries.push_back({name, (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0});
+        entries.push_back({name, (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
+                           (data.dwFileAttributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) != 0});
     } while (FindNextFileA(find, &data));
     FindClose(find);
     return entries;
