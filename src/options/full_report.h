@@ -8,12 +8,21 @@
 #include <vector>
 
 #include "foundations/report_banner.h"
+#include "platform/file_facts.h"
+#include "platform/process_table.h"
 
 namespace corvane {
 
 // What the full report collects from. Each area adds the ports it reads here.
 struct FullReportPlatform {
+    explicit FullReportPlatform(ReportPorts& ports) : report(ports) {}
     ReportPorts& report;
+    // The process area: the live process table, the facts of the programs'
+    // files, and the program's folder with the reference lists. An area whose
+    // ports are not given writes no block.
+    ProcessTable* processes = nullptr;
+    FileFacts* facts = nullptr;
+    std::string appPath;
 };
 
 // Appends an area's block to the file; false when it could not be written

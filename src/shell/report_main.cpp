@@ -1,11 +1,16 @@
 // CorvaneReport.exe: the full report from the command line, with no window.
+#include <windows.h>
+
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
+#include "platform/win32/process_table_win32.h"
+#include "shell/app_identity.h"
 #include "shell/report_cli.h"
 
 // The C runtime would otherwise expand wildcards in the arguments, and "/?"
@@ -22,6 +27,13 @@ int main(int argc, char** argv) {
     corvane::ConsolePrompts prompts;
     corvane::Win32Shell shell;
     corvane::ReportPorts ports{files, system, clock, prompts, shell};
+    corvane::Win32ProcessTable processes;
+    corvane::Win32FileFacts facts;
+    char exe[260] = {};
+    GetModuleFileNameA(nullptr, exe, sizeof exe);
     corvane::FullReportPlatform platform{ports};
+    platform.processes = &processes;
+    platform.facts = &facts;
+    platform.appPath = corvane::FolderOf(exe);
     return corvane::RunCorvaneReport(args, platform, prompts, std::cout, std::cerr);
 }
