@@ -13,10 +13,14 @@ constexpr uint32_t kNoMoreFiles = 18;
 constexpr uint32_t kPartialCopy = 299;
 }  // namespace
 
-void FakeProcessTable::Add(const FakeProcess& process) {
-    Remove(process.id);
-    index_[process.id] = processes_.size();
-    processes_.push_back(process);
+FakeProcess& FakeProcessTable::Add(uint32_t id, const std::string& path, const std::string& snapshotName) {
+    Remove(id);
+    index_[id] = processes_.size();
+    FakeProcess& process = processes_.emplace_back();
+    process.id = id;
+    process.path = path;
+    process.snapshotName = snapshotName;
+    return process;
 }
 
 void FakeProcessTable::Remove(uint32_t id) {

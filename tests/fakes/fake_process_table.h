@@ -26,7 +26,8 @@ struct FakeProcess {
 class FakeProcessTable : public ProcessTable {
 public:
     // Processes in walk order. Terminate takes a process out of the table.
-    void Add(const FakeProcess& process);
+    // The process, to set its refusals on.
+    FakeProcess& Add(uint32_t id, const std::string& path, const std::string& snapshotName = {});
     void Remove(uint32_t id);
     bool Running(uint32_t id) const { return index_.count(id) > 0; }
     const std::vector<FakeProcess>& Processes() const { return processes_; }
