@@ -7,7 +7,10 @@
 #include <string>
 
 #include "platform/win32/adapters.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
+#include "platform/win32/process_table_win32.h"
 #include "shell/settings.h"
 
 namespace corvane {
@@ -19,6 +22,9 @@ struct AppContext {
     Win32Prompts win32Prompts;
     Win32Profile win32Profile;
     Win32FileSystem win32Files;
+    Win32Clock win32Clock;
+    Win32FileFacts win32Facts;
+    Win32ProcessTable win32Processes;
 
     HINSTANCE instance = nullptr;
     std::string appPath;  // folder of the executable, no trailing backslash
@@ -33,6 +39,9 @@ struct AppContext {
     Prompts* prompts = &win32Prompts;
     Profile* profile = &win32Profile;
     FileSystem* files = &win32Files;
+    Clock* clock = &win32Clock;
+    FileFacts* facts = &win32Facts;
+    ProcessTable* processes = &win32Processes;
     Settings settings{win32Profile, ""};
 };
 

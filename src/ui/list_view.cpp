@@ -52,4 +52,49 @@ std::string GetItemText(HWND list, int item, int subItem) {
     }
 }
 
+int InsertItemWithParam(HWND list, int index, const std::string& text, int image, LPARAM param) {
+    LVITEMA item{};
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
+    item.iItem = index;
+    item.pszText = const_cast<char*>(text.c_str());
+    item.iImage = image;
+    item.lParam = param;
+    return static_cast<int>(SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
+}
+
+LPARAM GetItemParam(HWND list, int index) {
+    LVITEMA item{};
+    item.mask = LVIF_PARAM;
+    item.iItem = index;
+    return SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item)) ? item.lParam : -1;
+}
+
+int GetItemCount(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+
+void DeleteAllItems(HWND list) { SendMessageA(list, LVM_DELETEALLITEMS, 0, 0); }
+
+void SetExtendedStyle(HWND list, DWORD style) { SendMessageA(list, LVM_SETEXTENDEDLISTVIEWSTYLE, style, style); }
+
+bool GetCheckState(HWND list, int item) {
+    return ((SendMessageA(list, LVM_GETITEMSTATE, item, LVIS_STATEIMAGEMASK) >> 12) - 1) == 1;
+}
+
+int GetSelectedItem(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, -1, LVNI_SELECTED)); }
+
+void SelectItem(HWND list, int index) {
+    LVITEMA item{};
+    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    item.state = LVIS_SELECTED | LVIS_FOCUSED;
+    SendMessageA(list, LVM_SETITEMSTATE, index, reinterpret_cast<LPARAM>(&item));
+}
+
+HIMAGELIST SetSmallImageList(HWND list, HIMAGELIST images) {
+    return reinterpret_cast<HIMAGELIST>(
+        SendMessageA(list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images)));
+}
+
+void SortItems(HWND list, PFNLVCOMPARE compare, LPARAM context) {
+    SendMessageA(list, LVM_SORTITEMS, context, reinterpret_cast<LPARAM>(compare));
+}
+
 }  // namespace corvane
