@@ -96,9 +96,12 @@ void frmProcess::Form_Load() {
 void frmProcess::refreshProcessList() {
     AppContext& app = App();
     ProcessSources sources{*app.processes, *app.facts, *app.clock, *app.files};
-    rows_ = CollectProcessRows(sources, *objFileInfo_,
-                               ProcessListOptions{app.appPath, app.shared.WindowsVersionName, blnFiltered_});
+    ShowRows(CollectProcessRows(sources, *objFileInfo_,
+                                ProcessListOptions{app.appPath, app.shared.WindowsVersionName, blnFiltered_}));
+}
 
+void frmProcess::ShowRows(std::vector<ProcessRow> rows) {
+    rows_ = std::move(rows);
     SendMessageA(lstvProcess_, WM_SETREDRAW, FALSE, 0);
     DeleteAllItems(lstvProcess_);
     // A fresh image list: the default picture first, then one image for each row with an icon of its own.

@@ -20,7 +20,11 @@ public:
     // The pane object behind a pane window made from IDD_PROCESS; null for any other window.
     static frmProcess* Of(HWND pane);
 
+    // Collects the rows anew and shows them.
     void refreshProcessList();
+    // Puts collected rows into the list: icons, texts, sorting, the widths
+    // of the columns, and row 1 selected with the buttons following it.
+    void ShowRows(std::vector<ProcessRow> rows);
 
     void cmdAdd_Click();
     void cmdRemove_Click();

@@ -1,5 +1,7 @@
 #include "ui/list_view.h"
 
+#include <algorithm>
+
 namespace corvane {
 
 void AutoSizeColumns(HWND list) {
@@ -7,6 +9,27 @@ void AutoSizeColumns(HWND list) {
     const int count = header ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
     for (int column = 0; column < count; ++column) {
         SendMessageA(list, LVM_SETCOLUMNWIDTH, column, LVSCW_AUTOSIZE_USEHEADER);
+    }
+    // Wine measures a header a little short, and gives the last column only
+    // what is left of the list, however narrow; Windows never makes a column
+    // narrower than its header and texts. Make up for both.
+    for (int column = 0; column < count; ++column) {
+        int width = static_cast<int>(SendMessageA(list, LVM_GETCOLUMNWIDTH, column, 0));
+        char caption[260] = {};
+        HDITEMA item{};
+        item.mask = HDI_TEXT;
+        item.pszText = caption;
+        item.cchTextMax = sizeof caption;
+        SendMessageA(header, HDM_GETITEMA, column, reinterpret_cast<LPARAM>(&item));
+        constexpr int kHeaderMargins = 16;
+        width = std::max(width, static_cast<int>(SendMessageA(list, LVM_GETSTRINGWIDTHA, 0,
+                                                               reinterpret_cast<LPARAM>(caption))) + kHeaderMargins);
+        if (column == count - 1) {
+            const int filled = width;
+            SendMessageA(list, LVM_SETCOLUMNWIDTH, column, LVSCW_AUTOSIZE);
+            width = std::max(filled, static_cast<int>(SendMessageA(list, LVM_GETCOLUMNWIDTH, column, 0)));
+        }
+        SendMessageA(list, LVM_SETCOLUMNWIDTH, column, width);
     }
 }
 
