@@ -274,7 +274,7 @@ int main(int argc, char** argv) {
     // Linear: the time per row at 100 and at 3,000 processes, for the whole
     // refresh, for the collector alone and for the bare calls.
     std::printf("\n");
-    int sizes[2] = {quick ? 10 : 100, quick ? 60 : 3000};
+    int sizes[2] = {quick ? 10 : 100, quick ? 30 : 3000};
     for (int i = 1; i + 1 < argc; ++i) {
         if (std::string(argv[i]) == "--sizes") std::sscanf(argv[i + 1], "%d,%d", &sizes[0], &sizes[1]);
     }

@@ -40,6 +40,9 @@ std::vector<ProcessRecord> WalkByIds(ProcessTable& table) {
         const ProcessHandle process = table.Open(kWalkAccess, false, id);
         if (!process) continue;  // a process the user may not open has no row
         uint32_t moduleBytes = 0;
+        // A process still starting may list no module yet; a null handle then
+        // asks for its executable rather than for a module of the last process.
+        modules[0] = 0;
         if (!table.EnumModules(process, modules, kModuleBufferBytes, moduleBytes)) {
             table.Close(process);
             continue;

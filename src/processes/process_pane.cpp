@@ -303,6 +303,12 @@ bool frmProcess::OnNotify(NMHDR* header, LRESULT& result) {
             }
             return true;
         }
+        case NM_CLICK: {
+            // A click on the row already selected changes no state but still counts as a click on it.
+            const int item = reinterpret_cast<NMITEMACTIVATE*>(header)->iItem;
+            if (item >= 0) lstvProcess_ItemClick(item);
+            return true;
+        }
         case LVN_BEGINLABELEDITA:
         case LVN_BEGINLABELEDITW:
             result = TRUE;  // rows cannot be edited in place

@@ -103,26 +103,20 @@ SysError RemoveFromSafeList(FileSystem& files, const std::string& appPath, const
     SysError error;
     if (!ReadIfPresent(files, path, text, error)) return error;
     std::vector<std::string> gone;
-    for (const std::string& name : names) gone.push_back(LowerAnsi(name));
-    // Walk the text line by line, keeping each kept line with its own ending.
+    for (const std::string& name : names) {
+        if (!name.empty()) gone.push_back(LowerAnsi(name));
+    }
+    // The kept lines are written back whole with CR LF, the list's own line
+    // end: a lone CR or LF left standing beside a removed line could join
+    // with the next one and change what the file says.
     std::string kept;
     bool changed = false;
-    size_t start = 0;
-    while (start < text.size()) {
-        size_t end = text.find_first_of("\r\n", start);
-        size_t next = end;
-        if (end == std::string::npos) {
-            end = next = text.size();
-        } else {
-            next = end + ((text[end] == '\r' && end + 1 < text.size() && text[end + 1] == '\n') ? 2 : 1);
-        }
-        const std::string line = text.substr(start, end - start);
-        if (std::find(gone.begin(), gone.end(), line) != gone.end() && !line.empty()) {
+    for (const std::string& line : Lines(text)) {
+        if (std::find(gone.begin(), gone.end(), line) != gone.end()) {
             changed = true;
         } else {
-            kept += text.substr(start, next - start);
+            kept += line + "\r\n";
         }
-        start = next;
     }
     if (!changed) return kNoError;
     return files.WriteAtomic(path, kept);

@@ -40,9 +40,10 @@ std::string LowerAnsi(std::string text);
 
 // The safe list. Names are stored in lower case, the only form an entry
 // matches in; a name already listed is not added again, and removing a name
-// takes out every line that holds it. Every other line of the file stays as
-// it was. The file is rewritten atomically, and only when it changes. A
-// failure gives the system's error code and leaves the file untouched.
+// takes out every line that holds it. Every other line keeps its place and
+// its text (a removal writes all line ends as CR LF). The file is rewritten
+// atomically, and only when it changes. A failure gives the system's error
+// code and leaves the file untouched.
 SysError AddToSafeList(FileSystem& files, const std::string& appPath, const std::vector<std::string>& names);
 SysError RemoveFromSafeList(FileSystem& files, const std::string& appPath, const std::vector<std::string>& names);
 

@@ -31,6 +31,8 @@ void FakeProcessTable::Remove(uint32_t id) {
     for (size_t i = 0; i < processes_.size(); ++i) index_[processes_[i].id] = i;
 }
 
+ModuleHandle FakeProcessTable::ModuleOf(const FakeProcess& process) { return 0x400000 + 0x10000 * ModuleHandle{process.id}; }
+
 const FakeProcess* FakeProcessTable::Find(uint32_t id) const {
     auto it = index_.find(id);
     return it == index_.end() ? nullptr : &processes_[it->second];
@@ -82,17 +84,22 @@ bool FakeProcessTable::EnumModules(ProcessHandle process, ModuleHandle* modules,
     if (!handle) return Fail(kInvalidHandle);
     const FakeProcess* target = Find(handle->processId);
     if (!target || target->modulesFail) return Fail(kPartialCopy);
-    // One module, the executable, at a made-up address.
-    if (bytes >= sizeof(ModuleHandle)) modules[0] = 0x400000;
+    if (target->noModulesYet) {
+        needed = 0;
+        return true;
+    }
+    // One module, the executable, at an address of its own.
+    if (bytes >= sizeof(ModuleHandle)) modules[0] = ModuleOf(*target);
     needed = sizeof(ModuleHandle);
     return true;
 }
 
-uint32_t FakeProcessTable::ModuleFileName(ProcessHandle process, ModuleHandle, char* buffer, uint32_t size) {
+uint32_t FakeProcessTable::ModuleFileName(ProcessHandle process, ModuleHandle module, char* buffer, uint32_t size) {
     ++calls["GetModuleFileNameExA"];
     Handle* handle = HandleOf(process, false);
     const FakeProcess* target = handle ? Find(handle->processId) : nullptr;
-    if (!target || size == 0) {
+    // A null module is the executable; any other must be one of the process's own.
+    if (!target || size == 0 || (module != 0 && module != ModuleOf(*target))) {
         lastError_ = kInvalidHandle;
         return 0;
     }

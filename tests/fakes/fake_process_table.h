@@ -19,6 +19,7 @@ struct FakeProcess {
     bool refuseOpen = false;          // OpenProcess refused for any access (error 5)
     bool refuseQuery = false;         // refused for the walk's 0x410, allowed for the kill's 0x401
     bool modulesFail = false;         // EnumProcessModules fails
+    bool noModulesYet = false;        // EnumProcessModules succeeds with no module, as for a process starting
     bool exitCodeFails = false;
     bool terminateFails = false;
 };
@@ -75,6 +76,7 @@ private:
     uint32_t lastError_ = 0;
 
     const FakeProcess* Find(uint32_t id) const;
+    static ModuleHandle ModuleOf(const FakeProcess& process);
     Handle* HandleOf(ProcessHandle handle, bool snapshot);
     bool Fail(uint32_t error);
     bool Deliver(Handle& snapshot, ProcessEntry& entry);

@@ -58,14 +58,16 @@ TEST(ProcessWalk, IdWalkLeavesOutWhatCannotBeOpenedOrRead) {
     table.Add(12, "C:\\a\\refused.exe").refuseOpen = true;
     table.Add(16, "C:\\a\\queryrefused.exe").refuseQuery = true;
     table.Add(20, "C:\\a\\nomodules.exe").modulesFail = true;
+    table.Add(22, "C:\\a\\starting.exe").noModulesYet = true;  // its own path, not the last process's module
     table.Add(24, "");  // a module path of length 0
     table.Add(28, std::string(300, 'x'));  // cut at the buffer
     const auto records = WalkByIds(table);
-    ASSERT_EQ(records.size(), 3u);
+    ASSERT_EQ(records.size(), 4u);
     EXPECT_EQ(records[0].path, "C:\\a\\Open.EXE");
     EXPECT_EQ(records[0].processId, 8);
-    EXPECT_EQ(records[1].path, "");
-    EXPECT_EQ(records[2].path, std::string(259, 'x'));
+    EXPECT_EQ(records[1].path, "C:\\a\\starting.exe");
+    EXPECT_EQ(records[2].path, "");
+    EXPECT_EQ(records[3].path, std::string(259, 'x'));
     EXPECT_EQ(table.OpenHandles(), 0u) << "every handle opened is closed, also after a failure";
 
     table.enumFails = true;
@@ -293,7 +295,7 @@ TEST(SafeList, AddKeepsOnceRemoveTakesAllAndOtherLinesStay) {
     EXPECT_EQ(AddToSafeList(files, app, {"new.exe"}), kNoError);
     EXPECT_EQ(files.Content(list), "Keep Me\r\n\r\nTool.exe\r\ntool.exe\r\nx.exe\ntool.exe\r\nnew.exe\r\n");
     EXPECT_EQ(RemoveFromSafeList(files, app, {"Tool.exe", "absent.exe"}), kNoError);
-    EXPECT_EQ(files.Content(list), "Keep Me\r\n\r\nTool.exe\r\nx.exe\nnew.exe\r\n")
+    EXPECT_EQ(files.Content(list), "Keep Me\r\n\r\nTool.exe\r\nx.exe\r\nnew.exe\r\n")
         << "every line of the lower-case name goes, and nothing else";
     const int before = files.changes;
     EXPECT_EQ(RemoveFromSafeList(files, app, {"absent.exe", ""}), kNoError);
@@ -303,7 +305,7 @@ TEST(SafeList, AddKeepsOnceRemoveTakesAllAndOtherLinesStay) {
     files.failIf = [](const std::string& op, const std::string&) { return op == "WriteAtomic"; };
     EXPECT_NE(AddToSafeList(files, app, {"more.exe"}), kNoError);
     EXPECT_NE(RemoveFromSafeList(files, app, {"new.exe"}), kNoError);
-    EXPECT_EQ(files.Content(list), "Keep Me\r\n\r\nTool.exe\r\nx.exe\nnew.exe\r\n");
+    EXPECT_EQ(files.Content(list), "Keep Me\r\n\r\nTool.exe\r\nx.exe\r\nnew.exe\r\n");
 }
 
 }  // namespace

@@ -32,7 +32,8 @@ public:
             HANDLE probe = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, id_);
             HMODULE module = nullptr;
             DWORD needed = 0;
-            const bool ready = probe && EnumProcessModules(probe, &module, sizeof module, &needed);
+            const bool ready = probe && EnumProcessModules(probe, &module, sizeof module, &needed) &&
+                               needed >= sizeof module;
             if (probe) CloseHandle(probe);
             if (ready) break;
             Sleep(25);
