@@ -261,17 +261,6 @@ TEST(ProcessRows, FileColumnsKeyAndIcon) {
     EXPECT_EQ(rows[3].cells[kColPath], "");
 }
 
-TEST(ProcessRows, SnapshotWalkOnTheOlderFamily) {
-    Machine m;
-    m.List(kSusProcessFile, "bad.exe\r\n");
-    m.table.Add(0xFFF1234, "", "C:\\WINDOWS\\BAD.EXE");
-    const auto rows = m.Rows(true, "Microsoft Windows 98");
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0].cells[kColName], "BAD.EXE");
-    EXPECT_TRUE(rows[0].suspicious);
-    EXPECT_EQ(DecodeNumberKey(rows[0].key), 0xFFF1234);
-}
-
 TEST(ProcessRows, WindowsCharactersCompareInLowerCase) {
     Machine m;
     m.List(kSusProcessFile, "caf\xE9 \x9A\xFF.exe\r\n");  // café šÿ
