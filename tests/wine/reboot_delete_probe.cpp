@@ -15,6 +15,8 @@ public:
         std::printf("%s\n", text.c_str());
         return corvane::PromptAnswer::Ok;
     }
+    std::optional<std::string> SaveFile(const std::string&, bool) override { return std::nullopt; }
+    std::optional<int32_t> PickColor(int32_t) override { return std::nullopt; }
 };
 }  // namespace
 
