@@ -40,6 +40,14 @@ HBITMAP Image(const std::string& name) {
     return bitmap;
 }
 
+HCURSOR HandPointer() {
+    static HCURSOR hand = [] {
+        HCURSOR own = LoadCursorA(GetModuleHandleA(nullptr), "HAND");
+        return own ? own : LoadCursor(nullptr, IDC_HAND);
+    }();
+    return hand;
+}
+
 HBRUSH BackBrush() {
     static HBRUSH brush = CreateSolidBrush(kBackColor);
     return brush;
@@ -156,7 +164,7 @@ LRESULT CALLBACK ButtonProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
             return 1;
         case WM_SETCURSOR:
             if (!skin->isCommandButton()) {
-                SetCursor(LoadCursor(nullptr, IDC_HAND));
+                SetCursor(HandPointer());
                 return TRUE;
             }
             break;
