@@ -40,14 +40,6 @@ HBITMAP Image(const std::string& name) {
     return bitmap;
 }
 
-HCURSOR HandPointer() {
-    static HCURSOR hand = [] {
-        HCURSOR own = LoadCursorA(GetModuleHandleA(nullptr), "HAND");
-        return own ? own : LoadCursor(nullptr, IDC_HAND);
-    }();
-    return hand;
-}
-
 HBRUSH BackBrush() {
     static HBRUSH brush = CreateSolidBrush(kBackColor);
     return brush;
@@ -289,6 +281,15 @@ BOOL CALLBACK SkinChildButton(HWND child, LPARAM) {
 }  // namespace
 
 COLORREF SkinPanelColor() { return kPanelColor; }
+
+HCURSOR HandPointer() {
+    static HCURSOR hand = [] {
+        HCURSOR own = LoadCursorA(GetModuleHandleA(nullptr), "HAND");
+        return own ? own : LoadCursor(nullptr, IDC_HAND);
+    }();
+    return hand;
+}
+
 
 void SkinWindow(HWND hWnd) {
     if (!hWnd || GetPropA(hWnd, kWindowProp)) return;

@@ -17,5 +17,7 @@ void SkinControl(HWND hWnd, const char* objectName);
 std::string SkinObjectOf(HWND hWnd);
 // The skin's panel colour, for frames that stand apart from the white ground.
 COLORREF SkinPanelColor();
+// The program's hand pointer, for links and navigation faces.
+HCURSOR HandPointer();
 
 }  // namespace corvane
