@@ -192,6 +192,10 @@ LRESULT CALLBACK ButtonProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
             const bool wasDown = skin->down;
             skin->down = false;
             if (GetCapture() == hwnd) ReleaseCapture();
+            // Keep the highlight only while the pointer really is over us: a
+            // click sent by another program leaves no mouse to move away.
+            POINT cursor;
+            skin->hover = GetCursorPos(&cursor) && WindowFromPoint(cursor) == hwnd;
             InvalidateRect(hwnd, nullptr, FALSE);
             if (wasDown && Inside(hwnd, lParam)) Click(hwnd);
             return 0;
