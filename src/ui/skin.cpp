@@ -301,9 +301,11 @@ void SkinWindow(HWND hWnd) {
     SetPropA(hWnd, kWindowProp, state);
     state->previous = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrA(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(WindowProc)));
-    EnumChildWindows(hWnd, SkinChildButton, 0);
+    SkinPushButtons(hWnd);
     InvalidateRect(hWnd, nullptr, TRUE);
 }
+
+void SkinPushButtons(HWND parent) { EnumChildWindows(parent, SkinChildButton, 0); }
 
 void SkinControl(HWND hWnd, const char* objectName) {
     if (!hWnd) return;
