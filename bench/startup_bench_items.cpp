@@ -361,9 +361,9 @@ int main(int argc, char** argv) {
                                    " shortcuts)";
         const Measurement a = Median("collect and show" + suffix, timesOurs);
         const Measurement b = Median("bare calls" + suffix, timesBare);
-        const int bareRows = ItemCount(bareList);
-        if (static_cast<int>(shown) != items || bareRows != items || ItemCount(oursList) != items) {
-            std::fprintf(stderr, "rows: ours %zu, shown %d, bare %d, expected %d\n", shown, ItemCount(oursList),
+        const int bareRows = GetItemCount(bareList);
+        if (static_cast<int>(shown) != items || bareRows != items || GetItemCount(oursList) != items) {
+            std::fprintf(stderr, "rows: ours %zu, shown %d, bare %d, expected %d\n", shown, GetItemCount(oursList),
                          bareRows, items);
             return 1;
         }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "processes/process_report.h"
 #include "shell/app_identity.h"
 #include "startup/startup_report.h"
 
@@ -22,7 +23,7 @@ bool SameText(const std::string& a, const std::string& b) {
 const std::vector<ReportArea>& FullReportAreas() {
     // Each area's writer goes in here once the area has a report of its own.
     static const std::vector<ReportArea> areas = {
-        {"process", "Process", nullptr},
+        {"process", "Process", WriteProcessArea},
         {"ie", "Internet Explorer", nullptr},
         {"startup", "Startup", WriteStartupArea},
         {"addremove", "Add/Remove", nullptr},

@@ -10,6 +10,7 @@
 #include "foundations/report_banner.h"
 #include "platform/environment.h"
 #include "platform/file_facts.h"
+#include "platform/process_table.h"
 #include "platform/registry.h"
 #include "platform/shortcuts.h"
 
@@ -19,10 +20,12 @@ namespace corvane {
 struct FullReportPlatform {
     explicit FullReportPlatform(ReportPorts& ports) : report(ports) {}
     ReportPorts& report;
-    // The files behind the items and the program's folder with its stores
+    // The files behind the rows and the program's folder with its stores
     // and reference lists. An area whose ports are not given writes no block.
     FileFacts* facts = nullptr;
     std::string appPath;
+    // The process area: the live process table.
+    ProcessTable* processes = nullptr;
     // The startup area: the Run keys, %VAR% references and shortcut files.
     Registry* registry = nullptr;
     Environment* environment = nullptr;

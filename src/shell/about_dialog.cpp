@@ -4,6 +4,7 @@
 #include "res/resource.h"
 #include "shell/app_context.h"
 #include "shell/app_identity.h"
+#include "ui/skin.h"
 
 namespace corvane {
 
@@ -104,7 +105,7 @@ INT_PTR CALLBACK AboutProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         }
         case WM_SETCURSOR:
             if (reinterpret_cast<HWND>(wParam) == GetDlgItem(dialog, IDC_LBLWEBSITE)) {
-                SetCursor(LoadCursor(nullptr, IDC_HAND));
+                SetCursor(HandPointer());
                 SetWindowLongPtrA(dialog, DWLP_MSGRESULT, TRUE);
                 return TRUE;
             }

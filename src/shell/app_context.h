@@ -10,6 +10,7 @@
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
+#include "platform/win32/process_table_win32.h"
 #include "platform/win32/registry_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "shell/settings.h"
@@ -27,6 +28,7 @@ struct AppContext {
     Win32FileFacts win32Facts;
     Win32Clock win32Clock;
     Win32Shortcuts win32Shortcuts;
+    Win32ProcessTable win32Processes;
 
     HINSTANCE instance = nullptr;
     std::string appPath;  // folder of the executable, no trailing backslash
@@ -45,6 +47,7 @@ struct AppContext {
     FileFacts* facts = &win32Facts;
     Clock* clock = &win32Clock;
     ShortcutReader* shortcuts = &win32Shortcuts;
+    ProcessTable* processes = &win32Processes;
     Settings settings{win32Profile, ""};
 };
 

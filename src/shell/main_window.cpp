@@ -51,14 +51,6 @@ HFONT LinkFont() {
     return font;
 }
 
-HCURSOR HandPointer() {
-    static HCURSOR hand = [] {
-        HCURSOR own = LoadCursorA(GetModuleHandleA(nullptr), "HAND");
-        return own ? own : LoadCursor(nullptr, IDC_HAND);
-    }();
-    return hand;
-}
-
 const PaneClass& PaneOfButton(int id) {
     switch (id) {
         case IDC_CMDIE: return kIEPane;

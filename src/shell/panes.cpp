@@ -8,22 +8,11 @@ namespace {
 // 9540 x 6570 twips at 96 dpi.
 constexpr int kPaneWidth = 636;
 constexpr int kPaneHeight = 438;
-
-BOOL CALLBACK SkinPushButton(HWND child, LPARAM) {
-    char className[16] = {};
-    GetClassNameA(child, className, sizeof className);
-    const LONG type = GetWindowLongA(child, GWL_STYLE) & BS_TYPEMASK;
-    if (lstrcmpiA(className, "Button") == 0 && (type == BS_PUSHBUTTON || type == BS_DEFPUSHBUTTON) &&
-        SkinObjectOf(child).empty()) {
-        SkinControl(child, "button");
-    }
-    return TRUE;
-}
 }  // namespace
 
 void PlacePane(HWND pane) {
     SetWindowPos(pane, nullptr, 0, 0, kPaneWidth, kPaneHeight, SWP_NOZORDER | SWP_NOACTIVATE);
-    EnumChildWindows(pane, SkinPushButton, 0);
+    SkinPushButtons(pane);
 }
 
 INT_PTR PaneColour(UINT message, WPARAM wParam) {

@@ -9,6 +9,7 @@
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
+#include "platform/win32/process_table_win32.h"
 #include "platform/win32/registry_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "shell/app_identity.h"
@@ -28,6 +29,7 @@ int main(int argc, char** argv) {
     corvane::ConsolePrompts prompts;
     corvane::Win32Shell shell;
     corvane::ReportPorts ports{files, system, clock, prompts, shell};
+    corvane::Win32ProcessTable processes;
     corvane::Win32FileFacts facts;
     corvane::Win32Registry registry;
     corvane::Win32Environment environment;
@@ -35,6 +37,7 @@ int main(int argc, char** argv) {
     char exe[MAX_PATH] = {};
     GetModuleFileNameA(nullptr, exe, sizeof exe);
     corvane::FullReportPlatform platform{ports};
+    platform.processes = &processes;
     platform.facts = &facts;
     platform.appPath = corvane::FolderOf(exe);
     platform.registry = &registry;

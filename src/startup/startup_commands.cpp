@@ -141,8 +141,8 @@ private:
 std::string StoreContent(const std::vector<StartupRow>& rows, const std::string& scope) {
     std::string content;
     for (const StartupRow& row : rows) {
-        if (row.cells[kColEnabled] == "False" && row.cells[kColLocation].find(scope) != std::string::npos) {
-            content += FormatStoreLine(row.cells[kColName], row.cells[kColCommand], row.cells[kColLocation]);
+        if (row.cells[kStartupColEnabled] == "False" && row.cells[kStartupColLocation].find(scope) != std::string::npos) {
+            content += FormatStoreLine(row.cells[kStartupColName], row.cells[kStartupColCommand], row.cells[kStartupColLocation]);
         }
     }
     return content;
@@ -155,18 +155,18 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
     for (size_t i = 0; i < rows.size(); ++i) {
         const StartupRow& row = rows[i];
         if (!row.checked || !row.Live()) continue;
-        const std::string& location = row.cells[kColLocation];
+        const std::string& location = row.cells[kStartupColLocation];
         if (IsRunLocation(location)) {
             // The store will hold the command the list shows; a value that
             // has changed since is left alone rather than lost.
             bool cut = false;
-            if (RunValueText(ports.registry, HiveOf(location), places.runKeyPath, row.cells[kColName], nullptr,
-                             &cut) != row.cells[kColCommand]) {
-                changed.push_back(row.cells[kColName]);
+            if (RunValueText(ports.registry, HiveOf(location), places.runKeyPath, row.cells[kStartupColName], nullptr,
+                             &cut) != row.cells[kStartupColCommand]) {
+                changed.push_back(row.cells[kStartupColName]);
                 continue;
             }
-            if (cut || !StoreCanHold(row.cells[kColName]) || !StoreCanHold(row.cells[kColCommand])) {
-                unstorable.push_back(row.cells[kColName]);
+            if (cut || !StoreCanHold(row.cells[kStartupColName]) || !StoreCanHold(row.cells[kStartupColCommand])) {
+                unstorable.push_back(row.cells[kStartupColName]);
                 continue;
             }
         }
@@ -189,8 +189,8 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
         std::vector<StartupRow> planned = rows;
         bool any = false;
         for (size_t i = 0; i < rows.size(); ++i) {
-            if (treated[i] && rows[i].cells[kColLocation] == scope) {
-                planned[i].cells[kColEnabled] = "False";
+            if (treated[i] && rows[i].cells[kStartupColLocation] == scope) {
+                planned[i].cells[kStartupColEnabled] = "False";
                 any = true;
             }
         }
@@ -200,7 +200,7 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
             held[scope] = original;
         } else {
             for (size_t i = 0; i < rows.size(); ++i) {
-                if (rows[i].cells[kColLocation] == scope) treated[i] = false;
+                if (rows[i].cells[kStartupColLocation] == scope) treated[i] = false;
             }
         }
     }
@@ -210,12 +210,12 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
     for (size_t i = 0; i < rows.size() && !stopped; ++i) {
         if (!treated[i]) continue;
         StartupRow& row = rows[i];
-        const std::string& location = row.cells[kColLocation];
-        const std::string& name = row.cells[kColName];
+        const std::string& location = row.cells[kStartupColLocation];
+        const std::string& name = row.cells[kStartupColName];
         if (IsRunLocation(location)) {
             if (DeleteRegValue(ports.registry, ports.prompts, ports.system, HiveOf(location), places.runKeyPath,
                                name)) {
-                row.cells[kColEnabled] = "False";
+                row.cells[kStartupColEnabled] = "False";
                 hiveChanged[location] = true;
             }
         } else if (IsFolderLocation(location)) {
@@ -251,21 +251,21 @@ CommandEnd EnableCheckedItems(CommandPorts& ports, const StartupPlaces& places, 
     for (size_t i = 0; i < count && !stopped; ++i) {
         StartupRow& row = rows[i];
         if (!row.checked || row.Live()) continue;
-        const std::string& location = row.cells[kColLocation];
-        const std::string& name = row.cells[kColName];
+        const std::string& location = row.cells[kStartupColLocation];
+        const std::string& name = row.cells[kStartupColName];
         if (IsRunLocation(location)) {
             const RegKey hive = HiveOf(location);
             if (!SaveRegString(ports.registry, ports.prompts, ports.system, hive, places.runKeyPath, name,
-                               row.cells[kColCommand])) {
+                               row.cells[kStartupColCommand])) {
                 continue;
             }
             // The writer vouches only for the key: the line leaves the store
             // once the value is seen in the Run key.
-            if (!RunKeyHolds(ports.registry, hive, places.runKeyPath, name, row.cells[kColCommand])) {
+            if (!RunKeyHolds(ports.registry, hive, places.runKeyPath, name, row.cells[kStartupColCommand])) {
                 unwritten.push_back(name);
                 continue;
             }
-            row.cells[kColEnabled] = "True";
+            row.cells[kStartupColEnabled] = "True";
             hiveChanged[location] = true;
         } else if (IsFolderLocation(location)) {
             const std::string live = LiveFolderOf(places, location) + "\\" + name;
@@ -289,8 +289,8 @@ CommandEnd EnableCheckedItems(CommandPorts& ports, const StartupPlaces& places, 
 CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, StartupList& list, int selected) {
     if (selected < 0 || static_cast<size_t>(selected) >= list.rows.size()) return CommandEnd::Nothing;
     const StartupRow row = list.rows[static_cast<size_t>(selected)];
-    const std::string& name = row.cells[kColName];
-    const std::string& location = row.cells[kColLocation];
+    const std::string& name = row.cells[kStartupColName];
+    const std::string& location = row.cells[kStartupColLocation];
     const std::string question = "Are you sure you want to delete selected Startup Item?\r\n\r\n" + name +
                                  "\r\n\r\nStartup items are not backed up.";
     if (ports.prompts.Message(question, kAppTitle, PromptIcon::Question, PromptButtons::YesNo) == PromptAnswer::No) {

@@ -8,7 +8,7 @@
 #include "foundations/registry.h"
 #include "shell/settings.h"
 #include "startup/run_key_store.h"
-#include "startup/suspect_list.h"
+#include "processes/reference_lists.h"
 
 namespace corvane {
 
@@ -91,10 +91,10 @@ void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupLis
                 const std::string& command, const std::string& location, bool enabled, const std::string& path,
                 bool exists, std::string iconFile, int32_t iconIndex) {
     StartupRow row;
-    row.cells[kColName] = name;
-    row.cells[kColEnabled] = enabled ? "True" : "False";
-    row.cells[kColLocation] = location;
-    row.cells[kColCommand] = command;
+    row.cells[kStartupColName] = name;
+    row.cells[kStartupColEnabled] = enabled ? "True" : "False";
+    row.cells[kStartupColLocation] = location;
+    row.cells[kStartupColCommand] = command;
     row.iconFile = std::move(iconFile);
     row.iconIndex = iconIndex;
 
@@ -103,22 +103,22 @@ void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupLis
         const size_t slash = path.find_last_of('\\');
         const size_t s = slash == std::string::npos ? 0 : slash + 1;  // 1-based, 0 for none
         const std::string fileName = s >= 2 ? path.substr(s) : path;
-        suspicious = IsSuspect(places.suspectList, LCaseAnsi(fileName));
+        suspicious = isListedProcess(places.suspectList, LowerAnsi(fileName));
         OneSearch facts(sources.facts);
         clsProcess info(facts, sources.clock);
         info.GetFileDescription(path);
-        row.cells[kColFileName] = fileName;
+        row.cells[kStartupColFileName] = fileName;
         const auto found = facts.Find(path);
         if (!found || found->isFolder) {
             list.rows.push_back(std::move(row));
             return;
         }
-        row.cells[kColSize] = FormatKilobytes(found->size, sources.clock.DecimalSign());
-        row.cells[kColCreated] = info.getItem(kCreatedOn);
-        row.cells[kColCompany] = info.getItem(kCompanyName);
-        row.cells[kColProduct] = info.getItem(kProductName);
-        row.cells[kColDescription] = info.getItem(kFileDescription);
-        row.cells[kColPath] = path.substr(0, s);
+        row.cells[kStartupColSize] = FormatKilobytes(found->size, sources.clock.DecimalSign());
+        row.cells[kStartupColCreated] = info.getItem(kCreatedOn);
+        row.cells[kStartupColCompany] = info.getItem(kCompanyName);
+        row.cells[kStartupColProduct] = info.getItem(kProductName);
+        row.cells[kStartupColDescription] = info.getItem(kFileDescription);
+        row.cells[kStartupColPath] = path.substr(0, s);
     }
     row.mark = MarkOf(suspicious, enabled);
     list.rows.push_back(std::move(row));
@@ -138,7 +138,7 @@ StartupPlaces LoadStartupPlaces(StartupSources& sources, const std::string& appP
     places.appPath = appPath;
     places.commonStartupFolder = GetRegString(sources.registry, kHKeyLocalMachine, kShellFoldersKey, "Common Startup");
     places.userStartupFolder = GetRegString(sources.registry, kHKeyCurrentUser, kShellFoldersKey, "Startup");
-    places.suspectList = LoadSuspectList(sources.files, appPath + "\\" + kSuspectListFile);
+    places.suspectList = loadReferenceList(sources.files, appPath + "\\" + kSusProcessFile);
     return places;
 }
 

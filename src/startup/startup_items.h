@@ -36,17 +36,17 @@ inline constexpr std::array<const char*, 11> kStartupColumns = {
     "Name",         "Enabled",      "Location",    "Command",     "File Name", "File Size [Kb]",
     "Created On",   "Company Name", "Prodcut Name", "Description", "Path"};
 enum StartupColumn : int {
-    kColName = 0,
-    kColEnabled,
-    kColLocation,
-    kColCommand,
-    kColFileName,
-    kColSize,
-    kColCreated,
-    kColCompany,
-    kColProduct,
-    kColDescription,
-    kColPath,
+    kStartupColName = 0,
+    kStartupColEnabled,
+    kStartupColLocation,
+    kStartupColCommand,
+    kStartupColFileName,
+    kStartupColSize,
+    kStartupColCreated,
+    kStartupColCompany,
+    kStartupColProduct,
+    kStartupColDescription,
+    kStartupColPath,
 };
 
 // How a row is coloured: SusColor, DisColor, SusDisColor or the list's own.
@@ -61,7 +61,7 @@ struct StartupRow {
     // The list's check mark, copied in by the pane before a command.
     bool checked = false;
 
-    bool Live() const { return cells[kColEnabled] == "True"; }
+    bool Live() const { return cells[kStartupColEnabled] == "True"; }
 };
 
 // A list holds at most this many rows: the design counts them in 16 bits.

@@ -70,7 +70,7 @@ StartupList ListInViewOrder(Pane& pane) {
     StartupList view;
     view.stores = pane.rows.stores;
     view.full = pane.rows.full;
-    const int count = ItemCount(pane.list);
+    const int count = GetItemCount(pane.list);
     for (int i = 0; i < count; ++i) {
         StartupRow row = RowAt(pane, i);
         row.checked = GetCheckState(pane.list, i);
@@ -127,8 +127,8 @@ void Refresh(Pane& pane) {
 void ShowStates(Pane& pane, const StartupList& view) {
     for (int i = 0; i < static_cast<int>(view.rows.size()); ++i) {
         const auto index = static_cast<size_t>(GetItemParam(pane.list, i));
-        pane.rows.rows[index].cells[kColEnabled] = view.rows[static_cast<size_t>(i)].cells[kColEnabled];
-        SetItemText(pane.list, i, kColEnabled, pane.rows.rows[index].cells[kColEnabled]);
+        pane.rows.rows[index].cells[kStartupColEnabled] = view.rows[static_cast<size_t>(i)].cells[kStartupColEnabled];
+        SetItemText(pane.list, i, kStartupColEnabled, pane.rows.rows[index].cells[kStartupColEnabled]);
     }
     pane.rows.stores = view.stores;
 }
@@ -170,7 +170,7 @@ void Form_Load(HWND hwnd) {
     AddStartupColumns(pane->list);
     const int cx = GetSystemMetrics(SM_CXSMICON), cy = GetSystemMetrics(SM_CYSMICON);
     pane->images = ImageList_Create(cx, cy, ILC_COLOR32 | ILC_MASK, 16, 64);
-    SetImageList(pane->list, pane->images, LVSIL_SMALL);
+    SetSmallImageList(pane->list, pane->images);
     pane->boldFont = BoldFontOf(pane->list);
 
     pane->treeImages = ImageList_LoadImageA(app.instance, MAKEINTRESOURCEA(IDB_STARTUP_TREE), 16, 0,
@@ -190,7 +190,7 @@ void Form_Unload(HWND hwnd) {
     Pane* pane = g_pane;
     if (!pane || pane->hwnd != hwnd) return;
     g_pane = nullptr;
-    SetImageList(pane->list, nullptr, LVSIL_SMALL);
+    SetSmallImageList(pane->list, nullptr);
     if (pane->images) ImageList_Destroy(pane->images);
     if (pane->treeImages) ImageList_Destroy(pane->treeImages);
     if (pane->boldFont) DeleteObject(pane->boldFont);
@@ -239,7 +239,7 @@ void lstvStartup_ColumnClick(Pane& pane, int column) {
 }
 
 void lstvStartup_ItemClick(Pane& pane, int item) {
-    const bool exists = App().facts->Exists(RowAt(pane, item).cells[kColPath]);
+    const bool exists = App().facts->Exists(RowAt(pane, item).cells[kStartupColPath]);
     EnableWindow(GetDlgItem(pane.hwnd, IDC_STARTUP_FOLDER), exists);
 }
 
@@ -291,7 +291,7 @@ void ShowStartupRows(HWND list, HIMAGELIST images, const std::vector<StartupRow>
     for (size_t i = 0; i < rows.size(); ++i) {
         const StartupRow& row = rows[i];
         const int image = row.iconFile.empty() ? 0 : AddFileIconImage(images, row.iconFile, row.iconIndex);
-        const int item = InsertItem(list, static_cast<int>(i), row.cells[kColName], image, static_cast<LPARAM>(i));
+        const int item = InsertItem(list, static_cast<int>(i), row.cells[kStartupColName], image, static_cast<LPARAM>(i));
         for (int column = 1; column < static_cast<int>(row.cells.size()); ++column) {
             if (!row.cells[static_cast<size_t>(column)].empty()) {
                 SetItemText(list, item, column, row.cells[static_cast<size_t>(column)]);
@@ -327,27 +327,27 @@ void cmdDelete_Click() {
     if (!g_pane) return;
     StartupList view = ListInViewOrder(*g_pane);
     CommandPorts ports = Ports();
-    Finish(*g_pane, DeleteSelectedItem(ports, g_pane->places, view, GetSelectedIndex(g_pane->list)), view);
+    Finish(*g_pane, DeleteSelectedItem(ports, g_pane->places, view, GetSelectedItem(g_pane->list)), view);
 }
 
 void cmdFolder_Click() {
     if (!g_pane) return;
-    const int item = GetSelectedIndex(g_pane->list);
+    const int item = GetSelectedItem(g_pane->list);
     if (item < 0) return;
-    const std::string& folder = RowAt(*g_pane, item).cells[kColPath];
+    const std::string& folder = RowAt(*g_pane, item).cells[kStartupColPath];
     if (App().facts->Exists(folder)) ShellOpen(*App().shell, folder);
 }
 
 void cmdViewInformation_Click() {
     if (!g_pane) return;
-    const int item = GetSelectedIndex(g_pane->list);
+    const int item = GetSelectedItem(g_pane->list);
     if (item < 0) return;
     const StartupRow& row = RowAt(*g_pane, item);
     frmviewInfo dialog(*App().facts, *App().clock);
-    const std::string& fileName = row.cells[kColFileName];
-    dialog.FileDisplayName = fileName.empty() ? row.cells[kColName] : row.cells[kColName] + " (" + fileName + ")";
-    dialog.FilePath = row.cells[kColPath] + fileName;
-    dialog.FileSize = row.cells[kColSize];
+    const std::string& fileName = row.cells[kStartupColFileName];
+    dialog.FileDisplayName = fileName.empty() ? row.cells[kStartupColName] : row.cells[kStartupColName] + " (" + fileName + ")";
+    dialog.FilePath = row.cells[kStartupColPath] + fileName;
+    dialog.FileSize = row.cells[kStartupColSize];
     dialog.Show(App().mainWindow ? App().mainWindow : GetAncestor(g_pane->hwnd, GA_ROOT));
 }
 

@@ -7,17 +7,17 @@ namespace corvane {
 std::string StartupReportBlock(const StartupRow& row) {
     const auto& cell = row.cells;
     const std::pair<const char*, std::string> lines[] = {
-        {"Startup Item : ", cell[kColName]},
-        {"Enabled      : ", cell[kColEnabled]},
-        {"Location     : ", LocationCaption(cell[kColLocation])},
-        {"Command      : ", cell[kColCommand]},
-        {"File Name    : ", cell[kColFileName]},
-        {"Size (Kb)    : ", cell[kColSize]},
-        {"Created on   : ", cell[kColCreated]},
-        {"Company Name : ", cell[kColCompany]},
-        {"Product Name : ", cell[kColProduct]},
-        {"Description  : ", cell[kColDescription]},
-        {"Path         : ", cell[kColPath]},
+        {"Startup Item : ", cell[kStartupColName]},
+        {"Enabled      : ", cell[kStartupColEnabled]},
+        {"Location     : ", LocationCaption(cell[kStartupColLocation])},
+        {"Command      : ", cell[kStartupColCommand]},
+        {"File Name    : ", cell[kStartupColFileName]},
+        {"Size (Kb)    : ", cell[kStartupColSize]},
+        {"Created on   : ", cell[kStartupColCreated]},
+        {"Company Name : ", cell[kStartupColCompany]},
+        {"Product Name : ", cell[kStartupColProduct]},
+        {"Description  : ", cell[kStartupColDescription]},
+        {"Path         : ", cell[kStartupColPath]},
     };
     std::string block;
     for (const auto& [label, text] : lines) block += label + text + "\r\n";

@@ -1,30 +1,35 @@
 #include "ui/list_view.h"
 
-namespace corvane {
+#include <algorithm>
 
-namespace {
-// The room a header item leaves around its text.
-constexpr int kHeaderPadding = 16;
-}  // namespace
+namespace corvane {
 
 void AutoSizeColumns(HWND list) {
     HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
     const int count = header ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
     for (int column = 0; column < count; ++column) {
         SendMessageA(list, LVM_SETCOLUMNWIDTH, column, LVSCW_AUTOSIZE_USEHEADER);
-        // Wine fits a column that is not the last to its texts alone and
-        // cuts a longer header; the header's text must fit as well.
-        char text[256] = {};
+    }
+    // Wine measures a header a little short, and gives the last column only
+    // what is left of the list, however narrow; Windows never makes a column
+    // narrower than its header and texts. Make up for both.
+    for (int column = 0; column < count; ++column) {
+        int width = static_cast<int>(SendMessageA(list, LVM_GETCOLUMNWIDTH, column, 0));
+        char caption[260] = {};
         HDITEMA item{};
         item.mask = HDI_TEXT;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
+        item.pszText = caption;
+        item.cchTextMax = sizeof caption;
         SendMessageA(header, HDM_GETITEMA, column, reinterpret_cast<LPARAM>(&item));
-        const int needed = static_cast<int>(SendMessageA(list, LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(text))) +
-                           kHeaderPadding;
-        if (SendMessageA(list, LVM_GETCOLUMNWIDTH, column, 0) < needed) {
-            SendMessageA(list, LVM_SETCOLUMNWIDTH, column, needed);
+        constexpr int kHeaderMargins = 16;
+        width = std::max(width, static_cast<int>(SendMessageA(list, LVM_GETSTRINGWIDTHA, 0,
+                                                               reinterpret_cast<LPARAM>(caption))) + kHeaderMargins);
+        if (column == count - 1) {
+            const int filled = width;
+            SendMessageA(list, LVM_SETCOLUMNWIDTH, column, LVSCW_AUTOSIZE);
+            width = std::max(filled, static_cast<int>(SendMessageA(list, LVM_GETCOLUMNWIDTH, column, 0)));
         }
+        SendMessageA(list, LVM_SETCOLUMNWIDTH, column, width);
     }
 }
 
@@ -71,32 +76,36 @@ std::string GetItemText(HWND list, int item, int subItem) {
     }
 }
 
-int ItemCount(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+LPARAM GetItemParam(HWND list, int index) {
+    LVITEMA item{};
+    item.mask = LVIF_PARAM;
+    item.iItem = index;
+    return SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item)) ? item.lParam : -1;
+}
+
+int GetItemCount(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
 
 void DeleteAllItems(HWND list) { SendMessageA(list, LVM_DELETEALLITEMS, 0, 0); }
 
 void SetExtendedStyle(HWND list, DWORD style) { SendMessageA(list, LVM_SETEXTENDEDLISTVIEWSTYLE, style, style); }
-
-HIMAGELIST SetImageList(HWND list, HIMAGELIST images, int which) {
-    return reinterpret_cast<HIMAGELIST>(
-        SendMessageA(list, LVM_SETIMAGELIST, which, reinterpret_cast<LPARAM>(images)));
-}
 
 bool GetCheckState(HWND list, int item) {
     // The state image is 1 for a clear box and 2 for a ticked one.
     return ((SendMessageA(list, LVM_GETITEMSTATE, item, LVIS_STATEIMAGEMASK) & LVIS_STATEIMAGEMASK) >> 12) == 2;
 }
 
-LPARAM GetItemParam(HWND list, int item) {
-    LVITEMA lv{};
-    lv.mask = LVIF_PARAM;
-    lv.iItem = item;
-    SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&lv));
-    return lv.lParam;
+int GetSelectedItem(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, -1, LVNI_SELECTED)); }
+
+void SelectItem(HWND list, int index) {
+    LVITEMA item{};
+    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    item.state = LVIS_SELECTED | LVIS_FOCUSED;
+    SendMessageA(list, LVM_SETITEMSTATE, index, reinterpret_cast<LPARAM>(&item));
 }
 
-int GetSelectedIndex(HWND list) {
-    return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+HIMAGELIST SetSmallImageList(HWND list, HIMAGELIST images) {
+    return reinterpret_cast<HIMAGELIST>(
+        SendMessageA(list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images)));
 }
 
 int FindItemByParam(HWND list, LPARAM param) {
@@ -106,8 +115,8 @@ int FindItemByParam(HWND list, LPARAM param) {
     return static_cast<int>(SendMessageA(list, LVM_FINDITEMA, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
 }
 
-void SortItems(HWND list, PFNLVCOMPARE compare, LPARAM data) {
-    SendMessageA(list, LVM_SORTITEMS, data, reinterpret_cast<LPARAM>(compare));
+void SortItems(HWND list, PFNLVCOMPARE compare, LPARAM context) {
+    SendMessageA(list, LVM_SORTITEMS, context, reinterpret_cast<LPARAM>(compare));
 }
 
 }  // namespace corvane

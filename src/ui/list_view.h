@@ -15,16 +15,20 @@ int InsertColumn(HWND list, int index, const std::string& text, int width);
 int InsertItem(HWND list, int index, const std::string& text, int image = 0, LPARAM param = 0);
 void SetItemText(HWND list, int item, int subItem, const std::string& text);
 std::string GetItemText(HWND list, int item, int subItem);
-int ItemCount(HWND list);
+LPARAM GetItemParam(HWND list, int item);
+int GetItemCount(HWND list);
 void DeleteAllItems(HWND list);
 void SetExtendedStyle(HWND list, DWORD style);
-HIMAGELIST SetImageList(HWND list, HIMAGELIST images, int which);
 bool GetCheckState(HWND list, int item);
-LPARAM GetItemParam(HWND list, int item);
-// The first selected row, or -1.
-int GetSelectedIndex(HWND list);
-// The row whose lParam is `param`, or -1.
+// The selected item, -1 when none.
+int GetSelectedItem(HWND list);
+// Selects `item` alone and gives it the focus rectangle.
+void SelectItem(HWND list, int item);
+// The small image list; the old one comes back.
+HIMAGELIST SetSmallImageList(HWND list, HIMAGELIST images);
+// The row whose param is `param`, or -1.
 int FindItemByParam(HWND list, LPARAM param);
-void SortItems(HWND list, PFNLVCOMPARE compare, LPARAM data);
+// Sorts by the items' params: `compare(param1, param2, context)`.
+void SortItems(HWND list, PFNLVCOMPARE compare, LPARAM context);
 
 }  // namespace corvane

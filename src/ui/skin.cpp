@@ -156,7 +156,7 @@ LRESULT CALLBACK ButtonProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
             return 1;
         case WM_SETCURSOR:
             if (!skin->isCommandButton()) {
-                SetCursor(LoadCursor(nullptr, IDC_HAND));
+                SetCursor(HandPointer());
                 return TRUE;
             }
             break;
@@ -192,6 +192,10 @@ LRESULT CALLBACK ButtonProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
             const bool wasDown = skin->down;
             skin->down = false;
             if (GetCapture() == hwnd) ReleaseCapture();
+            // Keep the highlight only while the pointer really is over us: a
+            // click sent by another program leaves no mouse to move away.
+            POINT cursor;
+            skin->hover = GetCursorPos(&cursor) && WindowFromPoint(cursor) == hwnd;
             InvalidateRect(hwnd, nullptr, FALSE);
             if (wasDown && Inside(hwnd, lParam)) Click(hwnd);
             return 0;
@@ -282,15 +286,26 @@ BOOL CALLBACK SkinChildButton(HWND child, LPARAM) {
 
 COLORREF SkinPanelColor() { return kPanelColor; }
 
+HCURSOR HandPointer() {
+    static HCURSOR hand = [] {
+        HCURSOR own = LoadCursorA(GetModuleHandleA(nullptr), "HAND");
+        return own ? own : LoadCursor(nullptr, IDC_HAND);
+    }();
+    return hand;
+}
+
+
 void SkinWindow(HWND hWnd) {
     if (!hWnd || GetPropA(hWnd, kWindowProp)) return;
     auto* state = new SkinWindowState;
     SetPropA(hWnd, kWindowProp, state);
     state->previous = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrA(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(WindowProc)));
-    EnumChildWindows(hWnd, SkinChildButton, 0);
+    SkinPushButtons(hWnd);
     InvalidateRect(hWnd, nullptr, TRUE);
 }
+
+void SkinPushButtons(HWND parent) { EnumChildWindows(parent, SkinChildButton, 0); }
 
 void SkinControl(HWND hWnd, const char* objectName) {
     if (!hWnd) return;

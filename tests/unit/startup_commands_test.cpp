@@ -128,7 +128,7 @@ TEST(StartupCommands, DisableThenEnableGivesEveryItemBackByteForByte) {
                                              FormatStoreLine("Beta", "\"C:\\Program Files\\Beta\\beta.exe\" -q", "HKLM") +
                                              FormatStoreLine("Old LM", "C:\\old.exe", "HKLM"));
     EXPECT_FALSE(w.files.Exists(std::string(kCommonStartup) + "\\one.lnk"));
-    for (const StartupRow& row : w.Collect().rows) EXPECT_EQ(row.cells[kColEnabled], "False") << row.cells[0];
+    for (const StartupRow& row : w.Collect().rows) EXPECT_EQ(row.cells[kStartupColEnabled], "False") << row.cells[0];
     EXPECT_TRUE(w.prompts.shown.empty());
 
     list = CheckAll(w.Collect());
@@ -151,10 +151,10 @@ TEST(StartupCommands, WhatIsNotCheckedOrAlreadyThereIsPassedOver) {
     World w;
     Populate(w);
     StartupList list = w.Collect();
-    for (StartupRow& row : list.rows) row.checked = row.cells[kColName] == "Old LM";  // disabled already
+    for (StartupRow& row : list.rows) row.checked = row.cells[kStartupColName] == "Old LM";  // disabled already
     EXPECT_EQ(DisableCheckedItems(w.ports, w.Places(), list), CommandEnd::Refresh);
     list = w.Collect();
-    for (StartupRow& row : list.rows) row.checked = row.cells[kColName] == "Alpha";  // enabled already
+    for (StartupRow& row : list.rows) row.checked = row.cells[kStartupColName] == "Alpha";  // enabled already
     EXPECT_EQ(EnableCheckedItems(w.ports, w.Places(), list), CommandEnd::Refresh);
     EXPECT_EQ(w.registry.changes, 0);
     EXPECT_EQ(w.files.changes, 0);
@@ -257,7 +257,7 @@ TEST(StartupCommands, DeleteAsksFirstAndTakesOnlyTheSelectedRow) {
     w.AddShortcut(std::string(kUserStartup) + "\\four.lnk", "C:\\Tools\\alpha.exe", "/live four");
     auto rowOf = [](const StartupList& list, const std::string& name, const std::string& enabled) {
         for (size_t i = 0; i < list.rows.size(); ++i) {
-            if (list.rows[i].cells[kColName] == name && list.rows[i].cells[kColEnabled] == enabled) {
+            if (list.rows[i].cells[kStartupColName] == name && list.rows[i].cells[kStartupColEnabled] == enabled) {
                 return static_cast<int>(i);
             }
         }
@@ -350,11 +350,11 @@ TEST(StartupCommands, NoItemIsLostWhateverFailsOrWhereverItStops) {
         Populate(w);
         const StartupList list = w.Collect();
         for (size_t i = 0; i < list.rows.size(); ++i) {
-            commands.push_back({"delete " + list.rows[i].cells[kColName],
+            commands.push_back({"delete " + list.rows[i].cells[kStartupColName],
                                 [i](World& w, StartupList& l) {
                                     DeleteSelectedItem(w.ports, w.Places(), l, static_cast<int>(i));
                                 },
-                                list.rows[i].cells[kColName]});
+                                list.rows[i].cells[kStartupColName]});
         }
     }
     int runs = 0;

@@ -3,7 +3,7 @@
 #include "contract/shortcuts_contract.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_report.h"
-#include "startup/suspect_list.h"
+#include "processes/reference_lists.h"
 #include "startup_world.h"
 
 namespace corvane {
@@ -63,13 +63,13 @@ TEST(StartupRows, RunKeyItemsResolvedFilledAndColoured) {
     EXPECT_EQ(list.rows[0].mark, RowMark::None);
     EXPECT_EQ(list.rows[0].iconFile, "C:\\Tools\\alpha.exe");
     // The variable is expanded for the lookup only; the name is lowered before the list is asked.
-    EXPECT_EQ(list.rows[1].cells[kColCommand], "%WINDIR%\\Evil.exe");
-    EXPECT_EQ(list.rows[1].cells[kColFileName], "Evil.exe");
+    EXPECT_EQ(list.rows[1].cells[kStartupColCommand], "%WINDIR%\\Evil.exe");
+    EXPECT_EQ(list.rows[1].cells[kStartupColFileName], "Evil.exe");
     EXPECT_EQ(list.rows[1].mark, RowMark::Suspicious);
     EXPECT_EQ(list.rows[2].cells, (Cells{"Missing", "True", "HKCU", "C:\\Nowhere\\gone.exe"}));
     EXPECT_EQ(list.rows[2].iconFile, "");
-    EXPECT_EQ(list.rows[3].cells[kColPath], "C:\\Lib\\");
-    EXPECT_EQ(list.rows[4].cells[kColCommand], "42");
+    EXPECT_EQ(list.rows[3].cells[kStartupColPath], "C:\\Lib\\");
+    EXPECT_EQ(list.rows[4].cells[kStartupColCommand], "42");
 }
 
 TEST(StartupRows, FolderItemsOnlyNormalShortcutsWithAnExistingTarget) {
@@ -109,11 +109,11 @@ TEST(StartupRows, FolderItemsOnlyNormalShortcutsWithAnExistingTarget) {
     ASSERT_EQ(list.rows.size(), std::size(expected));
     for (size_t i = 0; i < list.rows.size(); ++i) {
         const StartupRow& row = list.rows[i];
-        EXPECT_EQ(row.cells[kColName], expected[i].name);
-        EXPECT_EQ(row.cells[kColEnabled], "True");
-        EXPECT_EQ(row.cells[kColLocation], "Startup CU");
-        EXPECT_EQ(row.cells[kColCommand], expected[i].command) << expected[i].name;
-        EXPECT_EQ(row.cells[kColFileName], "alpha.exe");
+        EXPECT_EQ(row.cells[kStartupColName], expected[i].name);
+        EXPECT_EQ(row.cells[kStartupColEnabled], "True");
+        EXPECT_EQ(row.cells[kStartupColLocation], "Startup CU");
+        EXPECT_EQ(row.cells[kStartupColCommand], expected[i].command) << expected[i].name;
+        EXPECT_EQ(row.cells[kStartupColFileName], "alpha.exe");
         EXPECT_EQ(row.iconFile, expected[i].iconFile) << expected[i].name;
         EXPECT_EQ(row.iconIndex, expected[i].iconIndex) << expected[i].name;
     }
@@ -151,10 +151,10 @@ TEST(StartupRows, NodesAskTheirSourcesInOrderAndNameTheSelection) {
         EXPECT_EQ(SelectionCaption(c.key), c.caption);
         std::vector<std::string> names;
         for (const StartupRow& row : w.Collect(c.key).rows) {
-            names.push_back(row.cells[kColName]);
+            names.push_back(row.cells[kStartupColName]);
             // Rows from the live places are enabled, rows from the stores disabled.
-            const bool stored = row.cells[kColName].find(" off") != std::string::npos;
-            EXPECT_EQ(row.cells[kColEnabled], stored ? "False" : "True") << row.cells[kColName];
+            const bool stored = row.cells[kStartupColName].find(" off") != std::string::npos;
+            EXPECT_EQ(row.cells[kStartupColEnabled], stored ? "False" : "True") << row.cells[kStartupColName];
             EXPECT_EQ(row.mark, stored ? RowMark::Disabled : RowMark::None);
         }
         EXPECT_EQ(names, c.names) << c.key;
@@ -208,7 +208,7 @@ TEST(RunStore, TheStoredLinesAreListedAsDisabledRowsOfTheirOwnFile) {
                         FormatStoreLine("Wrong file", "x", "HKCU"));
     const StartupList list = w.Collect("HKLM");
     ASSERT_EQ(list.rows.size(), 2u);
-    EXPECT_EQ(list.rows[0].cells[kColEnabled], "False");
+    EXPECT_EQ(list.rows[0].cells[kStartupColEnabled], "False");
     EXPECT_EQ(list.rows[0].mark, RowMark::SuspiciousDisabled);
     EXPECT_EQ(list.rows[1].mark, RowMark::Disabled);  // a missing file is never suspicious
     EXPECT_EQ(list.stores.at("HKLM").content, w.files.Content(std::string(kApp) + "\\DHKLMRunKey.run"));
@@ -257,7 +257,7 @@ TEST(StartupRows, EveryRunValueIsListedWhateverItsNameOrData) {
     w.registry.PutString(kLMRun, longName + "2", std::string(5000, 'e'));
     w.registry.PutString(kLMRun, "last", "d");
     std::vector<std::string> names;
-    for (const StartupRow& row : w.Collect("HKLM").rows) names.push_back(row.cells[kColName]);
+    for (const StartupRow& row : w.Collect("HKLM").rows) names.push_back(row.cells[kStartupColName]);
     EXPECT_EQ(names, (std::vector<std::string>{"first", longName, "big", longName + "2", "last"}));
 }
 

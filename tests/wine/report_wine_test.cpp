@@ -134,7 +134,8 @@ std::vector<std::string> ExpectedBanner() {
 
 void ExpectBanner(const std::string& report, const char* what) {
     std::vector<std::string> lines = CrLfLines(report);
-    ASSERT_EQ(lines.size(), 10u) << what << "\n" << report;
+    ASSERT_GE(lines.size(), 10u) << what << "\n" << report;
+    lines.resize(10);  // the areas' blocks follow
     const std::string date = lines[2];
     lines[2] = "(date)";
     EXPECT_EQ(lines, ExpectedBanner()) << what;

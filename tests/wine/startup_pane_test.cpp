@@ -119,16 +119,16 @@ protected:
     }
     // The list item of our row `name` in state `enabled`, or -1.
     int Item(const std::string& name, const std::string& enabled = "True") {
-        for (int i = 0; i < ItemCount(list_); ++i) {
-            if (GetItemText(list_, i, kColName) == name && GetItemText(list_, i, kColEnabled) == enabled) return i;
+        for (int i = 0; i < GetItemCount(list_); ++i) {
+            if (GetItemText(list_, i, kStartupColName) == name && GetItemText(list_, i, kStartupColEnabled) == enabled) return i;
         }
         return -1;
     }
     std::vector<std::string> Ours(const std::string& enabled) {
         std::vector<std::string> names;
-        for (int i = 0; i < ItemCount(list_); ++i) {
-            const std::string name = GetItemText(list_, i, kColName);
-            if (wine::StartupMachine::Ours(name) && GetItemText(list_, i, kColEnabled) == enabled) names.push_back(name);
+        for (int i = 0; i < GetItemCount(list_); ++i) {
+            const std::string name = GetItemText(list_, i, kStartupColName);
+            if (wine::StartupMachine::Ours(name) && GetItemText(list_, i, kStartupColEnabled) == enabled) names.push_back(name);
         }
         return names;
     }
@@ -193,12 +193,12 @@ TEST_F(StartupPaneUnderWine, TreeCaptionsColumnsAndColours) {
     const int evil = Item("CorvaneTest Evil"), plain = Item("CorvaneTest Plain");
     const int storedEvil = Item("CorvaneTest Stored Evil", "False"), gone = Item("CorvaneTest Stored Gone", "False");
     ASSERT_TRUE(evil >= 0 && plain >= 0 && storedEvil >= 0 && gone >= 0);
-    EXPECT_EQ(GetItemText(list_, evil, kColLocation), "HKCU");
-    EXPECT_EQ(GetItemText(list_, plain, kColLocation), "HKLM");
-    EXPECT_EQ(GetItemText(list_, plain, kColFileName), "plain.exe");
-    EXPECT_EQ(GetItemText(list_, Item("CorvaneTest LM.lnk"), kColLocation), "Startup LM");
-    EXPECT_EQ(GetItemText(list_, Item("CorvaneTest CU.lnk"), kColLocation), "Startup CU");
-    EXPECT_EQ(GetItemText(list_, gone, kColFileName), "");
+    EXPECT_EQ(GetItemText(list_, evil, kStartupColLocation), "HKCU");
+    EXPECT_EQ(GetItemText(list_, plain, kStartupColLocation), "HKLM");
+    EXPECT_EQ(GetItemText(list_, plain, kStartupColFileName), "plain.exe");
+    EXPECT_EQ(GetItemText(list_, Item("CorvaneTest LM.lnk"), kStartupColLocation), "Startup LM");
+    EXPECT_EQ(GetItemText(list_, Item("CorvaneTest CU.lnk"), kStartupColLocation), "Startup CU");
+    EXPECT_EQ(GetItemText(list_, gone, kStartupColFileName), "");
 
     const SharedValues& shared = App().shared;
     const COLORREF text = GetSysColor(COLOR_WINDOWTEXT);
@@ -239,7 +239,7 @@ TEST_F(StartupPaneUnderWine, TreeCaptionsColumnsAndColours) {
     SelectNode(tree_, items[0]);
     Pump();
     ColumnClick(0);
-    const int count = ItemCount(list_);
+    const int count = GetItemCount(list_);
     ASSERT_GT(count, 2);
     EXPECT_GE(lstrcmpiA(GetItemText(list_, 0, 0).c_str(), GetItemText(list_, count - 1, 0).c_str()), 0);
     ColumnClick(0);
@@ -295,7 +295,7 @@ TEST_F(StartupPaneUnderWine, DisableEnableDeleteAndTheOtherCommands) {
     ASSERT_TRUE(seen.found);
     EXPECT_EQ(seen.name, "CorvaneTest Quoted (full.exe)");
     EXPECT_EQ(seen.path, machine_.full);
-    EXPECT_EQ(seen.size, GetItemText(list_, Item("CorvaneTest Quoted"), kColSize));
+    EXPECT_EQ(seen.size, GetItemText(list_, Item("CorvaneTest Quoted"), kStartupColSize));
 
     // The report: the banner, then a block per row in the list's order.
     const std::string report = wine::FreshFolder("startup-pane-report") + "\\startup.txt";
@@ -328,8 +328,8 @@ TEST_F(StartupPaneUnderWine, HandEditedStoresNeverBreakThePane) {
     Open();
     EXPECT_EQ(Ours("False"), (std::vector<std::string>{"CorvaneTest Long", "CorvaneTest \xC4\xD6\xDC\xE9\xFF"}));
     const int item = Item("CorvaneTest Long", "False");
-    EXPECT_EQ(GetItemText(list_, item, kColCommand), longCommand);
-    EXPECT_EQ(GetItemText(list_, item, kColFileName), "full.exe");
+    EXPECT_EQ(GetItemText(list_, item, kStartupColCommand), longCommand);
+    EXPECT_EQ(GetItemText(list_, item, kStartupColFileName), "full.exe");
     // The pane still works: a refresh and an empty disable change nothing.
     Click(IDC_STARTUP_REFRESH);
     Click(IDC_STARTUP_DISABLE);

@@ -35,7 +35,7 @@ struct Live {
     std::map<std::string, StartupRow> Rows(const StartupPlaces& places, const std::string& node = "All") {
         std::map<std::string, StartupRow> rows;
         for (const StartupRow& row : CollectStartupItems(sources, places, node).rows) {
-            if (wine::StartupMachine::Ours(row.cells[kColName])) rows[row.cells[kColName] + "|" + row.cells[kColEnabled]] = row;
+            if (wine::StartupMachine::Ours(row.cells[kStartupColName])) rows[row.cells[kStartupColName] + "|" + row.cells[kStartupColEnabled]] = row;
         }
         return rows;
     }
@@ -90,22 +90,22 @@ TEST(StartupUnderWine, BothRunKeysAndBothFoldersListedWithTheirColumns) {
         auto it = rows.find(e.key);
         ASSERT_NE(it, rows.end()) << e.key;
         const StartupRow& row = it->second;
-        EXPECT_EQ(row.cells[kColLocation], e.location) << e.key;
-        EXPECT_EQ(row.cells[kColFileName], e.fileName) << e.key;
-        EXPECT_TRUE(_stricmp(row.cells[kColPath].c_str(), e.path.c_str()) == 0)
-            << e.key << ": " << row.cells[kColPath];
+        EXPECT_EQ(row.cells[kStartupColLocation], e.location) << e.key;
+        EXPECT_EQ(row.cells[kStartupColFileName], e.fileName) << e.key;
+        EXPECT_TRUE(_stricmp(row.cells[kStartupColPath].c_str(), e.path.c_str()) == 0)
+            << e.key << ": " << row.cells[kStartupColPath];
         EXPECT_EQ(row.mark, e.mark) << e.key;
-        EXPECT_EQ(row.cells[kColSize].empty(), e.fileName.empty()) << e.key;
+        EXPECT_EQ(row.cells[kStartupColSize].empty(), e.fileName.empty()) << e.key;
     }
     // The file columns come from the file's own version resource.
     const StartupRow& quoted = rows.at("CorvaneTest Quoted|True");
-    EXPECT_EQ(quoted.cells[kColCommand], "\"" + machine.full + "\" /min");
-    EXPECT_EQ(quoted.cells[kColCompany], "Pr\xFC" "fwerk GmbH");
-    EXPECT_EQ(quoted.cells[kColProduct], "Corvane Pr\xFC" "fst\xE4" "nde");
-    EXPECT_EQ(quoted.cells[kColDescription], "Pr\xFC" "fprogramm f\xFC" "r Tests");
-    EXPECT_FALSE(quoted.cells[kColCreated].empty());
-    EXPECT_EQ(rows.at("CorvaneTest Env|True").cells[kColCommand], "%SystemRoot%\\notepad.exe");
-    EXPECT_EQ(rows.at("CorvaneTest LM.lnk|True").cells[kColCommand], "\"" + machine.full + "\" /tray \"a b\"");
+    EXPECT_EQ(quoted.cells[kStartupColCommand], "\"" + machine.full + "\" /min");
+    EXPECT_EQ(quoted.cells[kStartupColCompany], "Pr\xFC" "fwerk GmbH");
+    EXPECT_EQ(quoted.cells[kStartupColProduct], "Corvane Pr\xFC" "fst\xE4" "nde");
+    EXPECT_EQ(quoted.cells[kStartupColDescription], "Pr\xFC" "fprogramm f\xFC" "r Tests");
+    EXPECT_FALSE(quoted.cells[kStartupColCreated].empty());
+    EXPECT_EQ(rows.at("CorvaneTest Env|True").cells[kStartupColCommand], "%SystemRoot%\\notepad.exe");
+    EXPECT_EQ(rows.at("CorvaneTest LM.lnk|True").cells[kStartupColCommand], "\"" + machine.full + "\" /tray \"a b\"");
     EXPECT_EQ(rows.at("CorvaneTest CU.lnk|True").iconFile, machine.full);
 }
 
@@ -128,8 +128,8 @@ TEST(StartupUnderWine, DisableThenEnableGivesBackTheValueAndTheShortcutByteForBy
     auto check = [&](const std::string& enabled) {
         StartupList list = CollectStartupItems(live.sources, places, "All");
         for (StartupRow& row : list.rows) {
-            const std::string& name = row.cells[kColName];
-            row.checked = row.cells[kColEnabled] == enabled &&
+            const std::string& name = row.cells[kStartupColName];
+            row.checked = row.cells[kStartupColEnabled] == enabled &&
                           (name == "CorvaneTest LM.lnk" || std::find(std::begin(names), std::end(names), name) != std::end(names));
         }
         return list;
@@ -146,7 +146,7 @@ TEST(StartupUnderWine, DisableThenEnableGivesBackTheValueAndTheShortcutByteForBy
     EXPECT_EQ(wine::FileBytes(machine.app + "\\DLMStartup\\CorvaneTest LM.lnk"), linkBytes);
     const auto disabled = live.Rows(places);
     EXPECT_EQ(disabled.count("CorvaneTest LM.lnk|False"), 1u);
-    EXPECT_EQ(disabled.at("CorvaneTest Quoted|False").cells[kColFileName], "full.exe")
+    EXPECT_EQ(disabled.at("CorvaneTest Quoted|False").cells[kStartupColFileName], "full.exe")
         << "a disabled item's file is looked up like a live one's";
 
     list = check("False");

@@ -3,6 +3,8 @@
 // screenshot script and by tests that need a second process.
 //   corvane_driver nav N      click navigation button N (0 = Process ... 4 = Options)
 //   corvane_driver wait       wait until the main window is visible
+//   corvane_driver about      open the about box (returns at once)
+//   corvane_driver ok         press OK in the about box
 //   corvane_driver close      close the main window
 //   corvane_driver shortcut LNK TARGET [ARGS]   save a shortcut file (needs no window)
 // Exit 0 on success, 1 when the window is not found.
@@ -76,6 +78,18 @@ int main(int argc, char** argv) {
         Click(GetDlgItem(GetDlgItem(main, IDC_PICLEFT), ids[n]));
         // Wait until the click has been handled.
         SendMessageTimeoutA(main, WM_NULL, 0, 0, SMTO_NORMAL, 5000, nullptr);
+        return 0;
+    }
+    if (std::strcmp(argv[1], "about") == 0) {
+        HWND top = GetDlgItem(main, IDC_PICTOP);
+        PostMessageA(top, WM_COMMAND, MAKEWPARAM(IDC_LBLABOUT, STN_CLICKED),
+                     reinterpret_cast<LPARAM>(GetDlgItem(top, IDC_LBLABOUT)));
+        return 0;
+    }
+    if (std::strcmp(argv[1], "ok") == 0) {
+        HWND about = FindWindowA("#32770", "About: Corvane");
+        if (!about) return 1;
+        PostMessageA(about, WM_COMMAND, IDOK, 0);
         return 0;
     }
     if (std::strcmp(argv[1], "close") == 0) {

@@ -1,0 +1,185 @@
+#include "fakes/fake_process_table.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace corvane::fakes {
+
+namespace {
+constexpr uint32_t kAccessDenied = 5;
+constexpr uint32_t kInvalidHandle = 6;
+constexpr uint32_t kInvalidParameter = 87;
+constexpr uint32_t kNoMoreFiles = 18;
+constexpr uint32_t kPartialCopy = 299;
+}  // namespace
+
+FakeProcess& FakeProcessTable::Add(uint32_t id, const std::string& path, const std::string& snapshotName) {
+    Remove(id);
+    index_[id] = processes_.size();
+    FakeProcess& process = processes_.emplace_back();
+    process.id = id;
+    process.path = path;
+    process.snapshotName = snapshotName;
+    return process;
+}
+
+void FakeProcessTable::Remove(uint32_t id) {
+    auto it = index_.find(id);
+    if (it == index_.end()) return;
+    processes_.erase(processes_.begin() + static_cast<std::ptrdiff_t>(it->second));
+    index_.clear();
+    for (size_t i = 0; i < processes_.size(); ++i) index_[processes_[i].id] = i;
+}
+
+ModuleHandle FakeProcessTable::ModuleOf(const FakeProcess& process) { return 0x400000 + 0x10000 * ModuleHandle{process.id}; }
+
+const FakeProcess* FakeProcessTable::Find(uint32_t id) const {
+    auto it = index_.find(id);
+    return it == index_.end() ? nullptr : &processes_[it->second];
+}
+
+FakeProcessTable::Handle* FakeProcessTable::HandleOf(ProcessHandle handle, bool snapshot) {
+    auto it = handles_.find(handle);
+    if (it == handles_.end() || it->second.snapshot != snapshot) return nullptr;
+    return &it->second;
+}
+
+bool FakeProcessTable::Fail(uint32_t error) {
+    lastError_ = error;
+    return false;
+}
+
+bool FakeProcessTable::EnumProcessIds(uint32_t* ids, uint32_t bytes, uint32_t& needed) {
+    ++calls["EnumProcesses"];
+    enumBufferSizes.push_back(bytes);
+    if (enumFails) return Fail(kAccessDenied);
+    const size_t room = bytes / 4;
+    const size_t count = std::min(room, processes_.size());
+    for (size_t i = 0; i < count; ++i) ids[i] = processes_[i].id;
+    needed = static_cast<uint32_t>(count * 4);
+    return true;
+}
+
+ProcessHandle FakeProcessTable::Open(uint32_t access, bool, uint32_t processId) {
+    ++calls["OpenProcess"];
+    const FakeProcess* process = Find(processId);
+    if (!process) {
+        lastError_ = kInvalidParameter;
+        return 0;
+    }
+    const bool wantsMemory = (access & kProcessVmRead) != 0;
+    if (process->refuseOpen || (process->refuseQuery && wantsMemory)) {
+        lastError_ = kAccessDenied;
+        return 0;
+    }
+    const ProcessHandle handle = nextHandle_++;
+    handles_[handle] = Handle{false, processId, access, {}, 0};
+    return handle;
+}
+
+bool FakeProcessTable::EnumModules(ProcessHandle process, ModuleHandle* modules, uint32_t bytes,
+                                   uint32_t& needed) {
+    ++calls["EnumProcessModules"];
+    Handle* handle = HandleOf(process, false);
+    if (!handle) return Fail(kInvalidHandle);
+    const FakeProcess* target = Find(handle->processId);
+    if (!target || target->modulesFail) return Fail(kPartialCopy);
+    if (target->noModulesYet) {
+        needed = 0;
+        return true;
+    }
+    // One module, the executable, at an address of its own.
+    if (bytes >= sizeof(ModuleHandle)) modules[0] = ModuleOf(*target);
+    needed = sizeof(ModuleHandle);
+    return true;
+}
+
+uint32_t FakeProcessTable::ModuleFileName(ProcessHandle process, ModuleHandle module, char* buffer, uint32_t size) {
+    ++calls["GetModuleFileNameExA"];
+    Handle* handle = HandleOf(process, false);
+    const FakeProcess* target = handle ? Find(handle->processId) : nullptr;
+    // A null module is the executable; any other must be one of the process's own.
+    if (!target || size == 0 || (module != 0 && module != ModuleOf(*target))) {
+        lastError_ = kInvalidHandle;
+        return 0;
+    }
+    // As the system does: cut to the buffer, with a NUL in its last place.
+    const size_t length = std::min<size_t>(target->path.size(), size - 1);
+    std::memcpy(buffer, target->path.data(), length);
+    buffer[length] = '\0';
+    return static_cast<uint32_t>(length);
+}
+
+bool FakeProcessTable::Close(ProcessHandle handle) {
+    ++calls["CloseHandle"];
+    if (!handles_.erase(handle)) return Fail(kInvalidHandle);
+    return true;
+}
+
+ProcessHandle FakeProcessTable::CreateSnapshot() {
+    ++calls["CreateToolhelp32Snapshot"];
+    if (snapshotFails) {
+        lastError_ = kAccessDenied;
+        return 0;
+    }
+    Handle snapshot{true, 0, 0, {}, 0};
+    for (const FakeProcess& process : processes_) snapshot.ids.push_back(process.id);
+    const ProcessHandle handle = nextHandle_++;
+    handles_[handle] = snapshot;
+    return handle;
+}
+
+bool FakeProcessTable::Deliver(Handle& snapshot, ProcessEntry& entry) {
+    // A process that ended since the snapshot was taken is still in it.
+    while (snapshot.next < snapshot.ids.size()) {
+        const uint32_t id = snapshot.ids[snapshot.next++];
+        const FakeProcess* process = Find(id);
+        if (!process) continue;
+        entry.processId = id;
+        std::memset(entry.exeFile, 0, sizeof entry.exeFile);
+        const std::string& name = process->snapshotName.empty() ? process->path : process->snapshotName;
+        std::memcpy(entry.exeFile, name.data(), std::min(name.size(), sizeof entry.exeFile));
+        return true;
+    }
+    return Fail(kNoMoreFiles);
+}
+
+bool FakeProcessTable::FirstProcess(ProcessHandle snapshot, ProcessEntry& entry) {
+    ++calls["Process32First"];
+    Handle* handle = HandleOf(snapshot, true);
+    if (!handle) return Fail(kInvalidHandle);
+    handle->next = 0;
+    return Deliver(*handle, entry);
+}
+
+bool FakeProcessTable::NextProcess(ProcessHandle snapshot, ProcessEntry& entry) {
+    ++calls["Process32Next"];
+    Handle* handle = HandleOf(snapshot, true);
+    if (!handle) return Fail(kInvalidHandle);
+    return Deliver(*handle, entry);
+}
+
+bool FakeProcessTable::ExitCode(ProcessHandle process, uint32_t& code) {
+    ++calls["GetExitCodeProcess"];
+    Handle* handle = HandleOf(process, false);
+    if (!handle) return Fail(kInvalidHandle);
+    const FakeProcess* target = Find(handle->processId);
+    if (target && target->exitCodeFails) return Fail(kAccessDenied);
+    code = runningExitCode;
+    return true;
+}
+
+bool FakeProcessTable::Terminate(ProcessHandle process, uint32_t exitCode) {
+    ++calls["TerminateProcess"];
+    Handle* handle = HandleOf(process, false);
+    if (!handle) return Fail(kInvalidHandle);
+    if (!(handle->access & kProcessTerminate)) return Fail(kAccessDenied);
+    const FakeProcess* target = Find(handle->processId);
+    if (!target) return Fail(kAccessDenied);
+    if (target->terminateFails) return Fail(kAccessDenied);
+    terminateCodes.push_back(exitCode);
+    Remove(handle->processId);
+    return true;
+}
+
+}  // namespace corvane::fakes

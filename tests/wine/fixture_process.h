@@ -1,0 +1,82 @@
+#pragma once
+// A fixture program copied under a name of the test's choosing and started,
+// for tests that list, kill and delete real processes. It is ended and its
+// file removed when the object goes, whatever the test did to it.
+#include <windows.h>
+#include <psapi.h>
+
+#include <string>
+
+#include "wine/wine_support.h"
+
+namespace corvane::wine {
+
+class FixtureProcess {
+public:
+    // Copies `fixture` (a file beside the test executable) to `path` and starts it.
+    FixtureProcess(const std::string& path, const std::string& fixture = "fixture_full.exe") : path_(path) {
+        CopyFileA((TestFolder() + "\\" + fixture).c_str(), path.c_str(), FALSE);
+        STARTUPINFOA startup{};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION info{};
+        std::string line = "\"" + path + "\"";
+        if (!CreateProcessA(path.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                            &info)) {
+            return;
+        }
+        CloseHandle(info.hThread);
+        process_ = info.hProcess;
+        id_ = info.dwProcessId;
+        // Listed once the system can tell its first module.
+        for (int tries = 0; tries < 200; ++tries) {
+            HANDLE probe = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, id_);
+            HMODULE module = nullptr;
+            DWORD needed = 0;
+            const bool ready = probe && EnumProcessModules(probe, &module, sizeof module, &needed) &&
+                               needed >= sizeof module;
+            if (probe) CloseHandle(probe);
+            if (ready) break;
+            Sleep(25);
+        }
+    }
+    ~FixtureProcess() {
+        End();
+        SetFileAttributesA(path_.c_str(), FILE_ATTRIBUTE_NORMAL);
+        DeleteFileA(path_.c_str());
+    }
+    FixtureProcess(const FixtureProcess&) = delete;
+    FixtureProcess& operator=(const FixtureProcess&) = delete;
+
+    DWORD id() const { return id_; }
+    const std::string& path() const { return path_; }
+    bool started() const { return id_ != 0; }
+    // True once the process has ended, waiting up to `ms` for it.
+    bool Ended(DWORD ms = 5000) const { return !process_ || WaitForSingleObject(process_, ms) == WAIT_OBJECT_0; }
+    // Ends it (if it runs) and lets go of the handle; returns once the
+    // system no longer opens its id, as for a process long gone.
+    void End() {
+        if (!process_) return;
+        TerminateProcess(process_, 0);
+        WaitForSingleObject(process_, 5000);
+        CloseHandle(process_);
+        process_ = nullptr;
+        for (int tries = 0; tries < 100; ++tries) {
+            HANDLE again = OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, id_);
+            if (!again) break;
+            CloseHandle(again);
+            Sleep(20);
+        }
+    }
+    // Lets go of the handle without ending it, so the id stays the process's own only while it runs.
+    void Release() {
+        if (process_) CloseHandle(process_);
+        process_ = nullptr;
+    }
+
+private:
+    std::string path_;
+    HANDLE process_ = nullptr;
+    DWORD id_ = 0;
+};
+
+}  // namespace corvane::wine
