@@ -18,6 +18,24 @@ bool SameText(const std::string& a, const std::string& b) {
            });
 }
 
+// Written under an area's heading when its block turns out empty.
+constexpr const char* kNothingListed = "(nothing listed)\r\n";
+
+bool AppendOrSay(FullReportPlatform& platform, const std::string& file, const std::string& text) {
+    if (const SysError error = platform.report.files.Append(file, text)) {
+        platform.report.prompts.Message(
+            "Error Occurred Full printReport: \r\n" + ErrorDescription(platform.report.system, error), kAppTitle,
+            PromptIcon::Information, PromptButtons::Ok);
+        return false;
+    }
+    return true;
+}
+
+size_t FileLength(FileSystem& files, const std::string& file) {
+    const auto content = files.Read(file);
+    return content ? content->size() : 0;
+}
+
 }  // namespace
 
 const std::vector<ReportArea>& FullReportAreas() {
@@ -46,16 +64,16 @@ bool WriteFullReportBody(FullReportPlatform& platform, const std::string& file,
         const bool wanted = std::any_of(chosen.begin(), chosen.end(),
                                         [&](const std::string& name) { return SameText(name, area.name); });
         if (!wanted) continue;
-        if (!first) {
-            if (const SysError error = platform.report.files.Append(file, "\r\n")) {
-                platform.report.prompts.Message(
-                    "Error Occurred Full printReport: \r\n" + ErrorDescription(platform.report.system, error),
-                    kAppTitle, PromptIcon::Information, PromptButtons::Ok);
-                return false;
-            }
-        }
+        if (!first && !AppendOrSay(platform, file, "\r\n")) return false;
         first = false;
+        if (!AppendOrSay(platform, file, area.caption + "\r\n" + std::string(area.caption.size(), '-') + "\r\n")) {
+            return false;
+        }
+        const size_t before = FileLength(platform.report.files, file);
         if (!area.write(platform, file)) return false;
+        if (FileLength(platform.report.files, file) == before && !AppendOrSay(platform, file, kNothingListed)) {
+            return false;
+        }
     }
     return true;
 }

@@ -52,7 +52,9 @@ const std::vector<ReportArea>& FullReportAreas();
 const ReportArea* FindReportArea(const std::vector<ReportArea>& areas, const std::string& name);
 
 // Appends the blocks of the chosen areas (by name) in the order of `areas`,
-// one empty line between blocks. Stops at the first area that fails.
+// one empty line between blocks. Each block opens with the area's caption,
+// underlined, so the areas' rows (whose labels look alike) are told apart; an
+// area that lists nothing says so. Stops at the first area that fails.
 bool WriteFullReportBody(FullReportPlatform& platform, const std::string& file,
                          const std::vector<std::string>& chosen,
                          const std::vector<ReportArea>& areas = FullReportAreas());
