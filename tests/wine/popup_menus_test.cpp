@@ -71,7 +71,9 @@ struct Effects {
     bool rowBack = false;  // a row taken out of the list is shown again: the list was rebuilt
     std::string safeList;
     friend std::ostream& operator<<(std::ostream& out, const Effects& e) {
-        out << "{prompts " << e.prompts.size() << ", saves " << e.saveDialogs << ", opened " << e.opened.size()
+        out << "{prompts";
+        for (const std::string& text : e.prompts) out << " \"" << text << "\"";
+        out << ", saves " << e.saveDialogs << ", opened " << e.opened.size()
             << ", detail " << e.detail << ", row back " << e.rowBack << ", safe list \"" << e.safeList << "\"}";
         return out;
     }
