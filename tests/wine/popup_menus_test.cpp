@@ -192,6 +192,19 @@ protected:
         return effects;
     }
 
+    // Each item does what its button does, and no two buttons do the same,
+    // so an item wired to the wrong handler shows.
+    template <typename Arrange, size_t N>
+    void ExpectItemsDoWhatButtonsDo(const std::pair<int, int> (&pairs)[N], Arrange arrange, const std::string& removed,
+                                    const std::string& safeList = "") {
+        std::set<Effects> seen;
+        for (const auto& [item, button] : pairs) {
+            const Effects byButton = Run(arrange, button, removed, safeList);
+            EXPECT_EQ(Run(arrange, item, removed, safeList), byButton) << "menu item " << item;
+            EXPECT_TRUE(seen.insert(byButton).second) << "button " << button << " did what another did: " << byButton;
+        }
+    }
+
     wine::StartupMachine machine_;
     std::string savedPath_;
     frmMenu::Tracker savedTracker_ = nullptr;
@@ -303,8 +316,6 @@ TEST_F(PopupMenusUnderWine, StartupMenuOnlyForASelectedRow) {
     }
 }
 
-// Each item does what its button does, and no two buttons do the same, so an
-// item wired to the wrong handler shows.
 TEST_F(PopupMenusUnderWine, ProcessItemsDoWhatTheirButtonsDo) {
     const std::string procs = wine::FreshFolder("popup-menu-route");
     wine::FixtureProcess row(procs + "\\menu route.exe"), filler(procs + "\\menu filler.exe");
@@ -332,12 +343,7 @@ TEST_F(PopupMenusUnderWine, ProcessItemsDoWhatTheirButtonsDo) {
         {IDM_MNUVIEW, IDC_CMDVIEWINFORMATION}, {IDM_MNUREPORT, IDC_CMDREPORT},
         {IDM_MNUOPEN, IDC_CMDOPEN},   {IDM_MNUREFRESH, IDC_CMDREFRESH},
     };
-    std::set<Effects> seen;
-    for (const auto& [item, button] : pairs) {
-        const Effects byButton = Run(arrange, button, "menu filler.exe", safeList);
-        EXPECT_EQ(Run(arrange, item, "menu filler.exe", safeList), byButton) << "menu item " << item;
-        EXPECT_TRUE(seen.insert(byButton).second) << "button " << button << " did what an earlier one did: " << byButton;
-    }
+    ExpectItemsDoWhatButtonsDo(pairs, arrange, "menu filler.exe", safeList);
 
     // Search Google is the list's double click.
     arrange();
@@ -357,32 +363,14 @@ TEST_F(PopupMenusUnderWine, StartupItemsDoWhatTheirButtonsDo) {
         {IDM_MNUSTARTUP_REPORT, IDC_STARTUP_REPORT}, {IDM_MNUSTARTUP_OPEN, IDC_STARTUP_FOLDER},
         {IDM_MNUSTARTUP_REFRESH, IDC_STARTUP_REFRESH},
     };
-    std::set<Effects> seen;
-    for (const auto& [item, button] : pairs) {
-        const Effects byButton = Run(arrange, button, "CorvaneTest Plain");
-        EXPECT_EQ(Run(arrange, item, "CorvaneTest Plain"), byButton) << "menu item " << item;
-        EXPECT_TRUE(seen.insert(byButton).second) << "button " << button << " did what an earlier one did: " << byButton;
-    }
+    ExpectItemsDoWhatButtonsDo(pairs, arrange, "CorvaneTest Plain");
 
-    // Disable and Enable work on the checked rows.
-    const struct {
-        int item;
-        const char* from;
-        const char* to;
-    } steps[] = {{IDM_MNUSTARTUP_DISABLE, "True", "False"}, {IDM_MNUSTARTUP_ENABLE, "False", "True"}};
-    for (const auto& step : steps) {
-        int plain = -1;
-        for (int i = 0; i < GetItemCount(list_); ++i) {
-            if (GetItemText(list_, i, 0) == "CorvaneTest Plain" && GetItemText(list_, i, kStartupColEnabled) == step.from) plain = i;
-        }
-        ASSERT_GE(plain, 0) << step.from;
-        ListView_SetCheckState(list_, plain, TRUE);
-        Command(step.item);
-        const int now = ItemOf("CorvaneTest Plain");
-        ASSERT_GE(now, 0);
-        EXPECT_EQ(GetItemText(list_, now, kStartupColEnabled), step.to);
+    // Disable and Enable take the checked rows (the row is listed once, live or stored).
+    for (const auto& [item, state] : {std::pair{IDM_MNUSTARTUP_DISABLE, "False"}, std::pair{IDM_MNUSTARTUP_ENABLE, "True"}}) {
+        ListView_SetCheckState(list_, ItemOf("CorvaneTest Plain"), TRUE);
+        Command(item);
+        EXPECT_EQ(GetItemText(list_, ItemOf("CorvaneTest Plain"), kStartupColEnabled), state);
     }
-    EXPECT_TRUE(prompts_.shown.empty());
 }
 
 }  // namespace
