@@ -1,6 +1,7 @@
 // Resource ids of Corvane: one list for the program's icons, bitmaps and dialogs.
 // Ranges: 1-99 icons and cursors; 100-199 main window and panes; 200-299 skin
-// bitmaps (loaded by name); 300-399 about; 1000-1099 file detail dialog;
+// bitmaps (loaded by name); 300-399 about; 400-499 pop-up menus (frmMenu);
+// 1000-1099 file detail dialog;
 // 1100-1199 process pane; 1200-1299 startup pane; 1300-1399 browser pane;
 // 1400-1499 applications pane; 1500-1599 options pane.
 #pragma once
@@ -36,6 +37,26 @@
 #define IDC_LBLWEBSITE 307
 #define IDC_LBLCOPYRIGHT 308
 #define IDC_LABEL1 309
+
+// Pop-up menus, frmMenu (400-499): one menu resource, a popup per list, each
+// popup's items in a block of its own so the other panes' menus fit between.
+#define IDR_FRMMENU 400
+#define IDM_MNUADD 401
+#define IDM_MNUREMOVE 402
+#define IDM_MNUKILL 403
+#define IDM_MNUDELETE 404
+#define IDM_MNUVIEW 405
+#define IDM_MNUREPORT 406
+#define IDM_MNUOPEN 407
+#define IDM_MNUREFRESH 408
+#define IDM_MNUGOOGLE 409
+#define IDM_MNUSTARTUP_DISABLE 420
+#define IDM_MNUSTARTUP_ENABLE 421
+#define IDM_MNUSTARTUP_DELETE 422
+#define IDM_MNUSTARTUP_VIEW 423
+#define IDM_MNUSTARTUP_REPORT 424
+#define IDM_MNUSTARTUP_OPEN 425
+#define IDM_MNUSTARTUP_REFRESH 426
 
 // Panes (their own ranges)
 #define IDC_LSTVPROCESS 1100

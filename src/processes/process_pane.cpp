@@ -13,6 +13,7 @@
 #include "shell/app_context.h"
 #include "shell/app_identity.h"
 #include "shell/panes.h"
+#include "shell/popup_menus.h"
 #include "ui/file_icon.h"
 #include "ui/list_view.h"
 
@@ -261,6 +262,30 @@ void frmProcess::optFilter_Click(int) {
     refreshProcessList();
 }
 
+HMENU frmProcess::PopupMenuToShow() {
+    HMENU menu = frmMenu::Menu(MenuName::mnuProcess);
+    if (!menu) return nullptr;
+    // The menu keeps what the last right click left, so every item that
+    // depends on the list is set each time.
+    for (int id : {IDM_MNUADD, IDM_MNUREMOVE, IDM_MNUREFRESH}) frmMenu::Enable(menu, id, true);
+    const bool rows = GetItemCount(lstvProcess_) > 0;
+    for (int id : {IDM_MNUGOOGLE, IDM_MNUKILL, IDM_MNUOPEN, IDM_MNUVIEW, IDM_MNUDELETE, IDM_MNUREPORT}) {
+        frmMenu::Enable(menu, id, rows);
+    }
+    if (!rows) return menu;
+    // With rows but none selected there is no path, and both stay off.
+    const int item = GetSelectedItem(lstvProcess_);
+    FileFacts& facts = *App().facts;
+    const std::string folder = item < 0 ? std::string() : GetItemText(lstvProcess_, item, kColPath);
+    if (item < 0 || !facts.Exists(folder)) frmMenu::Enable(menu, IDM_MNUOPEN, false);
+    if (item < 0 || !facts.Exists(folder + GetItemText(lstvProcess_, item, kColName))) {
+        frmMenu::Enable(menu, IDM_MNUDELETE, false);
+    }
+    return menu;
+}
+
+void frmProcess::lstvProcess_MouseUp() { frmMenu::PopupMenu(PopupMenuToShow(), hwnd_); }
+
 LRESULT frmProcess::lstvProcess_CustomDraw(NMLVCUSTOMDRAW* draw) {
     switch (draw->nmcd.dwDrawStage) {
         case CDDS_PREPAINT:
@@ -316,22 +341,34 @@ bool frmProcess::OnNotify(NMHDR* header, LRESULT& result) {
         case NM_DBLCLK:
             lstvProcess_DblClick();
             return true;
+        case NM_RCLICK:
+            // The list view keeps WM_RBUTTONUP to itself: it follows the mouse
+            // from the button's press and tells its parent NM_RCLICK when the
+            // button is let go, over a row or over the empty part alike, and
+            // after the press has selected the row under it. That is the
+            // mouse-up the menu opens on (WM_CONTEXTMENU would also come from
+            // the keyboard).
+            lstvProcess_MouseUp();
+            result = TRUE;
+            return true;
         default:
             return false;
     }
 }
 
 void frmProcess::OnCommand(int id, int code) {
+    // A button's click and a menu item's choice both come with code 0.
     if (code != BN_CLICKED) return;
     switch (id) {
-        case IDC_CMDADD: cmdAdd_Click(); break;
-        case IDC_CMDREMOVE: cmdRemove_Click(); break;
-        case IDC_CMDKILL: cmdKill_Click(); break;
-        case IDC_CMDDELETE: cmdDelete_Click(); break;
-        case IDC_CMDVIEWINFORMATION: cmdViewInformation_Click(); break;
-        case IDC_CMDOPEN: cmdOpen_Click(); break;
-        case IDC_CMDREFRESH: cmdRefresh_Click(); break;
-        case IDC_CMDREPORT: cmdReport_Click(); break;
+        case IDC_CMDADD: case IDM_MNUADD: cmdAdd_Click(); break;
+        case IDC_CMDREMOVE: case IDM_MNUREMOVE: cmdRemove_Click(); break;
+        case IDC_CMDKILL: case IDM_MNUKILL: cmdKill_Click(); break;
+        case IDC_CMDDELETE: case IDM_MNUDELETE: cmdDelete_Click(); break;
+        case IDC_CMDVIEWINFORMATION: case IDM_MNUVIEW: cmdViewInformation_Click(); break;
+        case IDC_CMDOPEN: case IDM_MNUOPEN: cmdOpen_Click(); break;
+        case IDC_CMDREFRESH: case IDM_MNUREFRESH: cmdRefresh_Click(); break;
+        case IDC_CMDREPORT: case IDM_MNUREPORT: cmdReport_Click(); break;
+        case IDM_MNUGOOGLE: lstvProcess_DblClick(); break;
         case IDC_OPTFILTER0: optFilter_Click(0); break;
         case IDC_OPTFILTER1: optFilter_Click(1); break;
         default: break;

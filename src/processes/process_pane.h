@@ -37,6 +37,11 @@ public:
     // The web search for the selected row (the list's double click and "&Search Google").
     void lstvProcess_DblClick();
     void optFilter_Click(int index);
+    // The right button let go over the list: the pop-up menu, set up and shown.
+    void lstvProcess_MouseUp();
+    // The first half of it: mnuProcess with its items enabled for the list as
+    // it is now. The menu always shows, also for an empty list.
+    HMENU PopupMenuToShow();
 
     HWND hwnd() const { return hwnd_; }
     HWND list() const { return lstvProcess_; }

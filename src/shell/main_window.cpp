@@ -9,6 +9,7 @@
 #include "shell/app_context.h"
 #include "shell/app_identity.h"
 #include "shell/disable_maximize.h"
+#include "shell/popup_menus.h"
 #include "ui/skin.h"
 
 namespace corvane {
@@ -251,6 +252,7 @@ LRESULT CALLBACK frmMain::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
         case WM_DESTROY:
             // Every form but this one goes with it; nothing is written now.
             form->Unload(form->activePane_);
+            frmMenu::Unload();
             PostQuitMessage(0);
             return 0;
         case WM_NCDESTROY:

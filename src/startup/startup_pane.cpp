@@ -14,6 +14,7 @@
 #include "res/resource.h"
 #include "shell/app_context.h"
 #include "shell/panes.h"
+#include "shell/popup_menus.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_report.h"
 #include "ui/file_icon.h"
@@ -262,6 +263,13 @@ INT_PTR Notify(Pane& pane, HWND hwnd, NMHDR& header) {
                 return TRUE;
             }
             case LVN_BEGINLABELEDITA: return result(TRUE);  // no row is edited in place
+            case NM_RCLICK:
+                // The list view keeps WM_RBUTTONUP to itself and tells us of
+                // the right button's release as NM_RCLICK, once its press has
+                // selected the row under the mouse (or cleared the selection
+                // over the empty part).
+                frmStartup::lstvStartup_MouseUp();
+                return result(TRUE);
             default: return FALSE;
         }
     }
@@ -330,6 +338,19 @@ void cmdDelete_Click() {
     Finish(*g_pane, DeleteSelectedItem(ports, g_pane->places, view, GetSelectedItem(g_pane->list)), view);
 }
 
+HMENU PopupMenuToShow() {
+    if (!g_pane) return nullptr;
+    const int item = GetSelectedItem(g_pane->list);
+    if (item < 0) return nullptr;
+    HMENU menu = frmMenu::Menu(MenuName::mnuStartup);
+    if (menu) frmMenu::Enable(menu, IDM_MNUSTARTUP_OPEN, App().facts->Exists(RowAt(*g_pane, item).cells[kStartupColPath]));
+    return menu;
+}
+
+void lstvStartup_MouseUp() {
+    if (g_pane) frmMenu::PopupMenu(PopupMenuToShow(), g_pane->hwnd);
+}
+
 void cmdFolder_Click() {
     if (!g_pane) return;
     const int item = GetSelectedItem(g_pane->list);
@@ -377,15 +398,17 @@ INT_PTR CALLBACK frmStartupProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM l
             if (g_pane && g_pane->hwnd == hwnd) return Notify(*g_pane, hwnd, *reinterpret_cast<NMHDR*>(lParam));
             return FALSE;
         case WM_COMMAND:
+            // A button's click and a menu item's choice both come with code 0.
             if (HIWORD(wParam) != BN_CLICKED) return FALSE;
             switch (LOWORD(wParam)) {
-                case IDC_STARTUP_DISABLE: frmStartup::cmdDisable_Click(); return TRUE;
-                case IDC_STARTUP_ENABLE: frmStartup::cmdEnable_Click(); return TRUE;
-                case IDC_STARTUP_DELETE: frmStartup::cmdDelete_Click(); return TRUE;
-                case IDC_STARTUP_VIEWINFORMATION: frmStartup::cmdViewInformation_Click(); return TRUE;
-                case IDC_STARTUP_REPORT: frmStartup::cmdReport_Click(); return TRUE;
-                case IDC_STARTUP_FOLDER: frmStartup::cmdFolder_Click(); return TRUE;
-                case IDC_STARTUP_REFRESH: frmStartup::cmdRefresh_Click(); return TRUE;
+                case IDC_STARTUP_DISABLE: case IDM_MNUSTARTUP_DISABLE: frmStartup::cmdDisable_Click(); return TRUE;
+                case IDC_STARTUP_ENABLE: case IDM_MNUSTARTUP_ENABLE: frmStartup::cmdEnable_Click(); return TRUE;
+                case IDC_STARTUP_DELETE: case IDM_MNUSTARTUP_DELETE: frmStartup::cmdDelete_Click(); return TRUE;
+                case IDC_STARTUP_VIEWINFORMATION:
+                case IDM_MNUSTARTUP_VIEW: frmStartup::cmdViewInformation_Click(); return TRUE;
+                case IDC_STARTUP_REPORT: case IDM_MNUSTARTUP_REPORT: frmStartup::cmdReport_Click(); return TRUE;
+                case IDC_STARTUP_FOLDER: case IDM_MNUSTARTUP_OPEN: frmStartup::cmdFolder_Click(); return TRUE;
+                case IDC_STARTUP_REFRESH: case IDM_MNUSTARTUP_REFRESH: frmStartup::cmdRefresh_Click(); return TRUE;
                 default: return FALSE;
             }
         default:

@@ -19,6 +19,11 @@ void cmdViewInformation_Click();
 void cmdReport_Click();
 void cmdFolder_Click();
 void cmdRefresh_Click();
+// The right button let go over the list: the pop-up menu for the selected row.
+void lstvStartup_MouseUp();
+// Its first half: mnuStartup set up for the selected row, or null when no
+// row is selected and nothing shows.
+HMENU PopupMenuToShow();
 // The loaded pane's window, or null.
 HWND Window();
 }  // namespace frmStartup

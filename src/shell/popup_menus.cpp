@@ -1,0 +1,64 @@
+#include "shell/popup_menus.h"
+
+#include <string>
+
+#include "res/resource.h"
+#include "shell/app_context.h"
+
+namespace corvane::frmMenu {
+
+namespace {
+
+const char* Caption(MenuName name) {
+    switch (name) {
+        case MenuName::mnuProcess: return "Process";
+        case MenuName::mnuStartup: return "Startup";
+    }
+    return "";
+}
+
+// At the mouse as it is now, so the menu opens where the button was let go.
+void TrackAtMouse(HMENU menu, HWND owner) {
+    POINT at{};
+    GetCursorPos(&at);
+    TrackPopupMenu(menu, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, at.x, at.y, 0, owner, nullptr);
+}
+
+HMENU g_bar = nullptr;
+Tracker g_tracker = TrackAtMouse;
+
+}  // namespace
+
+HMENU Menu(MenuName name) {
+    if (!g_bar) g_bar = LoadMenuA(App().instance, MAKEINTRESOURCEA(IDR_FRMMENU));
+    if (!g_bar) return nullptr;
+    // Found by caption, so the other panes' popups can be added in any place.
+    const int count = GetMenuItemCount(g_bar);
+    for (int position = 0; position < count; ++position) {
+        char text[64] = {};
+        GetMenuStringA(g_bar, static_cast<UINT>(position), text, sizeof text, MF_BYPOSITION);
+        if (std::string(text) == Caption(name)) return GetSubMenu(g_bar, position);
+    }
+    return nullptr;
+}
+
+void Enable(HMENU menu, int id, bool enabled) {
+    EnableMenuItem(menu, static_cast<UINT>(id), MF_BYCOMMAND | (enabled ? MF_ENABLED : MF_GRAYED));
+}
+
+void PopupMenu(HMENU menu, HWND owner) {
+    if (menu) g_tracker(menu, owner);
+}
+
+void Unload() {
+    if (g_bar) DestroyMenu(g_bar);
+    g_bar = nullptr;
+}
+
+Tracker SetTracker(Tracker tracker) {
+    const Tracker previous = g_tracker;
+    g_tracker = tracker ? tracker : TrackAtMouse;
+    return previous;
+}
+
+}  // namespace corvane::frmMenu

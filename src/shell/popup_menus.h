@@ -1,0 +1,31 @@
+#pragma once
+// frmMenu: the one holder of the lists' right-click menus. They are loaded
+// together at first use and kept until the main window goes. A pane decides
+// which items are enabled, then shows the menu; the chosen item comes back
+// to the pane as WM_COMMAND with the item's id, and the pane calls the same
+// handler its button calls, so the menus hold no logic of their own.
+#include <windows.h>
+
+namespace corvane {
+
+// The menus by their captions in res/menus.rc.
+enum class MenuName { mnuProcess, mnuStartup };
+
+namespace frmMenu {
+
+// The popup of `name`; null if the resource lacks it.
+HMENU Menu(MenuName name);
+// Enables or greys one item, by its id. Items are never hidden.
+void Enable(HMENU menu, int id, bool enabled);
+// Shows `menu` at the mouse position; the choice goes to `owner`.
+void PopupMenu(HMENU menu, HWND owner);
+// Frees the menus (the main window, when it goes).
+void Unload();
+
+// How PopupMenu shows a menu. A real menu waits for the user, so a test
+// puts its own here; returns the one it replaced.
+using Tracker = void (*)(HMENU menu, HWND owner);
+Tracker SetTracker(Tracker tracker);
+
+}  // namespace frmMenu
+}  // namespace corvane
