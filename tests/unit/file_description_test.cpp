@@ -153,8 +153,6 @@ TEST(FileDescription, IndexOutsideTheTableIsRefused) {
     EXPECT_THROW(process.getItem(-1), std::out_of_range);
     EXPECT_THROW(process.getItem(13), std::out_of_range);
     EXPECT_NO_THROW(process.getItem(12));
-    EXPECT_STREQ(clsProcess::KeyName(kSpecialBuild), "SpecialBuild");
-    EXPECT_EQ(clsProcess::KeyName(kCreatedOn), nullptr);
 }
 
 TEST(FileDescription, TranslationKey) {

@@ -131,8 +131,6 @@ TEST(ProcessWalk, NameAndFolderOfAPath) {
         EXPECT_EQ(ProcessName(c.path), c.name) << c.path;
         EXPECT_EQ(ProcessFolder(c.path), c.folder) << c.path;
     }
-    EXPECT_EQ(dropLastChar("abc"), "ab");
-    EXPECT_EQ(dropLastChar(""), "");
 }
 
 // A machine of processes, files and reference lists.
