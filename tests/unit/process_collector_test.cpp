@@ -226,16 +226,6 @@ TEST(ProcessRows, MissingHiddenOrSystemListsCountForNothing) {
     }
 }
 
-TEST(ProcessRows, ChangedListFileCountsAtTheNextRefresh) {
-    Machine m;
-    m.Run(4, "C:\\a\\tool.exe");
-    EXPECT_EQ(Names(m.Rows(true)), std::vector<std::string>{"tool.exe"});
-    m.List(kSusProcessFile, "tool.exe\r\n");
-    EXPECT_EQ(Names(m.Rows(true)), std::vector<std::string>{"tool.exe *"});
-    m.List(kCommonProcessFile, "tool.exe\r\n");
-    EXPECT_TRUE(m.Rows(true).empty());
-}
-
 TEST(ProcessRows, FileColumnsKeyAndIcon) {
     Machine m;
     m.clock.decimalSign = ",";
