@@ -97,6 +97,7 @@ inline void CheckClockContract(Clock& clock) {
     EXPECT_EQ(clock.ShortDate(*s), "1/31/2003");
     EXPECT_EQ(clock.LongTime(*s), "2:05:09 PM");
     EXPECT_EQ(FormatGeneralDate(clock, *s), "1/31/2003 2:05:09 PM");
+    EXPECT_EQ(FormatGeneralDate(clock, {2003, 1, 5, 31, 0, 0, 1, 0}), "1/31/2003 12:00:01 AM");
     const SystemTime now = clock.Now();
     EXPECT_GE(now.year, 2003);
     EXPECT_GE(now.month, 1);

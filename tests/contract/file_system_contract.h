@@ -48,6 +48,7 @@ inline void CheckFileSystemContract(FileSystem& fs, const std::string& root) {
     EXPECT_FALSE(fs.IsFolder(b));
     ASSERT_EQ(fs.Write(sub + "\\Caf\xE9 \xA9.lnk", "link"), kNoError);
     ASSERT_EQ(fs.Write(sub + "\\other.txt", "t"), kNoError);
+    ASSERT_EQ(fs.Write(sub + "\\UPPER.LNK", "link"), kNoError);
 
     auto names = [](std::vector<FolderEntry> entries) {
         std::vector<std::string> out;
@@ -55,13 +56,14 @@ inline void CheckFileSystemContract(FileSystem& fs, const std::string& root) {
         std::sort(out.begin(), out.end());
         return out;
     };
-    EXPECT_EQ(names(fs.List(sub, "*.lnk")), std::vector<std::string>{"Caf\xE9 \xA9.lnk"});
+    EXPECT_EQ(names(fs.List(sub, "*.lnk")), (std::vector<std::string>{"Caf\xE9 \xA9.lnk", "UPPER.LNK"}));
     EXPECT_EQ(names(fs.List(root)), (std::vector<std::string>{"Sub\\", "b.txt"}));
     EXPECT_TRUE(fs.Exists(root + "\\SUB\\OTHER.TXT")) << "names ignore case";
 
     EXPECT_NE(fs.RemoveFolder(sub), kNoError) << "a folder with files stays";
     ASSERT_EQ(fs.Delete(sub + "\\Caf\xE9 \xA9.lnk"), kNoError);
     ASSERT_EQ(fs.Delete(sub + "\\other.txt"), kNoError);
+    ASSERT_EQ(fs.Delete(sub + "\\upper.lnk"), kNoError);
     EXPECT_NE(fs.Delete(sub + "\\other.txt"), kNoError);
     ASSERT_EQ(fs.RemoveFolder(sub), kNoError);
     EXPECT_FALSE(fs.Exists(sub));

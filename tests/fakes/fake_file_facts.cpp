@@ -34,14 +34,6 @@ void FakeFileFacts::Add(const std::string& path, const FakeFile& file) {
     if (!file.shortPath.empty()) files_[Lower(file.shortPath)] = {path, file};
 }
 
-void FakeFileFacts::Remove(const std::string& path) {
-    auto it = files_.find(Lower(path));
-    if (it == files_.end()) return;
-    const std::string shortPath = it->second.file.shortPath;
-    files_.erase(it);
-    if (!shortPath.empty()) files_.erase(Lower(shortPath));
-}
-
 const FakeFileFacts::Entry* FakeFileFacts::Lookup(const std::string& path) const {
     auto it = files_.find(Lower(path));
     return it == files_.end() ? nullptr : &it->second;
@@ -74,7 +66,6 @@ uint32_t FakeFileFacts::VersionInfoSize(const std::string& path) {
 }
 
 bool FakeFileFacts::VersionInfo(const std::string& path, std::vector<unsigned char>& block) {
-    ++versionReads;
     const Entry* entry = Lookup(path);
     if (failVersionRead || !entry || !entry->file.version) return false;
     const std::string data = Serialize(*entry->file.version);

@@ -16,7 +16,6 @@ std::string ParentOf(const std::string& path) {
     const size_t slash = path.find_last_of('\\');
     return slash == std::string::npos ? std::string() : path.substr(0, slash);
 }
-}  // namespace
 
 bool WildcardMatch(const std::string& pattern, const std::string& name) {
     size_t p = 0, n = 0, star = std::string::npos, mark = 0;
@@ -40,6 +39,8 @@ bool WildcardMatch(const std::string& pattern, const std::string& name) {
     while (p < pattern.size() && pattern[p] == '*') ++p;
     return p == pattern.size();
 }
+
+}  // namespace
 
 FakeFileSystem::FakeFileSystem() { AddFolder("C:"); }
 

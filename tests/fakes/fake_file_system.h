@@ -71,6 +71,4 @@ private:
 };
 
 // Matches a file name against a pattern of "*" and "?", without regard to case.
-bool WildcardMatch(const std::string& pattern, const std::string& name);
-
 }  // namespace corvane::fakes

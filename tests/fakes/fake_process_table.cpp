@@ -165,7 +165,7 @@ bool FakeProcessTable::ExitCode(ProcessHandle process, uint32_t& code) {
     if (!handle) return Fail(kInvalidHandle);
     const FakeProcess* target = Find(handle->processId);
     if (target && target->exitCodeFails) return Fail(kAccessDenied);
-    code = runningExitCode;
+    code = kStillActive;
     return true;
 }
 

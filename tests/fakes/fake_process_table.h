@@ -31,13 +31,11 @@ public:
     FakeProcess& Add(uint32_t id, const std::string& path, const std::string& snapshotName = {});
     void Remove(uint32_t id);
     bool Running(uint32_t id) const { return index_.count(id) > 0; }
-    const std::vector<FakeProcess>& Processes() const { return processes_; }
 
     bool snapshotFails = false;
     // EnumProcesses fails outright.
     bool enumFails = false;
     // The exit code a running process reports.
-    uint32_t runningExitCode = kStillActive;
 
     // What happened: calls by name, handles not yet closed, the buffer sizes
     // EnumProcesses was given, the exit codes passed to TerminateProcess and

@@ -90,10 +90,7 @@ std::optional<std::string> FakePrompts::SaveFile(const std::string& filter, bool
     return Next(saveAnswers);
 }
 
-std::optional<int32_t> FakePrompts::PickColor(int32_t initial) {
-    colourDialogs.push_back(initial);
-    return Next(colourAnswers);
-}
+std::optional<int32_t> FakePrompts::PickColor(int32_t) { return std::nullopt; }
 
 namespace {
 

@@ -153,8 +153,6 @@ TEST(FileDescription, IndexOutsideTheTableIsRefused) {
     EXPECT_THROW(process.getItem(-1), std::out_of_range);
     EXPECT_THROW(process.getItem(13), std::out_of_range);
     EXPECT_NO_THROW(process.getItem(12));
-    EXPECT_STREQ(clsProcess::KeyName(kSpecialBuild), "SpecialBuild");
-    EXPECT_EQ(clsProcess::KeyName(kCreatedOn), nullptr);
 }
 
 TEST(FileDescription, TranslationKey) {
@@ -170,7 +168,7 @@ TEST(FileDescription, TranslationKey) {
     for (const auto& c : cases) EXPECT_EQ(TranslationKey(c.table), c.key) << c.key;
 }
 
-TEST(FileDescription, SizesAndPathParts) {
+TEST(FileDescription, SizesInKilobytes) {
     const struct {
         uint64_t bytes;
         const char* sign;
@@ -182,19 +180,6 @@ TEST(FileDescription, SizesAndPathParts) {
         {5'000'000'000ull, ".", "4882812.5"},
     };
     for (const auto& c : sizes) EXPECT_EQ(FormatKilobytes(c.bytes, c.sign), c.text) << c.bytes;
-
-    const struct {
-        const char *path, *folder, *name;
-    } paths[] = {
-        {"C:\\Program Files\\App\\app.exe", "C:\\Program Files\\App\\", "app.exe"},
-        {"C:\\app.exe", "C:\\", "app.exe"},
-        {"app.exe", "", "app.exe"},
-        {"C:\\Folder\\", "C:\\Folder\\", ""},
-    };
-    for (const auto& c : paths) {
-        EXPECT_EQ(PathFolder(c.path), c.folder) << c.path;
-        EXPECT_EQ(PathFileName(c.path), c.name) << c.path;
-    }
 }
 
 TEST(GeneralDate, DateAndTimeOrTheDateAloneAtMidnight) {

@@ -24,16 +24,5 @@ TEST(FakeFileSystem, FaultsStopTheNthChange) {
     EXPECT_FALSE(fs.Exists("C:\\d"));
 }
 
-TEST(FakeFileSystem, Wildcards) {
-    const struct {
-        const char *pattern, *name;
-        bool match;
-    } cases[] = {
-        {"*", "anything", true}, {"*.lnk", "A.LNK", true}, {"*.lnk", "a.lnk.txt", false},
-        {"a?c", "abc", true},    {"a?c", "ac", false},     {"*.*", "noext", false},
-    };
-    for (const auto& c : cases) EXPECT_EQ(fakes::WildcardMatch(c.pattern, c.name), c.match) << c.pattern << " " << c.name;
-}
-
 }  // namespace
 }  // namespace corvane

@@ -131,8 +131,6 @@ TEST(ProcessWalk, NameAndFolderOfAPath) {
         EXPECT_EQ(ProcessName(c.path), c.name) << c.path;
         EXPECT_EQ(ProcessFolder(c.path), c.folder) << c.path;
     }
-    EXPECT_EQ(dropLastChar("abc"), "ab");
-    EXPECT_EQ(dropLastChar(""), "");
 }
 
 // A machine of processes, files and reference lists.
@@ -226,16 +224,6 @@ TEST(ProcessRows, MissingHiddenOrSystemListsCountForNothing) {
         EXPECT_EQ(Names(m.Rows(true)), Names(m.Rows(false))) << variant;
         EXPECT_EQ(Names(m.Rows(true)), (std::vector<std::string>{"bad.exe", "sys.exe"})) << variant;
     }
-}
-
-TEST(ProcessRows, ChangedListFileCountsAtTheNextRefresh) {
-    Machine m;
-    m.Run(4, "C:\\a\\tool.exe");
-    EXPECT_EQ(Names(m.Rows(true)), std::vector<std::string>{"tool.exe"});
-    m.List(kSusProcessFile, "tool.exe\r\n");
-    EXPECT_EQ(Names(m.Rows(true)), std::vector<std::string>{"tool.exe *"});
-    m.List(kCommonProcessFile, "tool.exe\r\n");
-    EXPECT_TRUE(m.Rows(true).empty());
 }
 
 TEST(ProcessRows, FileColumnsKeyAndIcon) {

@@ -256,12 +256,6 @@ TEST(BackupRecord, OneLineWithTheSeparator) {
     EXPECT_TRUE(m.CompleteBackup()) << "the later backup replaces the earlier";
 }
 
-}  // namespace
-}  // namespace corvane
-
-namespace corvane {
-namespace {
-
 TEST(ProcessSearch, NameThenCompanyWithBlanksAsPlus) {
     const struct {
         const char* name;

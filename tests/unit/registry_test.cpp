@@ -220,26 +220,6 @@ TEST_F(RegistryTest, GetRegBinaryAnswersTrueOnlyFor552Bytes) {
     EXPECT_EQ(untouched, (Bytes{1, 2})) << "no key, no change";
 }
 
-TEST_F(RegistryTest, EnumRegKeysAppendsSubkeyNames) {
-    reg.AddKey(std::string(kFullKey) + "\\b");
-    reg.AddKey(std::string(kFullKey) + "\\A\\Deeper");
-    reg.AddKey(std::string(kFullKey) + "\\{12345678-ABCD}");
-    std::vector<std::string> names{"earlier"};
-    EnumRegKeys(reg, kHKeyCurrentUser, kKey, names);
-    EXPECT_EQ(names, (std::vector<std::string>{"earlier", "A", "b", "{12345678-ABCD}"}));
-}
-
-TEST_F(RegistryTest, WritersChangeTheRegistryWithoutAWord) {
-    EXPECT_TRUE(SaveRegString(reg, prompts, system, kHKeyCurrentUser, "Software\\New\\Run", "Item", "C:\\a.exe"));
-    EXPECT_EQ(reg.Value("HKCU\\Software\\New\\Run", "Item")->data, std::string("C:\\a.exe\0", 9));
-    EXPECT_EQ(reg.Value("HKCU\\Software\\New\\Run", "Item")->type, kRegSz);
-    EXPECT_TRUE(DeleteRegValue(reg, prompts, system, kHKeyCurrentUser, "Software\\New\\Run", "ITEM"));
-    EXPECT_FALSE(reg.Value("HKCU\\Software\\New\\Run", "Item"));
-    EXPECT_TRUE(DeleteRegKey(reg, prompts, system, kHKeyCurrentUser, "Software\\New\\Run"));
-    EXPECT_FALSE(reg.KeyExists("HKCU\\Software\\New\\Run"));
-    EXPECT_TRUE(prompts.shown.empty());
-}
-
 TEST_F(RegistryTest, WritersTellWhyTheyFailed) {
     enum Writer { Save, DeleteValue, DeleteKey };
     const struct {

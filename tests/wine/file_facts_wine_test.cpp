@@ -27,20 +27,6 @@ namespace {
 
 using Values = std::array<std::string, 13>;
 
-// Copies a fixture program into `folder` under `name`, created and last
-// written on 31 January 2003 at noon UTC, so its date column is known.
-std::string PlaceFixture(const std::string& fixture, const std::string& folder, const std::string& name) {
-    const std::string path = folder + "\\" + name;
-    EXPECT_TRUE(CopyFileA((wine::TestFolder() + "\\" + fixture).c_str(), path.c_str(), FALSE)) << fixture;
-    HANDLE file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const SYSTEMTIME noon{2003, 1, 5, 31, 12, 0, 0, 0};
-    FILETIME time;
-    SystemTimeToFileTime(&noon, &time);
-    EXPECT_TRUE(SetFileTime(file, &time, nullptr, &time));
-    CloseHandle(file);
-    return path;
-}
-
 uint64_t SizeOf(const std::string& path) {
     WIN32_FILE_ATTRIBUTE_DATA data{};
     GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data);
@@ -59,9 +45,9 @@ TEST(FileFactsUnderWine, EveryValueOfTheFixtures) {
         std::string path;
         Values expected;
     } cases[] = {
-        {PlaceFixture("fixture_full.exe", folder, "Full Fixture.exe"), full},
-        {PlaceFixture("fixture_noicon.exe", folder, "fixture_noicon.exe"), noIcon},
-        {PlaceFixture("fixture_bare.exe", folder, "fixture_bare.exe"), bare},
+        {wine::PlaceFixture("fixture_full.exe", folder, "Full Fixture.exe"), full},
+        {wine::PlaceFixture("fixture_noicon.exe", folder, "fixture_noicon.exe"), noIcon},
+        {wine::PlaceFixture("fixture_bare.exe", folder, "fixture_bare.exe"), bare},
         {folder + "\\missing.exe", Values{}},
     };
     Win32FileFacts facts;
@@ -84,9 +70,9 @@ TEST(FileFactsUnderWine, EveryValueOfTheFixtures) {
 
 TEST(FileFactsContract, Win32) {
     const std::string folder = wine::FreshFolder("facts-contract");
-    const std::string full = PlaceFixture("fixture_full.exe", folder, "fixture_full.exe");
-    const std::string bare = PlaceFixture("fixture_bare.exe", folder, "fixture_bare.exe");
-    const std::string longName = PlaceFixture("fixture_bare.exe", folder, "A very long file name.exe");
+    const std::string full = wine::PlaceFixture("fixture_full.exe", folder, "fixture_full.exe");
+    const std::string bare = wine::PlaceFixture("fixture_bare.exe", folder, "fixture_bare.exe");
+    const std::string longName = wine::PlaceFixture("fixture_bare.exe", folder, "A very long file name.exe");
     Win32FileFacts facts;
     contract::CheckFileFactsContract(facts, {folder, full, bare, longName, folder + "\\missing.exe", SizeOf(full)});
 }
@@ -246,7 +232,7 @@ struct Win32Ports {
 
 TEST(DeleteOnRebootUnderWine, NtFamilyQueuesTheShortPath) {
     const std::string folder = wine::FreshFolder("reboot-nt");
-    const std::string path = PlaceFixture("fixture_bare.exe", folder, "Running Long Program.exe");
+    const std::string path = wine::PlaceFixture("fixture_bare.exe", folder, "Running Long Program.exe");
     const std::string shortPath = ShortPathOf(path);
     ASSERT_NE(shortPath, path);
     Win32Ports w;
@@ -297,8 +283,8 @@ std::string ReadWinInit() {
 
 TEST(DeleteOnRebootUnderWine98, OlderFamilyWritesWinInit) {
     const std::string folder = wine::FreshFolder("reboot-9x");
-    const std::string first = PlaceFixture("fixture_bare.exe", folder, "First Long Program.exe");
-    const std::string second = PlaceFixture("fixture_bare.exe", folder, "Second Long Program.exe");
+    const std::string first = wine::PlaceFixture("fixture_bare.exe", folder, "First Long Program.exe");
+    const std::string second = wine::PlaceFixture("fixture_bare.exe", folder, "Second Long Program.exe");
     const std::string probe = "\"" + wine::TestFolder() + "\\reboot_delete_probe.exe\" ";
     DeleteFileA("C:\\windows\\WinInit.ini");
     const size_t pendingBefore = PendingRenames().size();

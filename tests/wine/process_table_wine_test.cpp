@@ -76,23 +76,6 @@ TEST(ProcessWalkUnderWine, EachFamilyGetsItsWalk) {
     EXPECT_GE(old.records.size(), 3u) << "Wine's own processes are there too";
 }
 
-}  // namespace
-}  // namespace corvane
-
-namespace corvane {
-namespace {
-
-std::string ReadFileBytes(const std::string& path) {
-    std::string text;
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return text;
-    char buffer[4096];
-    DWORD got = 0;
-    while (ReadFile(file, buffer, sizeof buffer, &got, nullptr) && got > 0) text.append(buffer, got);
-    CloseHandle(file);
-    return text;
-}
-
 // A name and a folder in Windows-1252 beyond ASCII reach the report byte for
 // byte, beside the German version strings of the fixture.
 TEST(ProcessReportUnderWine, WindowsCharactersRoundTripToTheConsoleReport) {
@@ -100,13 +83,9 @@ TEST(ProcessReportUnderWine, WindowsCharactersRoundTripToTheConsoleReport) {
     wine::FixtureProcess fixture(folder + "\\Caf\xE9 \xC6on.exe");
     ASSERT_TRUE(fixture.started());
     const std::string report = folder + "\\report.txt";
-    std::string exe = "Z:" + std::string(CORVANE_REPORT_EXE);
-    for (char& c : exe) {
-        if (c == '/') c = '\\';
-    }
-    const auto run = wine::Run("\"" + exe + "\" \"" + report + "\" /areas:process");
+    const auto run = wine::Run("\"" + wine::FromUnixPath(CORVANE_REPORT_EXE) + "\" \"" + report + "\" /areas:process");
     ASSERT_EQ(run.exitCode, 0u) << run.output;
-    const std::string text = ReadFileBytes(report);
+    const std::string text = wine::FileBytes(report);
     const std::string block = "File Name    : Caf\xE9 \xC6on.exe\r\n";
     const size_t at = text.find(block);
     ASSERT_NE(at, std::string::npos) << text;

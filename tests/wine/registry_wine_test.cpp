@@ -119,25 +119,6 @@ TEST_F(RegistryUnderWine, GetRegBinaryWantsExactly552Bytes) {
     EXPECT_EQ(missing.size(), 1u) << "Wine leaves the one-byte length of a missing value as it was";
 }
 
-TEST_F(RegistryUnderWine, MissingKeysAndValuesReadEmpty) {
-    const std::string missing = key + "\\NoSuchKey";
-    EXPECT_EQ(EnumRegValues(reg, kHKeyCurrentUser, missing).Count(), 0);
-    std::vector<std::string> names{"kept"};
-    EnumRegKeys(reg, kHKeyCurrentUser, missing, names);
-    EXPECT_EQ(names, std::vector<std::string>{"kept"});
-    EXPECT_EQ(GetRegString(reg, kHKeyCurrentUser, missing, "X"), "");
-    EXPECT_EQ(GetRegDword(reg, kHKeyCurrentUser, missing, "X"), 0);
-    Bytes bytes{7};
-    EXPECT_FALSE(GetRegBinary(reg, kHKeyCurrentUser, missing, "X", bytes));
-    EXPECT_EQ(bytes, Bytes{7});
-
-    Put("Other", kRegSz, std::string("x\0", 2));
-    EXPECT_EQ(GetRegString(reg, kHKeyCurrentUser, key, "X"), "");
-    EXPECT_EQ(GetRegDword(reg, kHKeyCurrentUser, key, "X"), 0);
-    EXPECT_EQ(EnumRegValues(reg, kHKeyCurrentUser, key).Find("X"), nullptr);
-    EXPECT_TRUE(prompts.shown.empty());
-}
-
 // The failures Wine can produce, with the system's own error texts.
 TEST_F(RegistryUnderWine, WritersReportTheSystemsReason) {
     Put("Item", kRegSz, std::string("x\0", 2));

@@ -1,5 +1,4 @@
-// CorvaneReport.exe as a real process under Wine, the clock's formats, and
-// the common dialogs of the prompts adapter driven as a user would.
+// CorvaneReport.exe as a real process under Wine, and the common dialogs of the prompts adapter driven as a user would.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -12,53 +11,18 @@
 
 #include "foundations/sys_info.h"
 #include "platform/win32/adapters.h"
-#include "platform/win32/clock_win32.h"
 #include "shell/report_cli.h"
 #include "wine/wine_support.h"
 
 namespace corvane {
 namespace {
 
-// ---- the clock ----
-
-TEST(ReportUnderWine, ClockFormatsOfTheUsLocale) {
-    Win32Clock clock;
-    EXPECT_EQ(clock.ShortDate({2026, 11, 1, 23, 7, 53, 31, 0}), "11/23/2026");
-    EXPECT_EQ(clock.LongTime({2026, 11, 1, 23, 7, 53, 31, 0}), "7:53:31 AM");
-    EXPECT_EQ(clock.LongTime({2026, 11, 1, 23, 19, 5, 0, 0}), "7:05:00 PM");
-    EXPECT_EQ(FormatGeneralDate(clock, {2026, 11, 1, 23, 0, 0, 0, 0}), "11/23/2026");
-    EXPECT_EQ(FormatGeneralDate(clock, {2026, 11, 1, 23, 0, 0, 1, 0}), "11/23/2026 12:00:01 AM");
-    const SystemTime now = clock.Now();
-    EXPECT_GE(now.year, 2024);
-    EXPECT_TRUE(now.month >= 1 && now.month <= 12);
-}
-
 // ---- CorvaneReport.exe ----
-
-// The build tree path of CorvaneReport.exe, as Wine's Z: drive shows it.
-std::string ReportExe() {
-    std::string path = "Z:" + std::string(CORVANE_REPORT_EXE);
-    for (char& c : path) {
-        if (c == '/') c = '\\';
-    }
-    return path;
-}
 
 struct Outcome {
     DWORD exitCode = ~0u;
     std::string out, err;
 };
-
-std::string ReadWhole(const std::string& path) {
-    std::string text;
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return text;
-    char buffer[4096];
-    DWORD got = 0;
-    while (ReadFile(file, buffer, sizeof buffer, &got, nullptr) && got > 0) text.append(buffer, got);
-    CloseHandle(file);
-    return text;
-}
 
 // Runs the program with standard output and standard error each to a file of
 // their own, so a test can tell the two apart.
@@ -75,7 +39,7 @@ Outcome RunReport(const std::string& arguments) {
     startup.hStdError = err;
     startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
     PROCESS_INFORMATION process{};
-    std::string line = "\"" + ReportExe() + "\" " + arguments;
+    std::string line = "\"" + wine::FromUnixPath(CORVANE_REPORT_EXE) + "\" " + arguments;
     Outcome outcome;
     if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process)) {
         if (WaitForSingleObject(process.hProcess, 60000) != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 99);
@@ -85,8 +49,8 @@ Outcome RunReport(const std::string& arguments) {
     }
     CloseHandle(out);
     CloseHandle(err);
-    outcome.out = ReadWhole(outPath);
-    outcome.err = ReadWhole(errPath);
+    outcome.out = wine::FileBytes(outPath);
+    outcome.err = wine::FileBytes(errPath);
     DeleteFileA(outPath.c_str());
     DeleteFileA(errPath.c_str());
     return outcome;
@@ -159,7 +123,7 @@ TEST(ReportUnderWine, WritesTheReport) {
         EXPECT_EQ(run.exitCode, 0u) << c.what << "\n" << run.err;
         EXPECT_EQ(run.out, "") << c.what;
         EXPECT_EQ(run.err, "") << c.what;
-        ExpectBanner(ReadWhole(file), c.what);
+        ExpectBanner(wine::FileBytes(file), c.what);
         EXPECT_EQ(Names(folder), std::vector<std::string>{"full report.txt"}) << c.what << ": no temporary file";
     }
 }

@@ -11,13 +11,6 @@
 namespace corvane {
 namespace {
 
-std::string UnixToWindows(std::string path) {
-    for (char& c : path) {
-        if (c == '/') c = '\\';
-    }
-    return "Z:" + path;
-}
-
 struct Process {
     PROCESS_INFORMATION info{};
     explicit Process(const std::string& exe) {
@@ -58,7 +51,7 @@ int CountMainWindows() {
 TEST(SingleInstanceUnderWine, SecondStartRestoresTheFirst) {
     const std::string folder = wine::FreshFolder("single-instance");
     const std::string exe = folder + "\\Corvane.exe";
-    ASSERT_TRUE(CopyFileA(UnixToWindows(CORVANE_EXE).c_str(), exe.c_str(), FALSE));
+    ASSERT_TRUE(CopyFileA(wine::FromUnixPath(CORVANE_EXE).c_str(), exe.c_str(), FALSE));
 
     Process first(exe);
     ASSERT_NE(first.info.hProcess, nullptr);

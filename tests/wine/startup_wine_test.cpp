@@ -171,9 +171,7 @@ TEST(StartupUnderWine, DisableThenEnableGivesBackTheValueAndTheShortcutByteForBy
 TEST(StartupUnderWine, TheConsoleReportWritesTheSameRows) {
     wine::StartupMachine machine;
     machine.Setup();
-    const std::string exe = "Z:" + std::string(CORVANE_REPORT_EXE);
-    std::string exeWin = exe;
-    for (char& c : exeWin) c = c == '/' ? '\\' : c;
+    const std::string exeWin = wine::FromUnixPath(CORVANE_REPORT_EXE);
     const std::string file = wine::FreshFolder("startup-report") + "\\report.txt";
     const wine::RunResult run = wine::Run("\"" + exeWin + "\" /areas:startup \"" + file + "\"");
     ASSERT_EQ(run.exitCode, 0u) << run.output;

@@ -18,7 +18,6 @@ namespace corvane {
 namespace {
 
 struct Seen {
-    std::string caption;
     std::map<int, std::string> texts;
     HICON icon = nullptr;
     RECT frame{};
@@ -47,8 +46,6 @@ void CALLBACK ReadAndClose(HWND, UINT, UINT_PTR timer, DWORD) {
     Seen& seen = *g_seen;
     seen.found = true;
     char text[1024];
-    GetWindowTextA(dialog, text, sizeof text);
-    seen.caption = text;
     for (int id = IDC_VIEWINFO_ICON; id <= IDC_VIEWINFO_DESCRIPTION + IDC_VIEWINFO_CAPTION_OFFSET; ++id) {
         if (!GetDlgItem(dialog, id)) continue;
         text[0] = '\0';
@@ -90,29 +87,14 @@ Seen ShowAndRead(const std::string& path, const std::string& size, const std::st
     return seen;
 }
 
-std::string PlaceFixture(const std::string& fixture, const std::string& name) {
-    const std::string path = wine::FreshFolder("view-info-" + name) + "\\" + name;
-    CopyFileA((wine::TestFolder() + "\\" + fixture).c_str(), path.c_str(), FALSE);
-    HANDLE file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const SYSTEMTIME noon{2003, 1, 5, 31, 12, 0, 0, 0};
-    FILETIME time;
-    SystemTimeToFileTime(&noon, &time);
-    SetFileTime(file, &time, nullptr, &time);
-    CloseHandle(file);
-    return path;
-}
-
 TEST(GuiViewInfo, EveryFieldOfAFileWithFullVersionResource) {
-    const std::string path = PlaceFixture("fixture_full.exe", "Pruefprogramm.exe");
+    const std::string path = wine::PlaceFixture("fixture_full.exe", wine::FreshFolder("view-info-full"), "Pruefprogramm.exe");
     const Seen seen = ShowAndRead(path, "52.0", "Pruefprogramm.exe");
-    EXPECT_EQ(seen.caption, "View Information");
+    // The labels are the resource's own text; the values are what the code puts there.
     const std::map<int, std::string> expected = {
         {IDC_VIEWINFO_NAME, "Pruefprogramm.exe"},
-        {IDC_VIEWINFO_SIZE_CAPTION, "Size (KB):"},
         {IDC_VIEWINFO_SIZE, "52.0"},
-        {IDC_VIEWINFO_CREATED_CAPTION, "Created on: "},
         {IDC_VIEWINFO_CREATED, "01/31/2003"},
-        {IDC_VIEWINFO_VERSION_CAPTION, "Version:"},
         {IDC_VIEWINFO_VERSION, "2.5.1.7"},
         {IDC_VIEWINFO_PATH, path},
         {IDC_VIEWINFO_INTERNALNAME, ""},
@@ -123,16 +105,6 @@ TEST(GuiViewInfo, EveryFieldOfAFileWithFullVersionResource) {
         {IDC_VIEWINFO_TRADEMARKS, ""},
         {IDC_VIEWINFO_COMMENTS, ""},
         {IDC_VIEWINFO_DESCRIPTION, "Pr\xFC" "fprogramm f\xFCr Tests"},
-        {IDC_VIEWINFO_OK, "OK"},
-        {IDC_VIEWINFO_PATH + IDC_VIEWINFO_CAPTION_OFFSET, "Path:"},
-        {IDC_VIEWINFO_INTERNALNAME + IDC_VIEWINFO_CAPTION_OFFSET, "Internal Name:"},
-        {IDC_VIEWINFO_ORIGINALNAME + IDC_VIEWINFO_CAPTION_OFFSET, "Original Name:"},
-        {IDC_VIEWINFO_COMPANYNAME + IDC_VIEWINFO_CAPTION_OFFSET, "Company Name:"},
-        {IDC_VIEWINFO_PRODUCTNAME + IDC_VIEWINFO_CAPTION_OFFSET, "Product Name:"},
-        {IDC_VIEWINFO_COPYRIGHT + IDC_VIEWINFO_CAPTION_OFFSET, "Legal Copyright:"},
-        {IDC_VIEWINFO_TRADEMARKS + IDC_VIEWINFO_CAPTION_OFFSET, "Legal Trademarks:"},
-        {IDC_VIEWINFO_COMMENTS + IDC_VIEWINFO_CAPTION_OFFSET, "Comments:"},
-        {IDC_VIEWINFO_DESCRIPTION + IDC_VIEWINFO_CAPTION_OFFSET, "Description:"},
     };
     for (const auto& [id, text] : expected) {
         ASSERT_TRUE(seen.texts.count(id)) << "control " << id;
@@ -153,7 +125,7 @@ TEST(GuiViewInfo, EveryFieldOfAFileWithFullVersionResource) {
 }
 
 TEST(GuiViewInfo, WhatIsLeftWhenTheFileHasNoResourcesOrIsGone) {
-    const std::string bare = PlaceFixture("fixture_bare.exe", "bare.exe");
+    const std::string bare = wine::PlaceFixture("fixture_bare.exe", wine::FreshFolder("view-info-bare"), "bare.exe");
     const std::string gone = "C:\\corvane-tests\\view-info-gone\\gone.exe";
     const struct {
         std::string path, created;

@@ -141,4 +141,35 @@ ScopedWineVersion::~ScopedWineVersion() {
     RegCloseKey(key);
 }
 
+std::string FileBytes(const std::string& path) {
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return {};
+    std::string bytes(GetFileSize(file, nullptr), '\0');
+    DWORD got = 0;
+    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &got, nullptr);
+    CloseHandle(file);
+    bytes.resize(got);
+    return bytes;
+}
+
+std::string FromUnixPath(const std::string& path) {
+    std::string windows = "Z:" + path;
+    for (char& c : windows) {
+        if (c == '/') c = '\\';
+    }
+    return windows;
+}
+
+std::string PlaceFixture(const std::string& fixture, const std::string& folder, const std::string& name) {
+    const std::string path = folder + "\\" + name;
+    CopyFileA((TestFolder() + "\\" + fixture).c_str(), path.c_str(), FALSE);
+    HANDLE file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const SYSTEMTIME noon{2003, 1, 5, 31, 12, 0, 0, 0};
+    FILETIME time;
+    SystemTimeToFileTime(&noon, &time);
+    SetFileTime(file, &time, nullptr, &time);
+    CloseHandle(file);
+    return path;
+}
+
 }  // namespace corvane::wine

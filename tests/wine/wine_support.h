@@ -21,6 +21,16 @@ RunResult Run(const std::string& commandLine, unsigned long timeoutMs = 60000);
 // Imports a .reg file with regedit /s; false when regedit fails.
 bool ImportRegFile(const std::string& path);
 
+// The whole content of a file; empty when it cannot be read.
+std::string FileBytes(const std::string& path);
+
+// A path of the build tree as Wine's Z: drive shows it.
+std::string FromUnixPath(const std::string& path);
+
+// Copies a fixture program into `folder` under `name`, created and last
+// written on 31 January 2003 at noon UTC, so its date column is known.
+std::string PlaceFixture(const std::string& fixture, const std::string& folder, const std::string& name);
+
 // Saves a shortcut file through the shell's link object (IShellLinkA and
 // IPersistFile): target, arguments and, when `iconFile` is not empty, an icon.
 bool MakeShortcut(const std::string& path, const std::string& target, const std::string& arguments = "",
