@@ -107,7 +107,7 @@ std::string PathFolder(const std::string& path) {
 
 std::string PathFileName(const std::string& path) {
     const size_t slash = path.find_last_of('\\');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
+    return slash == std::string::npos || slash == 0 ? path : path.substr(slash + 1);
 }
 
 }  // namespace corvane

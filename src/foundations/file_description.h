@@ -67,8 +67,9 @@ std::string FormatShortDate(const SystemTime& time, const std::string& separator
 // locale's decimal sign: 1536 -> "1.5".
 std::string FormatKilobytes(uint64_t bytes, const std::string& decimalSign);
 
-// A Folder column is the path up to and including its last backslash; the
-// file name is what follows it.
+// A Folder column is the path up to and including its last backslash (empty
+// without one); the file name is what follows it, or the whole path when its
+// only backslash is the first character.
 std::string PathFolder(const std::string& path);
 std::string PathFileName(const std::string& path);
 

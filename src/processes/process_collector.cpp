@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "foundations/file_description.h"
 #include "foundations/functions.h"
 
 namespace corvane {
@@ -80,16 +81,6 @@ std::string dropLastChar(const std::string& text) {
     return text.empty() ? text : text.substr(0, text.size() - 1);
 }
 
-std::string ProcessName(const std::string& path) {
-    const size_t slash = path.find_last_of('\\');
-    return slash == std::string::npos || slash == 0 ? path : path.substr(slash + 1);
-}
-
-std::string ProcessFolder(const std::string& path) {
-    const size_t slash = path.find_last_of('\\');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
 namespace {
 
 ProcessRow BuildRow(ProcessSources& sources, clsProcess& objFileInfo, const ReferenceLists& lists,
@@ -110,7 +101,7 @@ ProcessRow BuildRow(ProcessSources& sources, clsProcess& objFileInfo, const Refe
         row.cells[kColProduct] = objFileInfo.getItem(kProductName);
         row.cells[kColDescription] = objFileInfo.getItem(kFileDescription);
     }
-    row.cells[kColPath] = ProcessFolder(path);
+    row.cells[kColPath] = PathFolder(path);
     row.suspicious = suspicious;
     return row;
 }
@@ -132,7 +123,7 @@ std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, clsProcess& 
     rows.reserve(std::min(records.size(), kMaxProcessRows));
     for (const ProcessRecord& record : records) {
         if (rows.size() >= kMaxProcessRows) break;
-        const std::string name = ProcessName(record.path);
+        const std::string name = PathFileName(record.path);
         const std::string lower = LowerAnsi(name);
         if (options.blnFiltered &&
             (isListedProcess(lists.colSystemProcess, lower) || isListedProcess(lists.colCommonProcess, lower))) {

@@ -42,11 +42,6 @@ std::vector<ProcessRecord> WalkProcesses(ProcessTable& table, const std::string&
 
 std::string dropLastChar(const std::string& text);
 
-// The row's name: what stands behind the last backslash when that backslash
-// is not the first character; the whole path otherwise.
-std::string ProcessName(const std::string& path);
-// The row's folder: the path up to and including its last backslash; empty without one.
-std::string ProcessFolder(const std::string& path);
 
 // The columns of the list, in order: the row's text and sub-items 1 to 6.
 inline constexpr std::array<const char*, 7> kProcessColumns = {

@@ -100,9 +100,7 @@ void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupLis
 
     bool suspicious = false;
     if (exists) {
-        const size_t slash = path.find_last_of('\\');
-        const size_t s = slash == std::string::npos ? 0 : slash + 1;  // 1-based, 0 for none
-        const std::string fileName = s >= 2 ? path.substr(s) : path;
+        const std::string fileName = PathFileName(path);
         suspicious = isListedProcess(places.suspectList, LowerAnsi(fileName));
         OneSearch facts(sources.facts);
         clsProcess info(facts, sources.clock);
@@ -118,7 +116,7 @@ void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupLis
         row.cells[kStartupColCompany] = info.getItem(kCompanyName);
         row.cells[kStartupColProduct] = info.getItem(kProductName);
         row.cells[kStartupColDescription] = info.getItem(kFileDescription);
-        row.cells[kStartupColPath] = path.substr(0, s);
+        row.cells[kStartupColPath] = PathFolder(path);
     }
     row.mark = MarkOf(suspicious, enabled);
     list.rows.push_back(std::move(row));

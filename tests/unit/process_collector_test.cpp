@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "foundations/file_description.h"
+
 #include "contract/process_table_contract.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_file_facts.h"
@@ -128,8 +130,8 @@ TEST(ProcessWalk, NameAndFolderOfAPath) {
         {"C:\\a b\\name with blank.exe", "name with blank.exe", "C:\\a b\\"},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(ProcessName(c.path), c.name) << c.path;
-        EXPECT_EQ(ProcessFolder(c.path), c.folder) << c.path;
+        EXPECT_EQ(PathFileName(c.path), c.name) << c.path;
+        EXPECT_EQ(PathFolder(c.path), c.folder) << c.path;
     }
 }
 
