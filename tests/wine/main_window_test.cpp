@@ -11,34 +11,19 @@
 #include "res/resource.h"
 #include "shell/app_context.h"
 #include "shell/main_window.h"
+#include "wine/gui_support.h"
 #include "ui/list_view.h"
 #include "ui/skin.h"
 
 namespace corvane {
 namespace {
 
-void Pump() {
-    MSG msg;
-    for (int round = 0; round < 3; ++round) {
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&msg);
-            DispatchMessageA(&msg);
-        }
-        Sleep(10);
-    }
-}
+using wine::Pump;
 
 class MainWindowUnderWine : public ::testing::Test {
 protected:
     void SetUp() override {
-        static bool registered = false;
-        if (!registered) {
-            InitApp(GetModuleHandleA(nullptr));
-            INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
-            InitCommonControlsEx(&controls);
-            RegisterMainClasses(App().instance);
-            registered = true;
-        }
+        wine::InitGuiOnce();
         App().shell = &shell_;
         appWindow_ = CreateAppWindow(App().instance);
         form_ = frmMain::Create(appWindow_);

@@ -18,6 +18,7 @@
 #include "res/resource.h"
 #include "shell/app_context.h"
 #include "shell/main_window.h"
+#include "wine/gui_support.h"
 #include "shell/popup_menus.h"
 #include "startup/startup_pane.h"
 #include "ui/list_view.h"
@@ -27,16 +28,7 @@
 namespace corvane {
 namespace {
 
-void Pump() {
-    MSG msg;
-    for (int round = 0; round < 3; ++round) {
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&msg);
-            DispatchMessageA(&msg);
-        }
-        Sleep(10);
-    }
-}
+using wine::Pump;
 
 struct Tracked {
     HMENU menu;
@@ -94,14 +86,7 @@ std::set<int> DisabledItems(HMENU menu) {
 class PopupMenusUnderWine : public ::testing::Test {
 protected:
     void SetUp() override {
-        static bool registered = false;
-        if (!registered) {
-            InitApp(GetModuleHandleA(nullptr));
-            INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
-            InitCommonControlsEx(&controls);
-            RegisterMainClasses(App().instance);
-            registered = true;
-        }
+        wine::InitGuiOnce();
         machine_.Setup();
         savedPath_ = App().appPath;
         App().appPath = machine_.app;

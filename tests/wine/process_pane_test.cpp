@@ -18,6 +18,7 @@
 #include "res/resource.h"
 #include "shell/app_context.h"
 #include "shell/main_window.h"
+#include "wine/gui_support.h"
 #include "ui/list_view.h"
 #include "wine/fixture_process.h"
 #include "wine/wine_support.h"
@@ -73,30 +74,14 @@ std::string DataFolder() {
     return path;
 }
 
-void Pump() {
-    MSG msg;
-    for (int round = 0; round < 3; ++round) {
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&msg);
-            DispatchMessageA(&msg);
-        }
-        Sleep(10);
-    }
-}
+using wine::Pump;
 
 class ProcessPaneUnderWine : public ::testing::Test {
 protected:
     static constexpr const char* kUnknown = "unlisted fixture.exe";
 
     void SetUp() override {
-        static bool registered = false;
-        if (!registered) {
-            InitApp(GetModuleHandleA(nullptr));
-            INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
-            InitCommonControlsEx(&controls);
-            RegisterMainClasses(App().instance);
-            registered = true;
-        }
+        wine::InitGuiOnce();
         savedAppPath_ = App().appPath;
         app_ = wine::FreshFolder("process-pane-app");
         procs_ = wine::FreshFolder("process-pane-procs");

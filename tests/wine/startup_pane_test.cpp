@@ -10,6 +10,7 @@
 #include "res/resource.h"
 #include "shell/app_context.h"
 #include "shell/main_window.h"
+#include "wine/gui_support.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_pane.h"
 #include "ui/list_view.h"
@@ -19,16 +20,7 @@
 namespace corvane {
 namespace {
 
-void Pump() {
-    MSG msg;
-    for (int round = 0; round < 3; ++round) {
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&msg);
-            DispatchMessageA(&msg);
-        }
-        Sleep(10);
-    }
-}
+using wine::Pump;
 
 void WriteFile(const std::string& path, const std::string& bytes) {
     HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -73,14 +65,7 @@ void CALLBACK ReadDetailAndClose(HWND, UINT, UINT_PTR timer, DWORD) {
 class StartupPaneUnderWine : public ::testing::Test {
 protected:
     void SetUp() override {
-        static bool registered = false;
-        if (!registered) {
-            InitApp(GetModuleHandleA(nullptr));
-            INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
-            InitCommonControlsEx(&controls);
-            RegisterMainClasses(App().instance);
-            registered = true;
-        }
+        wine::InitGuiOnce();
         machine_.Setup();
         savedPath_ = App().appPath;
         App().appPath = machine_.app;
