@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/fixture_files.h"
 #include "bench/harness.h"
 #include "foundations/file_description.h"
 #include "platform/win32/clock_win32.h"
@@ -20,35 +21,11 @@ using namespace corvane::bench;
 
 namespace {
 
-std::string ExeFolder() {
-    char path[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    std::string folder = path;
-    return folder.substr(0, folder.find_last_of('\\'));
-}
-
-// Copies of the three fixture programs under distinct names, so no file is
-// read twice in a run from a cache of the calls' own.
-std::vector<std::string> MakeFiles(int count) {
-    const std::string fixtures = ExeFolder() + "\\..\\tests\\";
-    const char* kinds[] = {"fixture_full.exe", "fixture_noicon.exe", "fixture_bare.exe"};
-    const std::string folder = "C:\\corvane-bench-files";
-    CreateDirectoryA(folder.c_str(), nullptr);
-    std::vector<std::string> files;
-    for (int i = 0; i < count; ++i) {
-        const std::string path = folder + "\\program " + std::to_string(i) + ".exe";
-        if (!CopyFileA((fixtures + kinds[i % 3]).c_str(), path.c_str(), FALSE)) {
-            std::fprintf(stderr, "cannot copy %s%s to %s\n", fixtures.c_str(), kinds[i % 3], path.c_str());
-            std::exit(1);
-        }
-        files.push_back(path);
-    }
-    return files;
-}
+constexpr const char* kFolder = "C:\\corvane-bench-files";
 
 void RemoveFiles(const std::vector<std::string>& files) {
     for (const std::string& file : files) DeleteFileA(file.c_str());
-    RemoveDirectoryA("C:\\corvane-bench-files");
+    RemoveDirectoryA(kFolder);
 }
 
 constexpr const char* kNames[12] = {"ProductName",  "ProductVersion",   "FileDescription", "FileVersion",
@@ -120,7 +97,7 @@ Measurement Summarise(std::vector<Measurement> runs) {
 int main(int argc, char** argv) {
     ParseArgs(argc, argv);
     const int count = QuickMode() ? 30 : 1000;
-    const std::vector<std::string> files = MakeFiles(count);
+    const std::vector<std::string> files = CopyFixturePrograms(kFolder, count);
     Win32FileFacts facts;
     Win32Clock clock;
 

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/fixture_files.h"
 #include "bench/harness.h"
 #include "fakes/fake_process_table.h"
 #include "processes/process_pane.h"
@@ -27,31 +28,6 @@ namespace {
 
 constexpr const char* kFolder = "C:\\corvane-bench-procs";
 constexpr int kDistinctFiles = 300;
-
-std::string ExeFolder() {
-    char path[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    std::string folder = path;
-    return folder.substr(0, folder.find_last_of('\\'));
-}
-
-// Copies of the three fixture programs under distinct names; more processes
-// than files run the same files again, as a machine does.
-std::vector<std::string> MakeFiles(int count) {
-    const std::string fixtures = ExeFolder() + "\\..\\tests\\";
-    const char* kinds[] = {"fixture_full.exe", "fixture_noicon.exe", "fixture_bare.exe"};
-    CreateDirectoryA(kFolder, nullptr);
-    std::vector<std::string> files;
-    for (int i = 0; i < count; ++i) {
-        const std::string path = std::string(kFolder) + "\\program " + std::to_string(i) + ".exe";
-        if (!CopyFileA((fixtures + kinds[i % 3]).c_str(), path.c_str(), FALSE)) {
-            std::fprintf(stderr, "cannot copy %s%s to %s\n", fixtures.c_str(), kinds[i % 3], path.c_str());
-            std::exit(1);
-        }
-        files.push_back(path);
-    }
-    return files;
-}
 
 void CopyLists() {
     std::string data = ExeFolder() + "\\..\\src\\";
@@ -217,7 +193,7 @@ Measurement Summarise(std::vector<Measurement> runs) {
 int main(int argc, char** argv) {
     ParseArgs(argc, argv);
     const bool quick = QuickMode();
-    const std::vector<std::string> files = MakeFiles(quick ? 30 : kDistinctFiles);
+    const std::vector<std::string> files = CopyFixturePrograms(kFolder, quick ? 30 : kDistinctFiles);
     CopyLists();
 
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES};

@@ -22,6 +22,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/fixture_files.h"
 #include "bench/harness.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
@@ -42,13 +43,6 @@ namespace {
 constexpr const char* kRunKey = "Software\\CorvaneBench\\Run";
 constexpr const char* kRoot = "C:\\corvane-bench-startup";
 constexpr int kPrograms = 30;  // distinct existing programs
-
-std::string ExeFolder() {
-    char path[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    std::string folder = path;
-    return folder.substr(0, folder.find_last_of('\\'));
-}
 
 std::string Program(int k) { return std::string(kRoot) + "\\files\\program " + std::to_string(k) + ".exe"; }
 
@@ -89,9 +83,7 @@ void MakeItems(int values, int shortcuts) {
     RemoveFolder(kRoot);
     CreateDirectoryA(kRoot, nullptr);
     for (const char* sub : {"\\files", "\\LM", "\\CU", "\\app"}) CreateDirectoryA((std::string(kRoot) + sub).c_str(), nullptr);
-    const std::string fixtures = ExeFolder() + "\\..\\tests\\";
-    const char* kinds[] = {"fixture_full.exe", "fixture_noicon.exe", "fixture_bare.exe"};
-    for (int k = 0; k < kPrograms; ++k) CopyFileA((fixtures + kinds[k % 3]).c_str(), Program(k).c_str(), FALSE);
+    CopyFixturePrograms(std::string(kRoot) + "\\files", kPrograms);
 
     HKEY keys[2];
     RegCreateKeyExA(HKEY_LOCAL_MACHINE, kRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &keys[0], nullptr);

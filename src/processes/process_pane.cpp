@@ -149,11 +149,16 @@ void frmProcess::lstvProcess_ColumnClick(int column) {
     ApplySort();
 }
 
-void frmProcess::lstvProcess_ItemClick(int item) {
+std::pair<bool, bool> frmProcess::FolderAndFileExist(int item) const {
     const std::string folder = GetItemText(lstvProcess_, item, kColPath);
     FileFacts& facts = *App().facts;
-    Enable(IDC_CMDOPEN, facts.Exists(folder));
-    Enable(IDC_CMDDELETE, facts.Exists(folder + GetItemText(lstvProcess_, item, kColName)));
+    return {facts.Exists(folder), facts.Exists(folder + GetItemText(lstvProcess_, item, kColName))};
+}
+
+void frmProcess::lstvProcess_ItemClick(int item) {
+    const auto [folder, file] = FolderAndFileExist(item);
+    Enable(IDC_CMDOPEN, folder);
+    Enable(IDC_CMDDELETE, file);
 }
 
 std::optional<SelectedProcess> frmProcess::Selected() const {
@@ -275,12 +280,9 @@ HMENU frmProcess::PopupMenuToShow() {
     if (!rows) return menu;
     // With rows but none selected there is no path, and both stay off.
     const int item = GetSelectedItem(lstvProcess_);
-    FileFacts& facts = *App().facts;
-    const std::string folder = item < 0 ? std::string() : GetItemText(lstvProcess_, item, kColPath);
-    if (item < 0 || !facts.Exists(folder)) frmMenu::Enable(menu, IDM_MNUOPEN, false);
-    if (item < 0 || !facts.Exists(folder + GetItemText(lstvProcess_, item, kColName))) {
-        frmMenu::Enable(menu, IDM_MNUDELETE, false);
-    }
+    const auto [folder, file] = item < 0 ? std::pair{false, false} : FolderAndFileExist(item);
+    if (!folder) frmMenu::Enable(menu, IDM_MNUOPEN, false);
+    if (!file) frmMenu::Enable(menu, IDM_MNUDELETE, false);
     return menu;
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundations/file_description.h"
@@ -63,6 +64,8 @@ private:
     void OnCommand(int id, int code);
     void ApplySort();
     std::optional<SelectedProcess> Selected() const;
+    // Whether the folder of row `item`, and its file, exist now (Open Folder, Delete).
+    std::pair<bool, bool> FolderAndFileExist(int item) const;
     std::vector<std::string> CheckedNames() const;
     ProcessCommandPorts CommandPorts() const;
     void Enable(int id, bool enabled);
