@@ -18,8 +18,8 @@
 #include "fakes/fake_process_table.h"
 #include "processes/process_pane.h"
 #include "res/resource.h"
-#include "shell/app_context.h"
-#include "shell/panes.h"
+#include "ui/app_context.h"
+#include "ui/pane.h"
 
 using namespace corvane;
 using namespace corvane::bench;

@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Check(corvane::AddToSafeList(files, kApp, {name}) == corvane::kNoError);
     const std::vector<std::string> added = Listed(files);
     if (!entry.empty()) {
-        Check(corvane::isListedProcess(added, entry) || added.size() > corvane::kMaxListEntries);
+        Check(corvane::isListedProcess(added, entry) || added.size() > corvane::kMaxRows);
         Check(std::count(added.begin(), added.end(), entry) == std::max<std::ptrdiff_t>(
                   1, std::count(before.begin(), before.end(), entry)));
     }

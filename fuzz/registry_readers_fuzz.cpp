@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "applications/slow_info_cache.h"
 #include "fakes/fake_registry.h"
 #include "foundations/functions.h"
 #include "foundations/registry.h"
@@ -107,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                              ? DwordFromBytes(std::span(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()))
                              : 0));
         std::vector<uint8_t> binary;
-        Check(GetRegBinary(reg, kHKeyCurrentUser, kKey, entry.name, binary) == (bytes.size() == 552));
+        Check(GetRegBinary(reg, kHKeyCurrentUser, kKey, entry.name, binary, kSlowInfoCacheSize) == (bytes.size() == kSlowInfoCacheSize));
         Check(std::string(binary.begin(), binary.end()) == bytes);
     }
 

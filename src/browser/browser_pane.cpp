@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include "res/resource.h"
-#include "shell/panes.h"
+#include "ui/pane.h"
 #include "ui/skin.h"
 
 namespace corvane {

@@ -1,7 +1,7 @@
 #include "foundations/delete_on_reboot.h"
 
 #include "foundations/functions.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 

@@ -100,14 +100,4 @@ std::string FormatKilobytes(uint64_t bytes, const std::string& decimalSign) {
     return std::to_string(tenths / 10) + decimalSign + std::to_string(tenths % 10);
 }
 
-std::string PathFolder(const std::string& path) {
-    const size_t slash = path.find_last_of('\\');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
-std::string PathFileName(const std::string& path) {
-    const size_t slash = path.find_last_of('\\');
-    return slash == std::string::npos || slash == 0 ? path : path.substr(slash + 1);
-}
-
 }  // namespace corvane

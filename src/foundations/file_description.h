@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/clock.h"
+#include "foundations/text.h"
 #include "platform/file_facts.h"
 
 namespace corvane {
@@ -66,11 +67,5 @@ std::string FormatShortDate(const SystemTime& time, const std::string& separator
 // A size column: bytes / 1024 with one decimal, rounded half up, with the
 // locale's decimal sign: 1536 -> "1.5".
 std::string FormatKilobytes(uint64_t bytes, const std::string& decimalSign);
-
-// A Folder column is the path up to and including its last backslash (empty
-// without one); the file name is what follows it, or the whole path when its
-// only backslash is the first character.
-std::string PathFolder(const std::string& path);
-std::string PathFileName(const std::string& path);
 
 }  // namespace corvane

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "foundations/functions.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 
@@ -15,8 +15,6 @@ constexpr uint32_t kValueNameChars = 260;
 constexpr uint32_t kLongestValueName = 16384;
 constexpr uint32_t kFirstDataSize = 4096;
 constexpr uint32_t kKeyNameChars = 255;
-// The size of the cache record of an installed application.
-constexpr size_t kBinaryRecordSize = 552;
 
 constexpr const char* kLineBreak = "\r\n";
 
@@ -145,7 +143,7 @@ int32_t GetRegDword(Registry& registry, RegKey hive, const std::string& keyPath,
 }
 
 bool GetRegBinary(Registry& registry, RegKey hive, const std::string& keyPath, const std::string& valueName,
-                  std::vector<uint8_t>& bytes) {
+                  std::vector<uint8_t>& bytes, size_t recordSize) {
     RegKey key = 0;
     if (registry.OpenKey(hive, keyPath, kKeyRead, key) != kRegOk) return false;
     // A one-byte try leaves in `size` what the value needs, or 1 when it is missing.
@@ -156,7 +154,7 @@ bool GetRegBinary(Registry& registry, RegKey hive, const std::string& keyPath, c
     bytes.assign(size, 0);
     const RegError result = registry.QueryValue(key, valueName, &type, bytes.data(), &size);
     registry.CloseKey(key);
-    return result == kRegOk && bytes.size() == kBinaryRecordSize;
+    return result == kRegOk && bytes.size() == recordSize;
 }
 
 bool SaveRegString(Registry& registry, Prompts& prompts, SystemInfo& system, RegKey hive,

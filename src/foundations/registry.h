@@ -77,10 +77,10 @@ std::string GetRegString(Registry& registry, RegKey hive, const std::string& key
                          const std::string& valueName);
 // 0 when missing, as for a stored 0.
 int32_t GetRegDword(Registry& registry, RegKey hive, const std::string& keyPath, const std::string& valueName);
-// Fills `bytes` with the value's data; true only for data of exactly 552 bytes,
-// the size of the one record the program reads this way.
+// Fills `bytes` with the value's data; true only for data of exactly
+// `recordSize` bytes, the size of the record the caller reads this way.
 bool GetRegBinary(Registry& registry, RegKey hive, const std::string& keyPath, const std::string& valueName,
-                  std::vector<uint8_t>& bytes);
+                  std::vector<uint8_t>& bytes, size_t recordSize);
 
 // Writers: on failure a critical message box, then false.
 // Creates the key and any missing key above it, and sets a REG_SZ value. True

@@ -2,7 +2,7 @@
 
 #include "foundations/functions.h"
 #include "foundations/sys_info.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 
@@ -28,18 +28,10 @@ std::string ReportBanner(SystemInfo& system, Clock& clock, const std::string& ti
     return text;
 }
 
-std::string ErrorDescription(SystemInfo& system, SysError error) {
-    std::string text = FormatApiError(system, static_cast<int32_t>(error));
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-    if (text.empty()) text = "System error " + std::to_string(error) + ".";
-    return text;
-}
-
 bool printHeader(ReportPorts& ports, const std::string& file, const std::string& title) {
     const std::string banner = ReportBanner(ports.system, ports.clock, title);
     if (const SysError error = ports.files.Write(file, banner)) {
-        ports.prompts.Message("Error Occurred printHeader: \r\n" + ErrorDescription(ports.system, error),
-                              kAppTitle, PromptIcon::Information, PromptButtons::Ok);
+        ShowErrorOccurred(ports.prompts, "printHeader", ErrorDescription(ports.system, error));
         return false;
     }
     return true;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "foundations/error_message.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
 #include "platform/prompts.h"
@@ -29,9 +30,6 @@ inline constexpr const char* kReportFileFilter = "Text File (*.txt)|*.txt";
 // version, the present date and time, and the machine's identity as sysInfo
 // gives it now.
 std::string ReportBanner(SystemInfo& system, Clock& clock, const std::string& title);
-
-// The system's words for an error, without the line break the system ends them with.
-std::string ErrorDescription(SystemInfo& system, SysError error);
 
 // Makes `file` anew, replacing any file of that name, and writes the banner.
 // A failure is shown to the user ("Error Occurred printHeader: " and the

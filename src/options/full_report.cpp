@@ -1,31 +1,22 @@
 #include "options/full_report.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "processes/process_report.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
+#include "foundations/text.h"
 #include "startup/startup_report.h"
 
 namespace corvane {
 
 namespace {
 
-bool SameText(const std::string& a, const std::string& b) {
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
-               return std::tolower(x) == std::tolower(y);
-           });
-}
-
 // Written under an area's heading when its block turns out empty.
 constexpr const char* kNothingListed = "(nothing listed)\r\n";
 
 bool AppendOrSay(FullReportPlatform& platform, const std::string& file, const std::string& text) {
     if (const SysError error = platform.report.files.Append(file, text)) {
-        platform.report.prompts.Message(
-            "Error Occurred Full printReport: \r\n" + ErrorDescription(platform.report.system, error), kAppTitle,
-            PromptIcon::Information, PromptButtons::Ok);
+        ShowErrorOccurred(platform.report.prompts, "Full printReport", ErrorDescription(platform.report.system, error));
         return false;
     }
     return true;
@@ -51,7 +42,7 @@ const std::vector<ReportArea>& FullReportAreas() {
 
 const ReportArea* FindReportArea(const std::vector<ReportArea>& areas, const std::string& name) {
     for (const ReportArea& area : areas) {
-        if (SameText(area.name, name)) return &area;
+        if (SameTextIgnoringCase(area.name, name)) return &area;
     }
     return nullptr;
 }
@@ -62,7 +53,7 @@ bool WriteFullReportBody(FullReportPlatform& platform, const std::string& file,
     for (const ReportArea& area : areas) {
         if (!area.write) continue;
         const bool wanted = std::any_of(chosen.begin(), chosen.end(),
-                                        [&](const std::string& name) { return SameText(name, area.name); });
+                                        [&](const std::string& name) { return SameTextIgnoringCase(name, area.name); });
         if (!wanted) continue;
         if (!first && !AppendOrSay(platform, file, "\r\n")) return false;
         first = false;

@@ -7,30 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "foundations/report_banner.h"
-#include "platform/environment.h"
-#include "platform/file_facts.h"
-#include "platform/process_table.h"
-#include "platform/registry.h"
-#include "platform/shortcuts.h"
+#include "foundations/report_area.h"
 
 namespace corvane {
-
-// What the full report collects from. Each area adds the ports it reads here.
-struct FullReportPlatform {
-    explicit FullReportPlatform(ReportPorts& ports) : report(ports) {}
-    ReportPorts& report;
-    // The files behind the rows and the program's folder with its stores
-    // and reference lists. An area whose ports are not given writes no block.
-    FileFacts* facts = nullptr;
-    std::string appPath;
-    // The process area: the live process table.
-    ProcessTable* processes = nullptr;
-    // The startup area: the Run keys, %VAR% references and shortcut files.
-    Registry* registry = nullptr;
-    Environment* environment = nullptr;
-    ShortcutReader* shortcuts = nullptr;
-};
 
 // Appends an area's block to the file; false when it could not be written
 // whole (the writer has then told the user through the prompts port).

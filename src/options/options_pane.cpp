@@ -2,7 +2,7 @@
 // area's logic is built.
 #include <windows.h>
 
-#include "shell/panes.h"
+#include "ui/pane.h"
 
 namespace corvane {
 

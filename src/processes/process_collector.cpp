@@ -85,7 +85,7 @@ namespace {
 
 ProcessRow BuildRow(ProcessSources& sources, clsProcess& objFileInfo, const ReferenceLists& lists,
                     const std::string& path, const std::string& name, int32_t pid, const std::string& decimalSign) {
-    ProcessRow row;
+    ProcessRow row(kProcessColumns.size());
     row.key = EncodeNumberKey(pid);
     row.cells[kColName] = name;
     // The mark is decided before the file is looked at, and shown only on a row built whole.
@@ -102,7 +102,7 @@ ProcessRow BuildRow(ProcessSources& sources, clsProcess& objFileInfo, const Refe
         row.cells[kColDescription] = objFileInfo.getItem(kFileDescription);
     }
     row.cells[kColPath] = PathFolder(path);
-    row.suspicious = suspicious;
+    row.mark = suspicious ? RowMark::Suspicious : RowMark::None;
     return row;
 }
 
@@ -120,9 +120,9 @@ std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, clsProcess& 
     const std::vector<ProcessRecord> records = WalkProcesses(sources.table, options.windowsVersionName);
     const std::string decimalSign = sources.clock.DecimalSign();
     std::vector<ProcessRow> rows;
-    rows.reserve(std::min(records.size(), kMaxProcessRows));
+    rows.reserve(std::min(records.size(), kMaxRows));
     for (const ProcessRecord& record : records) {
-        if (rows.size() >= kMaxProcessRows) break;
+        if (rows.size() >= kMaxRows) break;
         const std::string name = PathFileName(record.path);
         const std::string lower = LowerAnsi(name);
         if (options.blnFiltered &&

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "foundations/file_description.h"
+#include "foundations/row.h"
+#include "foundations/row_limit.h"
 #include "platform/clock.h"
 #include "platform/file_facts.h"
 #include "platform/file_system.h"
@@ -48,15 +50,9 @@ inline constexpr std::array<const char*, 7> kProcessColumns = {
     "EXE Name", "File Size [Kb]", "Created On", "Company Name", "Prodcut Name", "Description", "Path"};
 enum ProcessColumn : int { kColName = 0, kColSize, kColCreated, kColCompany, kColProduct, kColDescription, kColPath };
 
-struct ProcessRow {
-    std::string key;                    // EncodeNumberKey of the process id
-    std::array<std::string, 7> cells;   // by ProcessColumn
-    bool suspicious = false;            // shown in SusColor, and bold when FontBold is 1
-    std::string iconFile;               // the file whose first icon the row shows; empty: the default
-};
-
-// A list holds at most this many rows: the design counts them in 16 bits.
-inline constexpr size_t kMaxProcessRows = 32767;
+// A process row: key EncodeNumberKey of the process id, cells by
+// ProcessColumn, marked suspicious or not, the first icon of its file.
+using ProcessRow = Row;
 
 // What the collector reads.
 struct ProcessSources {

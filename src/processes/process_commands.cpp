@@ -2,7 +2,7 @@
 
 #include "foundations/functions.h"
 #include "foundations/report_banner.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 
@@ -92,7 +92,7 @@ bool backupProcess(ProcessCommandPorts& ports, const std::string& path, std::str
     const std::string copy = BackupCopyPath(ports.appPath, strBackupStamp);
     // A pair of the same second is replaced: the later backup is the one kept.
     if (const SysError error = ports.files.Copy(path, copy, true)) {
-        Notice(ports, "Error Occurred backupProcess: " + ErrorDescription(ports.system, error));
+        Notice(ports, ErrorOccurredInline("backupProcess", ErrorDescription(ports.system, error)));
         return false;
     }
     if (!ports.files.Exists(copy)) {
@@ -103,7 +103,7 @@ bool backupProcess(ProcessCommandPorts& ports, const std::string& path, std::str
     // The record comes only after the copy, so the store never lists what it cannot restore.
     if (const SysError error = ports.files.WriteAtomic(BackupRecordPath(ports.appPath, strBackupStamp),
                                                        BackupRecord(path, ports.clock.ShortDate(now)))) {
-        Notice(ports, "Error Occurred backupProcess: " + ErrorDescription(ports.system, error));
+        Notice(ports, ErrorOccurredInline("backupProcess", ErrorDescription(ports.system, error)));
         return false;
     }
     return true;

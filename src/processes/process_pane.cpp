@@ -7,13 +7,13 @@
 
 #include "foundations/functions.h"
 #include "foundations/report_banner.h"
-#include "foundations/view_info_dialog.h"
+#include "ui/view_info_dialog.h"
 #include "processes/process_report.h"
 #include "res/resource.h"
-#include "shell/app_context.h"
-#include "shell/app_identity.h"
-#include "shell/panes.h"
-#include "shell/popup_menus.h"
+#include "ui/app_context.h"
+#include "foundations/app_identity.h"
+#include "ui/pane.h"
+#include "ui/popup_menus.h"
 #include "ui/file_icon.h"
 #include "ui/list_view.h"
 

@@ -1,7 +1,7 @@
 #include "processes/process_report.h"
 
 #include "foundations/sys_info.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 
@@ -21,7 +21,7 @@ std::string ProcessReportBody(const std::vector<ProcessRow>& rows) {
         for (size_t column = 0; column < rows[i].cells.size(); ++column) {
             body += std::string(kLabels[column]) + rows[i].cells[column] + "\r\n";
         }
-        body += std::string(kSuspiciousLabel) + (rows[i].suspicious ? "Yes" : "No") + "\r\n";
+        body += std::string(kSuspiciousLabel) + (IsSuspicious(rows[i].mark) ? "Yes" : "No") + "\r\n";
     }
     return body;
 }
@@ -29,8 +29,7 @@ std::string ProcessReportBody(const std::vector<ProcessRow>& rows) {
 bool printReportProcess(FileSystem& files, SystemInfo& system, Prompts& prompts, const std::string& file,
                         const std::vector<ProcessRow>& rows) {
     if (const SysError error = files.Append(file, ProcessReportBody(rows))) {
-        prompts.Message("Error Occurred Process printReport: \r\n" + ErrorDescription(system, error), kAppTitle,
-                        PromptIcon::Information, PromptButtons::Ok);
+        ShowErrorOccurred(prompts, "Process printReport", ErrorDescription(system, error));
         return false;
     }
     return true;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "foundations/report_banner.h"
-#include "options/full_report.h"
+#include "foundations/report_area.h"
 #include "processes/process_collector.h"
 
 namespace corvane {

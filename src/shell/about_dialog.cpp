@@ -2,8 +2,8 @@
 
 #include "foundations/functions.h"
 #include "res/resource.h"
-#include "shell/app_context.h"
-#include "shell/app_identity.h"
+#include "ui/app_context.h"
+#include "foundations/app_identity.h"
 #include "ui/skin.h"
 
 namespace corvane {

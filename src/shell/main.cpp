@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "shell/app_context.h"
+#include "ui/app_context.h"
 #include "shell/main_window.h"
 #include "shell/prev_instance.h"
 

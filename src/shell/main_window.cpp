@@ -6,10 +6,10 @@
 #include "foundations/sys_info.h"
 #include "res/resource.h"
 #include "shell/about_dialog.h"
-#include "shell/app_context.h"
-#include "shell/app_identity.h"
+#include "ui/app_context.h"
+#include "foundations/app_identity.h"
 #include "shell/disable_maximize.h"
-#include "shell/popup_menus.h"
+#include "ui/popup_menus.h"
 #include "ui/skin.h"
 
 namespace corvane {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "shell/panes.h"
+#include "ui/pane.h"
 
 namespace corvane {
 

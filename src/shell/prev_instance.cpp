@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 

@@ -1,7 +1,8 @@
 #include "shell/report_cli.h"
 
 #include <algorithm>
-#include <cctype>
+
+#include "foundations/text.h"
 
 namespace corvane {
 
@@ -23,11 +24,6 @@ namespace {
 
 constexpr const char* kName = "CorvaneReport: ";
 constexpr const char* kSeeUsage = "; CorvaneReport /? shows the usage";
-
-std::string Lower(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-}
 
 std::string AreaNames(const std::vector<ReportArea>& areas) {
     std::string names;
@@ -96,8 +92,7 @@ ReportArgs ParseReportArgs(const std::vector<std::string>& args, const std::vect
     bool fileGiven = false;
     for (const std::string& arg : args) {
         if (!arg.empty() && arg[0] == '/') {
-            const std::string option = Lower(arg.substr(0, 7));
-            if (option != "/areas:") return Bad("unknown option \"" + arg + "\"" + kSeeUsage);
+            if (!SameTextIgnoringCase(arg.substr(0, 7), "/areas:")) return Bad("unknown option \"" + arg + "\"" + kSeeUsage);
             if (areasGiven) return Bad("/areas: is given twice");
             areasGiven = true;
             ReportArgs chosen = ParseAreas(arg.substr(7), areas);

@@ -12,7 +12,7 @@
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/registry_win32.h"
 #include "platform/win32/shortcuts_win32.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 #include "shell/report_cli.h"
 
 // The C runtime would otherwise expand wildcards in the arguments, and "/?"

@@ -7,7 +7,7 @@
 
 #include "foundations/registry.h"
 #include "foundations/report_banner.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 #include "startup/run_key_store.h"
 
 namespace corvane {
@@ -22,8 +22,7 @@ bool IsFolderLocation(const std::string& location) {
 }
 
 void ShowError(CommandPorts& ports, const char* command, const std::string& description) {
-    ports.prompts.Message(std::string("Error Occurred ") + command + ": \r\n" + description, kAppTitle,
-                          PromptIcon::Information, PromptButtons::Ok);
+    ShowErrorOccurred(ports.prompts, command, description);
 }
 
 void ShowNames(CommandPorts& ports, const std::string& text, const std::vector<std::string>& names) {
@@ -154,7 +153,7 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
     std::vector<std::string> unstorable, changed;
     for (size_t i = 0; i < rows.size(); ++i) {
         const StartupRow& row = rows[i];
-        if (!row.checked || !row.Live()) continue;
+        if (!row.checked || !IsLive(row)) continue;
         const std::string& location = row.cells[kStartupColLocation];
         if (IsRunLocation(location)) {
             // The store will hold the command the list shows; a value that
@@ -250,7 +249,7 @@ CommandEnd EnableCheckedItems(CommandPorts& ports, const StartupPlaces& places, 
     bool stopped = false;
     for (size_t i = 0; i < count && !stopped; ++i) {
         StartupRow& row = rows[i];
-        if (!row.checked || row.Live()) continue;
+        if (!row.checked || IsLive(row)) continue;
         const std::string& location = row.cells[kStartupColLocation];
         const std::string& name = row.cells[kStartupColName];
         if (IsRunLocation(location)) {
@@ -297,7 +296,7 @@ CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, 
         return CommandEnd::Nothing;
     }
     if (IsRunLocation(location)) {
-        if (row.Live()) {
+        if (IsLive(row)) {
             return DeleteRegValue(ports.registry, ports.prompts, ports.system, HiveOf(location), places.runKeyPath,
                                   name)
                        ? CommandEnd::Refresh
@@ -310,7 +309,7 @@ CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, 
         return CommandEnd::Refresh;
     }
     if (IsFolderLocation(location)) {
-        const std::string folder = row.Live() ? LiveFolderOf(places, location) : StoreFolderOf(places, location);
+        const std::string folder = IsLive(row) ? LiveFolderOf(places, location) : StoreFolderOf(places, location);
         return ports.files.Delete(folder + "\\" + name) == kNoError ? CommandEnd::Refresh : CommandEnd::Nothing;
     }
     return CommandEnd::Nothing;

@@ -6,9 +6,9 @@
 #include "foundations/file_description.h"
 #include "foundations/functions.h"
 #include "foundations/registry.h"
-#include "shell/settings.h"
+#include "foundations/settings.h"
 #include "startup/run_key_store.h"
-#include "processes/reference_lists.h"
+#include "foundations/reference_list.h"
 
 namespace corvane {
 
@@ -90,7 +90,7 @@ private:
 void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
                 const std::string& command, const std::string& location, bool enabled, const std::string& path,
                 bool exists, std::string iconFile, int32_t iconIndex) {
-    StartupRow row;
+    StartupRow row(kStartupColumns.size());
     row.cells[kStartupColName] = name;
     row.cells[kStartupColEnabled] = enabled ? "True" : "False";
     row.cells[kStartupColLocation] = location;
@@ -124,7 +124,7 @@ void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupLis
 
 // False, and the list marked as cut short, once it holds all the rows it can.
 bool RoomFor(StartupList& list) {
-    if (list.rows.size() < kMaxStartupRows) return true;
+    if (list.rows.size() < kMaxRows) return true;
     list.full = true;
     return false;
 }

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "foundations/row.h"
+#include "foundations/row_limit.h"
 #include "platform/clock.h"
 #include "platform/environment.h"
 #include "platform/file_facts.h"
@@ -49,23 +51,11 @@ enum StartupColumn : int {
     kStartupColPath,
 };
 
-// How a row is coloured: SusColor, DisColor, SusDisColor or the list's own.
-enum class RowMark { None, Suspicious, Disabled, SuspiciousDisabled };
+// A startup row has no key; its cells are by StartupColumn.
+using StartupRow = Row;
 
-struct StartupRow {
-    std::array<std::string, 11> cells;
-    RowMark mark = RowMark::None;
-    // The icon the row shows: a file and an icon number; no file, the generic picture.
-    std::string iconFile;
-    int32_t iconIndex = 0;
-    // The list's check mark, copied in by the pane before a command.
-    bool checked = false;
-
-    bool Live() const { return cells[kStartupColEnabled] == "True"; }
-};
-
-// A list holds at most this many rows: the design counts them in 16 bits.
-inline constexpr size_t kMaxStartupRows = 32767;
+// An item that is in its source now, not in a store.
+inline bool IsLive(const StartupRow& row) { return row.cells[kStartupColEnabled] == "True"; }
 
 // What one load of the rows saw of a run-key store, so a command rewrites the
 // store only while it still holds what the list was built from.

@@ -1,6 +1,6 @@
 #include "startup/startup_report.h"
 
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 
@@ -35,8 +35,7 @@ std::string StartupReportBody(const std::vector<StartupRow>& rows) {
 
 bool printReportStartup(ReportPorts& ports, const std::string& file, const std::vector<StartupRow>& rows) {
     if (const SysError error = ports.files.Append(file, StartupReportBody(rows))) {
-        ports.prompts.Message("Error Occurred Startup printReport: \r\n" + ErrorDescription(ports.system, error),
-                              kAppTitle, PromptIcon::Information, PromptButtons::Ok);
+        ShowErrorOccurred(ports.prompts, "Startup printReport", ErrorDescription(ports.system, error));
         return false;
     }
     return true;

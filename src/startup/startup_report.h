@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "foundations/report_banner.h"
-#include "options/full_report.h"
+#include "foundations/report_area.h"
 #include "startup/startup_items.h"
 
 namespace corvane {

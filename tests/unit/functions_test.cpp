@@ -6,7 +6,7 @@
 
 #include "fakes/fakes.h"
 #include "foundations/functions.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 namespace {

@@ -166,7 +166,7 @@ struct Machine {
 
 std::vector<std::string> Names(const std::vector<ProcessRow>& rows) {
     std::vector<std::string> names;
-    for (const auto& row : rows) names.push_back(row.cells[kColName] + (row.suspicious ? " *" : ""));
+    for (const auto& row : rows) names.push_back(row.cells[kColName] + (IsSuspicious(row.mark) ? " *" : ""));
     return names;
 }
 
@@ -207,7 +207,7 @@ TEST(ProcessRows, ListEntriesMatchOnlyWhenWrittenExactlyInLowerCase) {
         m.Run(4, "C:\\a\\Bad.Exe");
         const auto rows = m.Rows(true);
         ASSERT_EQ(rows.size(), 1u);
-        EXPECT_EQ(rows[0].suspicious, c.marked) << testing::PrintToString(c.list);
+        EXPECT_EQ(IsSuspicious(rows[0].mark), c.marked) << testing::PrintToString(c.list);
     }
 }
 
@@ -237,14 +237,14 @@ TEST(ProcessRows, FileColumnsKeyAndIcon) {
     m.Run(44, "Bare.exe", false);                     // a bare name from the system
     const auto rows = m.Rows(true);
     ASSERT_EQ(rows.size(), 4u);
-    const std::array<std::string, 7> full = {"App.exe",     "1,5",         "01/31/2003", "Maker Inc",
+    const std::vector<std::string> full = {"App.exe",     "1,5",         "01/31/2003", "Maker Inc",
                                              "Product",     "Does things", "C:\\Program Files\\App\\"};
     EXPECT_EQ(rows[0].cells, full);
     EXPECT_EQ(rows[0].key, "BCDE");
     EXPECT_EQ(DecodeNumberKey(rows[1].key), 1238);
     EXPECT_EQ(rows[0].iconFile, "C:\\Program Files\\App\\App.exe");
     EXPECT_EQ(rows[1].iconFile, rows[0].iconFile);
-    const std::array<std::string, 7> shortRow = {"Gone.exe", "", "", "", "", "", "C:\\gone\\"};
+    const std::vector<std::string> shortRow = {"Gone.exe", "", "", "", "", "", "C:\\gone\\"};
     EXPECT_EQ(rows[2].cells, shortRow);
     EXPECT_EQ(rows[2].iconFile, "");
     EXPECT_EQ(rows[3].cells[kColName], "Bare.exe");
@@ -257,7 +257,7 @@ TEST(ProcessRows, WindowsCharactersCompareInLowerCase) {
     m.Run(4, "C:\\R\xC9SUM\xC9\\CAF\xC9 \x8A\x9F.EXE");    // CAFÉ ŠŸ
     const auto rows = m.Rows(true);
     ASSERT_EQ(rows.size(), 1u);
-    EXPECT_TRUE(rows[0].suspicious);
+    EXPECT_TRUE(IsSuspicious(rows[0].mark));
     EXPECT_EQ(rows[0].cells[kColName], "CAF\xC9 \x8A\x9F.EXE") << "shown as found";
     EXPECT_EQ(LowerAnsi("A\xD7Z\xDE\xDF"), "a\xD7z\xFE\xDF") << "the multiplication sign and sharp s have no other case";
 }

@@ -13,7 +13,7 @@ namespace {
 ProcessRow Row(const std::string& name, const std::string& size, bool suspicious) {
     ProcessRow row;
     row.cells = {name, size, "01/31/2003", "Maker", "", "Tool", "C:\\R\xE9sum\xE9\\"};
-    row.suspicious = suspicious;
+    row.mark = suspicious ? RowMark::Suspicious : RowMark::None;
     return row;
 }
 

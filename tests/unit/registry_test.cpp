@@ -1,3 +1,4 @@
+#include "applications/slow_info_cache.h"
 #include "foundations/registry.h"
 
 #include <gtest/gtest.h>
@@ -142,7 +143,7 @@ TEST_F(RegistryTest, ReadersAreSilentAndCloseWhatTheyOpenedOnEveryFailure) {
         EXPECT_EQ(GetRegString(reg, kHKeyCurrentUser, kKey, "First"), c.text) << c.failOp;
         EXPECT_EQ(GetRegDword(reg, kHKeyCurrentUser, kKey, "First"), c.number) << c.failOp;
         Bytes bytes;
-        EXPECT_EQ(GetRegBinary(reg, kHKeyCurrentUser, kKey, "Record", bytes), c.binary) << c.failOp;
+        EXPECT_EQ(GetRegBinary(reg, kHKeyCurrentUser, kKey, "Record", bytes, kSlowInfoCacheSize), c.binary) << c.failOp;
         std::vector<std::string> names{"kept"};
         EnumRegKeys(reg, kHKeyCurrentUser, kKey, names);
         EXPECT_EQ(names, c.names) << c.failOp;
@@ -208,7 +209,7 @@ TEST_F(RegistryTest, GetRegBinaryAnswersTrueOnlyFor552Bytes) {
         for (size_t i = 0; c.size && i < *c.size; ++i) stored += static_cast<char>(i * 7);
         if (c.size) fresh.Put(kFullKey, "SlowInfoCache", kRegBinary, stored);
         Bytes bytes{9, 9, 9};
-        EXPECT_EQ(GetRegBinary(fresh, kHKeyCurrentUser, kKey, "SlowInfoCache", bytes), c.result);
+        EXPECT_EQ(GetRegBinary(fresh, kHKeyCurrentUser, kKey, "SlowInfoCache", bytes, kSlowInfoCacheSize), c.result);
         ASSERT_EQ(bytes.size(), c.filled);
         if (c.size) {
             EXPECT_EQ(std::string(bytes.begin(), bytes.end()), stored) << "filled all the same";
@@ -216,7 +217,7 @@ TEST_F(RegistryTest, GetRegBinaryAnswersTrueOnlyFor552Bytes) {
         EXPECT_EQ(fresh.OpenHandles(), 0u);
     }
     Bytes untouched{1, 2};
-    EXPECT_FALSE(GetRegBinary(reg, kHKeyCurrentUser, "Software\\Missing", "X", untouched));
+    EXPECT_FALSE(GetRegBinary(reg, kHKeyCurrentUser, "Software\\Missing", "X", untouched, kSlowInfoCacheSize));
     EXPECT_EQ(untouched, (Bytes{1, 2})) << "no key, no change";
 }
 

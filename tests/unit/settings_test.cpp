@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "fakes/fakes.h"
-#include "shell/settings.h"
+#include "foundations/settings.h"
 
 namespace corvane {
 namespace {

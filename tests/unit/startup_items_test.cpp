@@ -3,7 +3,7 @@
 #include "contract/shortcuts_contract.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_report.h"
-#include "processes/reference_lists.h"
+#include "foundations/reference_list.h"
 #include "startup_world.h"
 
 namespace corvane {
@@ -57,7 +57,7 @@ TEST(StartupRows, RunKeyItemsResolvedFilledAndColoured) {
 
     const StartupList list = w.Collect("All");
     ASSERT_EQ(list.rows.size(), 5u);
-    using Cells = std::array<std::string, 11>;
+    using Cells = std::vector<std::string>;
     EXPECT_EQ(list.rows[0].cells, (Cells{"Alpha", "True", "HKLM", "\"C:\\Tools\\alpha.exe\" /min", "alpha.exe", "3.5",
                                          "01/31/2003", "Maker", "Product", "What it does", "C:\\Tools\\"}));
     EXPECT_EQ(list.rows[0].mark, RowMark::None);
@@ -66,7 +66,7 @@ TEST(StartupRows, RunKeyItemsResolvedFilledAndColoured) {
     EXPECT_EQ(list.rows[1].cells[kStartupColCommand], "%WINDIR%\\Evil.exe");
     EXPECT_EQ(list.rows[1].cells[kStartupColFileName], "Evil.exe");
     EXPECT_EQ(list.rows[1].mark, RowMark::Suspicious);
-    EXPECT_EQ(list.rows[2].cells, (Cells{"Missing", "True", "HKCU", "C:\\Nowhere\\gone.exe"}));
+    EXPECT_EQ(list.rows[2].cells, (Cells{"Missing", "True", "HKCU", "C:\\Nowhere\\gone.exe", "", "", "", "", "", "", ""}));
     EXPECT_EQ(list.rows[2].iconFile, "");
     EXPECT_EQ(list.rows[3].cells[kStartupColPath], "C:\\Lib\\");
     EXPECT_EQ(list.rows[4].cells[kStartupColCommand], "42");

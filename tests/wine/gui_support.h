@@ -5,7 +5,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "shell/app_context.h"
+#include "ui/app_context.h"
 #include "shell/main_window.h"
 
 namespace corvane::wine {

@@ -16,7 +16,7 @@
 #include "processes/process_pane.h"
 #include "processes/reference_lists.h"
 #include "res/resource.h"
-#include "shell/app_context.h"
+#include "ui/app_context.h"
 #include "shell/main_window.h"
 #include "wine/gui_support.h"
 #include "ui/list_view.h"

@@ -2,6 +2,7 @@
 // test owns a key under HKCU\Software\CorvaneTests, deleted before and after.
 #include <gtest/gtest.h>
 
+#include "applications/slow_info_cache.h"
 #include "contract/registry_contract.h"
 #include "fakes/fakes.h"
 #include "foundations/functions.h"
@@ -111,11 +112,11 @@ TEST_F(RegistryUnderWine, GetRegBinaryWantsExactly552Bytes) {
         for (size_t i = 0; i < size; ++i) data += static_cast<char>(i % 251);
         Put("SlowInfoCache", kRegBinary, data);
         Bytes bytes;
-        EXPECT_EQ(GetRegBinary(reg, kHKeyCurrentUser, key, "SlowInfoCache", bytes), size == 552) << size;
+        EXPECT_EQ(GetRegBinary(reg, kHKeyCurrentUser, key, "SlowInfoCache", bytes, kSlowInfoCacheSize), size == kSlowInfoCacheSize) << size;
         EXPECT_EQ(std::string(bytes.begin(), bytes.end()), data) << size << ": filled all the same";
     }
     Bytes missing;
-    EXPECT_FALSE(GetRegBinary(reg, kHKeyCurrentUser, key, "NoSuchValue", missing));
+    EXPECT_FALSE(GetRegBinary(reg, kHKeyCurrentUser, key, "NoSuchValue", missing, kSlowInfoCacheSize));
     EXPECT_EQ(missing.size(), 1u) << "Wine leaves the one-byte length of a missing value as it was";
 }
 

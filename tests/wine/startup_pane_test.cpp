@@ -8,7 +8,7 @@
 
 #include "fakes/fakes.h"
 #include "res/resource.h"
-#include "shell/app_context.h"
+#include "ui/app_context.h"
 #include "shell/main_window.h"
 #include "wine/gui_support.h"
 #include "startup/run_key_store.h"

@@ -10,7 +10,7 @@
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
 #include "platform/win32/shortcuts_win32.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_report.h"

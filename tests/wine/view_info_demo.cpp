@@ -3,10 +3,10 @@
 #include <windows.h>
 
 #include "foundations/file_description.h"
-#include "foundations/view_info_dialog.h"
+#include "ui/view_info_dialog.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 int main(int argc, char** argv) {
     if (argc != 3) return 2;

@@ -7,7 +7,7 @@
 #include <functional>
 #include <map>
 
-#include "foundations/view_info_dialog.h"
+#include "ui/view_info_dialog.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
 #include "resource.h"

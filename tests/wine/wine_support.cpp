@@ -5,7 +5,7 @@
 #include <shlobj.h>
 #include <shobjidl.h>
 
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane::wine {
 

@@ -1,6 +1,6 @@
-#include "shell/app_context.h"
+#include "ui/app_context.h"
 
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 

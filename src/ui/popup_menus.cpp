@@ -1,9 +1,9 @@
-#include "shell/popup_menus.h"
+#include "ui/popup_menus.h"
 
 #include <string>
 
 #include "res/resource.h"
-#include "shell/app_context.h"
+#include "ui/app_context.h"
 
 namespace corvane::frmMenu {
 

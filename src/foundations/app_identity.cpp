@@ -1,4 +1,4 @@
-#include "shell/app_identity.h"
+#include "foundations/app_identity.h"
 
 namespace corvane {
 

@@ -1,4 +1,4 @@
-#include "foundations/view_info_dialog.h"
+#include "ui/view_info_dialog.h"
 
 #include "foundations/file_description.h"
 #include "resource.h"

@@ -1,4 +1,4 @@
-#include "shell/settings.h"
+#include "foundations/settings.h"
 
 #include <cctype>
 #include <cmath>

@@ -13,7 +13,7 @@
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/registry_win32.h"
 #include "platform/win32/shortcuts_win32.h"
-#include "shell/settings.h"
+#include "foundations/settings.h"
 
 namespace corvane {
 

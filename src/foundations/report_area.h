@@ -1,0 +1,31 @@
+#pragma once
+// What an area's block of the full report is collected from. Each area
+// offers a writer of its block over this; the full report composes them.
+#include <string>
+
+#include "foundations/report_banner.h"
+#include "platform/environment.h"
+#include "platform/file_facts.h"
+#include "platform/process_table.h"
+#include "platform/registry.h"
+#include "platform/shortcuts.h"
+
+namespace corvane {
+
+// What the full report collects from. Each area adds the ports it reads here.
+struct FullReportPlatform {
+    explicit FullReportPlatform(ReportPorts& ports) : report(ports) {}
+    ReportPorts& report;
+    // The files behind the rows and the program's folder with its stores
+    // and reference lists. An area whose ports are not given writes no block.
+    FileFacts* facts = nullptr;
+    std::string appPath;
+    // The process area: the live process table.
+    ProcessTable* processes = nullptr;
+    // The startup area: the Run keys, %VAR% references and shortcut files.
+    Registry* registry = nullptr;
+    Environment* environment = nullptr;
+    ShortcutReader* shortcuts = nullptr;
+};
+
+}  // namespace corvane

@@ -1,0 +1,2 @@
+// An area that borrows from another area.
+#include "processes/reference_lists.h"
