@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -207,9 +208,8 @@ int main(int argc, char** argv) {
 
     // The pane as the program shows it, in a window that is never shown.
     HWND host = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 800, 600, nullptr, nullptr, app.instance, nullptr);
-    HWND paneWindow = CreateDialogParamA(app.instance, MAKEINTRESOURCEA(IDD_PROCESS), host, frmProcessProc, 0);
-    frmProcess* pane = frmProcess::Of(paneWindow);
-    if (!pane) {
+    auto pane = std::make_unique<frmProcess>();
+    if (!pane->Create(app.instance, IDD_PROCESS, host)) {
         std::fprintf(stderr, "the process pane did not load\n");
         return 1;
     }
@@ -284,7 +284,7 @@ int main(int argc, char** argv) {
                     perRow[0][k] * 1e6, sizes[0], perRow[1][k] * 1e6, sizes[1], perRow[1][k] / perRow[0][k]);
     }
 
-    DestroyWindow(paneWindow);
+    pane->Unload();
     DestroyWindow(host);
     RemoveAll(files);
     return 0;

@@ -31,7 +31,7 @@
 #include "platform/win32/registry_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "startup/startup_items.h"
-#include "startup/startup_pane.h"
+#include "ui/row_list.h"
 #include "ui/file_icon.h"
 #include "ui/list_view.h"
 
@@ -112,12 +112,8 @@ void MakeItems(int values, int shortcuts) {
 }
 
 HWND MakeList() {
-    HWND list = CreateWindowExA(0, WC_LISTVIEWA, "", WS_POPUP | LVS_REPORT, 0, 0, 900, 600, nullptr, nullptr,
-                                GetModuleHandleA(nullptr), nullptr);
-    SendMessageA(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT,
-                 LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT);
-    AddStartupColumns(list);
-    return list;
+    return CreateWindowExA(0, WC_LISTVIEWA, "", WS_POPUP | LVS_REPORT, 0, 0, 900, 600, nullptr, nullptr,
+                           GetModuleHandleA(nullptr), nullptr);
 }
 
 HIMAGELIST MakeImages(HWND list) {
@@ -312,7 +308,14 @@ int main(int argc, char** argv) {
     link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&persist));
 
     HWND oursList = MakeList(), bareList = MakeList();
-    HIMAGELIST oursImages = MakeImages(oursList), bareImages = MakeImages(bareList);
+    // Ours: the row list the pane shows its rows in; bare: a list view set up by hand.
+    const SharedValues colours;
+    RowList ours_(colours, SortPolicy::FlipOnSameColumn);
+    ours_.Attach(oursList, kStartupColumns, LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT);
+    SendMessageA(bareList, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT,
+                 LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT);
+    for (size_t i = 0; i < kStartupColumns.size(); ++i) InsertColumn(bareList, static_cast<int>(i), kStartupColumns[i], 80);
+    HIMAGELIST bareImages = MakeImages(bareList);
 
     struct Size {
         int values, shortcuts;
@@ -331,10 +334,9 @@ int main(int argc, char** argv) {
         const int items = size.values + size.shortcuts;
         size_t shown = 0;
         auto ours = [&] {
-            const StartupList list = CollectStartupItems(sources, places, "All");
-            ShowStartupRows(oursList, oursImages, list.rows);
-            AutoSizeColumns(oursList);
+            StartupList list = CollectStartupItems(sources, places, "All");
             shown = list.rows.size();
+            ours_.Show(std::move(list.rows));
         };
         auto bare = [&] { BareCollectAndShow(bareList, bareImages, link, persist); };
         // Under Wine a run of thousands of items takes seconds, long enough
@@ -374,9 +376,9 @@ int main(int argc, char** argv) {
 
     persist->Release();
     link->Release();
+    ours_.Detach();
     DestroyWindow(oursList);
     DestroyWindow(bareList);
-    ImageList_Destroy(oursImages);
     ImageList_Destroy(bareImages);
     RemoveKeys();
     RemoveFolder(kRoot);

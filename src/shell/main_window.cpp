@@ -10,17 +10,30 @@
 #include "foundations/app_identity.h"
 #include "shell/disable_maximize.h"
 #include "ui/popup_menus.h"
+#include "applications/applications_pane.h"
+#include "browser/browser_pane.h"
+#include "options/options_pane.h"
+#include "processes/process_pane.h"
+#include "startup/startup_pane.h"
 #include "ui/skin.h"
 
 namespace corvane {
 
-const PaneClass kProcessPane{"frmProcess", IDD_PROCESS, frmProcessProc, IDC_LSTVPROCESS};
-const PaneClass kIEPane{"frmIE", IDD_IE, frmIEProc, IDC_LSTVBHO};
-const PaneClass kStartupPane{"frmStartup", IDD_STARTUP, frmStartupProc, IDC_TVWSTARTUP};
-const PaneClass kAddRemovePane{"frmAddRemove", IDD_ADDREMOVE, frmAddRemoveProc, IDC_LSTVADDREMOVE};
-const PaneClass kOptionsPane{"frmOptions", IDD_OPTIONS, frmOptionsProc, 0};
-
 namespace {
+
+template <class P>
+std::unique_ptr<Pane> Make() {
+    return std::make_unique<P>();
+}
+
+// Adding a pane is one row here and the pane's own files.
+const PaneEntry kPanes[] = {
+    {"frmProcess", IDC_CMDPROCESS, 120, "Process", IDD_PROCESS, IDC_LSTVPROCESS, Make<frmProcess>},
+    {"frmIE", IDC_CMDIE, 1440, "IE", IDD_IE, IDC_LSTVBHO, Make<frmIE>},
+    {"frmStartup", IDC_CMDSTARTUP, 2760, "Startup", IDD_STARTUP, IDC_TVWSTARTUP, Make<frmStartup>},
+    {"frmAddRemove", IDC_CMDADDREMOVE, 4080, "AddRemove", IDD_ADDREMOVE, IDC_LSTVADDREMOVE, Make<frmAddRemove>},
+    {"frmOptions", IDC_CMDOPTIONS, 5400, "Options", IDD_OPTIONS, 0, Make<frmOptions>},
+};
 
 constexpr const char* kMainClass = "CorvaneMain";
 constexpr const char* kBarClass = "CorvaneBar";
@@ -33,33 +46,12 @@ constexpr int kClientHeight = Px(7590);  // 506
 constexpr int kTopBarHeight = Px(990);   // 66
 constexpr int kLeftBarWidth = Px(1305);  // 87
 
-struct NavButton {
-    int id;
-    int topTwips;
-    const char* skinObject;
-};
-constexpr NavButton kNavButtons[] = {
-    {IDC_CMDPROCESS, 120, "Process"},  {IDC_CMDIE, 1440, "IE"},
-    {IDC_CMDSTARTUP, 2760, "Startup"}, {IDC_CMDADDREMOVE, 4080, "AddRemove"},
-    {IDC_CMDOPTIONS, 5400, "Options"},
-};
-
 constexpr COLORREF kLinkColour = RGB(0x1d, 0x4e, 0x89);
 
 HFONT LinkFont() {
     static HFONT font = CreateFontA(-12, 0, 0, 0, FW_NORMAL, FALSE, TRUE, FALSE, ANSI_CHARSET, 0, 0,
                                     DEFAULT_QUALITY, 0, "Tahoma");
     return font;
-}
-
-const PaneClass& PaneOfButton(int id) {
-    switch (id) {
-        case IDC_CMDIE: return kIEPane;
-        case IDC_CMDSTARTUP: return kStartupPane;
-        case IDC_CMDADDREMOVE: return kAddRemovePane;
-        case IDC_CMDOPTIONS: return kOptionsPane;
-        default: return kProcessPane;
-    }
 }
 
 frmMain* FromWindow(HWND hwnd) { return reinterpret_cast<frmMain*>(GetWindowLongPtrA(hwnd, GWLP_USERDATA)); }
@@ -71,6 +63,15 @@ HWND Child(HWND parent, const char* className, const char* text, DWORD style, in
 }
 
 }  // namespace
+
+std::span<const PaneEntry> PaneTable() { return kPanes; }
+
+const PaneEntry* FindPane(const std::string& name) {
+    for (const PaneEntry& pane : kPanes) {
+        if (name == pane.name) return &pane;
+    }
+    return nullptr;
+}
 
 void RegisterMainClasses(HINSTANCE instance) {
     WNDCLASSA wc{};
@@ -128,9 +129,9 @@ frmMain* frmMain::Create(HWND appWindow, bool show) {
                       16, IDC_LBLHELP);
     SendMessageA(about, WM_SETFONT, reinterpret_cast<WPARAM>(LinkFont()), FALSE);
     SendMessageA(help, WM_SETFONT, reinterpret_cast<WPARAM>(LinkFont()), FALSE);
-    for (const NavButton& nav : kNavButtons) {
-        Child(form->picLeft_, "BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, Px(120), Px(nav.topTwips), Px(960), Px(970),
-              nav.id);
+    for (const PaneEntry& pane : kPanes) {
+        Child(form->picLeft_, "BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, Px(120), Px(pane.buttonTopTwips), Px(960),
+              Px(970), pane.button);
     }
 
     form->MDIForm_Load();
@@ -159,7 +160,7 @@ void frmMain::MDIForm_Load() {
         disable.DisableMaxButton(hwnd_);
     }
     SkinWindow(hwnd_);
-    for (const NavButton& nav : kNavButtons) SkinControl(GetDlgItem(picLeft_, nav.id), nav.skinObject);
+    for (const PaneEntry& pane : kPanes) SkinControl(GetDlgItem(picLeft_, pane.button), pane.skinObject);
     app.settings.LoadDisplayValues(app.shared);
     {
         clsSysInfo info(*app.system);
@@ -168,46 +169,44 @@ void frmMain::MDIForm_Load() {
         app.shared.WindowsVersionName = version;
     }
     // The first pane comes up without ShowPane, and without taking the focus.
-    activePane_ = CreateDialogParamA(app.instance, MAKEINTRESOURCEA(kProcessPane.dialogId), client_,
-                                     kProcessPane.proc, 0);
-    activeName_ = kProcessPane.name;
-    ShowWindow(activePane_, SW_SHOW);
+    Load(kPanes[0]);
+}
+
+void frmMain::Load(const PaneEntry& pane) {
+    active_ = pane.make();
+    activeName_ = pane.name;
+    active_->Create(App().instance, pane.dialogId, client_);
+    ShowWindow(active_->hwnd(), SW_SHOW);
     MarkActiveButton();
 }
 
-bool frmMain::ShowPane(const std::string& name, const PaneClass& pane) {
+bool frmMain::ShowPane(const std::string& name, const PaneEntry& pane) {
     if (activeName_ == name) return false;
-    Unload(activePane_);
-    activePane_ = CreateDialogParamA(App().instance, MAKEINTRESOURCEA(pane.dialogId), client_, pane.proc, 0);
-    activeName_ = pane.name;
-    ShowWindow(activePane_, SW_SHOW);
-    MarkActiveButton();
+    Unload();
+    Load(pane);
     return true;
 }
 
-void frmMain::Unload(HWND pane) {
-    if (pane) DestroyWindow(pane);
-    activePane_ = nullptr;
+void frmMain::Unload() {
+    if (active_) active_->Unload();
+    active_.reset();
     activeName_.clear();
 }
 
 // The active pane's navigation button keeps its pressed face.
 void frmMain::MarkActiveButton() {
-    for (const NavButton& nav : kNavButtons) {
-        const bool active = activeName_ == PaneOfButton(nav.id).name;
-        SendDlgItemMessageA(picLeft_, nav.id, BM_SETSTATE, active, 0);
+    for (const PaneEntry& pane : kPanes) {
+        SendDlgItemMessageA(picLeft_, pane.button, BM_SETSTATE, activeName_ == pane.name, 0);
     }
 }
 
-void frmMain::Navigate(const PaneClass& pane) {
-    if (ShowPane(pane.name, pane) && pane.focusControl) SetFocus(GetDlgItem(activePane_, pane.focusControl));
+void frmMain::cmdNavigate_Click(int button) {
+    for (const PaneEntry& pane : kPanes) {
+        if (pane.button != button) continue;
+        if (ShowPane(pane.name, pane) && pane.focusControl) SetFocus(GetDlgItem(activePane(), pane.focusControl));
+        return;
+    }
 }
-
-void frmMain::cmdProcess_Click() { Navigate(kProcessPane); }
-void frmMain::cmdIE_Click() { Navigate(kIEPane); }
-void frmMain::cmdStartup_Click() { Navigate(kStartupPane); }
-void frmMain::cmdAddremove_Click() { Navigate(kAddRemovePane); }
-void frmMain::cmdOptions_Click() { Navigate(kOptionsPane); }
 
 void frmMain::lblHelp_Click() { ShellOpen(*App().shell, App().appPath + "\\Help\\index.html"); }
 
@@ -224,14 +223,9 @@ LRESULT CALLBACK frmMain::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
         case WM_COMMAND:
             if (HIWORD(wParam) == BN_CLICKED || HIWORD(wParam) == STN_CLICKED) {
                 switch (LOWORD(wParam)) {
-                    case IDC_CMDPROCESS: form->cmdProcess_Click(); return 0;
-                    case IDC_CMDIE: form->cmdIE_Click(); return 0;
-                    case IDC_CMDSTARTUP: form->cmdStartup_Click(); return 0;
-                    case IDC_CMDADDREMOVE: form->cmdAddremove_Click(); return 0;
-                    case IDC_CMDOPTIONS: form->cmdOptions_Click(); return 0;
                     case IDC_LBLABOUT: form->lblAbout_Click(); return 0;
                     case IDC_LBLHELP: form->lblHelp_Click(); return 0;
-                    default: break;
+                    default: form->cmdNavigate_Click(LOWORD(wParam)); return 0;
                 }
             }
             break;
@@ -251,7 +245,7 @@ LRESULT CALLBACK frmMain::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
             break;
         case WM_DESTROY:
             // Every form but this one goes with it; nothing is written now.
-            form->Unload(form->activePane_);
+            form->Unload();
             frmMenu::Unload();
             PostQuitMessage(0);
             return 0;

@@ -1,15 +1,34 @@
 #pragma once
 #include <windows.h>
 
+#include <memory>
+#include <span>
 #include <string>
 
 #include "ui/pane.h"
 
 namespace corvane {
 
+// A row of the main window's pane table: a pane, its navigation button and
+// the control that takes the focus after a switch to it.
+struct PaneEntry {
+    const char* name;        // the pane name string, "frmProcess", ...
+    int button;              // its navigation button
+    int buttonTopTwips;      // where the button stands in the left bar
+    const char* skinObject;  // the button's face
+    int dialogId;            // the pane's template
+    int focusControl;        // 0 for none
+    std::unique_ptr<Pane> (*make)();
+};
+
+// The panes, top to bottom as their buttons stand; the first shows at start-up.
+std::span<const PaneEntry> PaneTable();
+// The row of `name`, or null.
+const PaneEntry* FindPane(const std::string& name);
+
 // frmMain: the main window with its top bar (banner, About, Help Topics), its
-// left bar of five navigation buttons, and the client area that holds one
-// pane at a time.
+// left bar of navigation buttons, and the client area that holds one pane at
+// a time.
 class frmMain {
 public:
     // Makes the window, owned by the hidden application window, and runs its
@@ -17,17 +36,14 @@ public:
     static frmMain* Create(HWND appWindow, bool show = true);
 
     HWND hwnd() const { return hwnd_; }
-    HWND activePane() const { return activePane_; }
+    HWND activePane() const { return active_ ? active_->hwnd() : nullptr; }
     const std::string& activePaneName() const { return activeName_; }
 
     // Unloads the active pane and shows `pane`; false when `name` is already active.
-    bool ShowPane(const std::string& name, const PaneClass& pane);
+    bool ShowPane(const std::string& name, const PaneEntry& pane);
 
-    void cmdProcess_Click();
-    void cmdIE_Click();
-    void cmdStartup_Click();
-    void cmdAddremove_Click();
-    void cmdOptions_Click();
+    // A navigation button's click: the switch, then the focus of the table.
+    void cmdNavigate_Click(int button);
     void lblHelp_Click();
     void lblAbout_Click();
 
@@ -36,19 +52,16 @@ public:
 
 private:
     void MDIForm_Load();
-    void Navigate(const PaneClass& pane);
+    void Load(const PaneEntry& pane);
     void MarkActiveButton();
-    void Unload(HWND pane);
+    void Unload();
 
     HWND hwnd_ = nullptr;
     HWND picTop_ = nullptr, picLeft_ = nullptr, client_ = nullptr;
-    HWND activePane_ = nullptr;
     HWND lastFocus_ = nullptr;
+    std::unique_ptr<Pane> active_;
     std::string activeName_;
 };
-
-// The pane table, top to bottom as the navigation buttons stand.
-extern const PaneClass kProcessPane, kIEPane, kStartupPane, kAddRemovePane, kOptionsPane;
 
 // Registers the window classes of the main window.
 void RegisterMainClasses(HINSTANCE instance);

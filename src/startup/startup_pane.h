@@ -1,39 +1,65 @@
 #pragma once
 // frmStartup: the pane of the startup items. Its command handlers are public
-// so the pop-up menu can call them; each works on the pane while it is
-// loaded and does nothing otherwise.
+// so the pop-up menu can call them.
 #include <windows.h>
 #include <commctrl.h>
 
-#include <vector>
+#include <map>
+#include <string>
 
+#include "startup/startup_commands.h"
 #include "startup/startup_items.h"
+#include "ui/pane.h"
 
 namespace corvane {
 
-namespace frmStartup {
-void cmdDisable_Click();
-void cmdEnable_Click();
-void cmdDelete_Click();
-void cmdViewInformation_Click();
-void cmdReport_Click();
-void cmdFolder_Click();
-void cmdRefresh_Click();
-// The right button let go over the list: the pop-up menu for the selected row.
-void lstvStartup_MouseUp();
-// Its first half: mnuStartup set up for the selected row, or null when no
-// row is selected and nothing shows.
-HMENU PopupMenuToShow();
-// The loaded pane's window, or null.
-HWND Window();
-}  // namespace frmStartup
+class frmStartup : public Pane {
+public:
+    frmStartup();
+    ~frmStartup() override;
 
-// Puts rows into a report list view whose columns exist: the generic
-// picture as image 0 of `images`, then one image per row with an icon of its
-// own; each item's lParam is its index in `rows`.
-void ShowStartupRows(HWND list, HIMAGELIST images, const std::vector<StartupRow>& rows);
+    // The startup pane behind a pane window; null for any other window.
+    static frmStartup* Of(HWND pane) { return dynamic_cast<frmStartup*>(Pane::Of(pane)); }
 
-// The eleven columns of the startup list.
-void AddStartupColumns(HWND list);
+    void cmdDisable_Click();
+    void cmdEnable_Click();
+    void cmdDelete_Click();
+    void cmdViewInformation_Click();
+    void cmdReport_Click();
+    void cmdFolder_Click();
+    void cmdRefresh_Click();
+    // The right button let go over the list: the pop-up menu for the selected row.
+    void lstvStartup_MouseUp();
+    // Its first half: mnuStartup set up for the selected row, or null when no
+    // row is selected and nothing shows.
+    HMENU PopupMenuToShow();
+
+protected:
+    void Form_Load() override;
+    void Form_Unload() override;
+    bool OnNotify(NMHDR& header, LRESULT& result) override;
+
+private:
+    // tvwStartup_NodeClick: the rows of a node, unless it is the one shown.
+    void NodeClick(const std::string& key);
+    std::string SelectedNodeKey() const;
+    void SelectNodeQuietly(const std::string& key);
+    void BuildSourceTree();
+    // The rows as the list shows them now, in its order, with their check marks.
+    StartupList ListInViewOrder() const;
+    void Finish(CommandEnd end, const StartupList& view);
+    bool FolderExists() const;
+
+    RowList lstvStartup_;
+    HWND tvwStartup_ = nullptr;
+    HIMAGELIST imglTreeview_ = nullptr;
+    std::map<std::string, HTREEITEM> nodes_;
+    std::string CurrentNodeKey_;
+    StartupPlaces places_;
+    // What the rows shown were loaded with, besides the rows themselves.
+    std::map<std::string, StoreSnapshot> stores_;
+    bool full_ = false;
+    bool selecting_ = false;  // the tree's selection is being set by the pane itself
+};
 
 }  // namespace corvane

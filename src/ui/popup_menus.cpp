@@ -9,14 +9,6 @@ namespace corvane::frmMenu {
 
 namespace {
 
-const char* Caption(MenuName name) {
-    switch (name) {
-        case MenuName::mnuProcess: return "Process";
-        case MenuName::mnuStartup: return "Startup";
-    }
-    return "";
-}
-
 // At the mouse as it is now, so the menu opens where the button was let go.
 void TrackAtMouse(HMENU menu, HWND owner) {
     POINT at{};
@@ -29,7 +21,7 @@ Tracker g_tracker = TrackAtMouse;
 
 }  // namespace
 
-HMENU Menu(MenuName name) {
+HMENU Menu(const char* caption) {
     if (!g_bar) g_bar = LoadMenuA(App().instance, MAKEINTRESOURCEA(IDR_FRMMENU));
     if (!g_bar) return nullptr;
     // Found by caption, so the other panes' popups can be added in any place.
@@ -37,7 +29,7 @@ HMENU Menu(MenuName name) {
     for (int position = 0; position < count; ++position) {
         char text[64] = {};
         GetMenuStringA(g_bar, static_cast<UINT>(position), text, sizeof text, MF_BYPOSITION);
-        if (std::string(text) == Caption(name)) return GetSubMenu(g_bar, position);
+        if (std::string(text) == caption) return GetSubMenu(g_bar, position);
     }
     return nullptr;
 }

@@ -8,13 +8,11 @@
 
 namespace corvane {
 
-// The menus by their captions in res/menus.rc.
-enum class MenuName { mnuProcess, mnuStartup };
-
 namespace frmMenu {
 
-// The popup of `name`; null if the resource lacks it.
-HMENU Menu(MenuName name);
+// The popup whose caption in res/menus.rc is `caption` ("Process" for
+// mnuProcess, ...); null if the resource lacks it.
+HMENU Menu(const char* caption);
 // Enables or greys one item, by its id. Items are never hidden.
 void Enable(HMENU menu, int id, bool enabled);
 // Shows `menu` at the mouse position; the choice goes to `owner`.

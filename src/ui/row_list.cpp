@@ -102,6 +102,13 @@ std::vector<Row> RowList::Checked() const {
     return rows;
 }
 
+void RowList::SetCell(int item, size_t column, const std::string& text) {
+    const Row* row = At(item);
+    if (!row || column >= row->cells.size()) return;
+    rows_[static_cast<size_t>(row - rows_.data())].cells[column] = text;
+    SetItemText(list_, item, static_cast<int>(column), text);
+}
+
 int CALLBACK RowList::Compare(LPARAM first, LPARAM second, LPARAM self) {
     const auto* list = reinterpret_cast<const RowList*>(self);
     const auto column = static_cast<size_t>(list->sort_.column);

@@ -50,6 +50,8 @@ public:
     std::vector<Row> InViewOrder() const;
     // The checked rows, in the list's order.
     std::vector<Row> Checked() const;
+    // Changes one cell of the row at `item`, as held and as shown.
+    void SetCell(int item, size_t column, const std::string& text);
 
     // What the pane does when the user acts on the list.
     std::function<void(int item)> onSelect;  // a row became selected or was clicked

@@ -173,7 +173,7 @@ TEST_F(MainWindowUnderWine, ClickOnTheActivePaneChangesNothing) {
     EXPECT_EQ(ListView_GetItemCount(list), rows);
     EXPECT_EQ(ListView_GetNextItem(list, -1, LVNI_SELECTED), 1) << "selection stays";
     EXPECT_EQ(GetFocus(), list) << "focus stays";
-    EXPECT_FALSE(form_->ShowPane("frmProcess", kProcessPane));
+    EXPECT_FALSE(form_->ShowPane("frmProcess", *FindPane("frmProcess")));
 }
 
 TEST_F(MainWindowUnderWine, HelpOpensTheHelpPageBesideTheProgram) {

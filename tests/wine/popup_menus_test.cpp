@@ -118,7 +118,7 @@ protected:
     }
     void OpenStartup() {
         Open();
-        form_->cmdStartup_Click();
+        form_->cmdNavigate_Click(IDC_CMDSTARTUP);
         Pump();
         pane_ = form_->activePane();
         list_ = GetDlgItem(pane_, IDC_LSTVSTARTUP);
@@ -202,16 +202,16 @@ protected:
 TEST_F(PopupMenusUnderWine, MenusHoldTheirItemsInOrder) {
     using Items = std::vector<std::pair<std::string, int>>;  // a separator is "-", 0
     const struct {
-        MenuName name;
+        const char* name;
         Items items;
     } menus[] = {
-        {MenuName::mnuProcess,
+        {"Process",
          {{"&Add Checked to Safe list", IDM_MNUADD}, {"&Remove checked from Safe list", IDM_MNUREMOVE}, {"-", 0},
           {"&Kill Process", IDM_MNUKILL}, {"&Delete Process", IDM_MNUDELETE}, {"-", 0},
           {"&View Information", IDM_MNUVIEW}, {"&Generate Report", IDM_MNUREPORT}, {"-", 0},
           {"&Open Folder", IDM_MNUOPEN}, {"&Refresh", IDM_MNUREFRESH}, {"-", 0},
           {"&Search Google", IDM_MNUGOOGLE}}},
-        {MenuName::mnuStartup,
+        {"Startup",
          {{"&Disabled Checked Items", IDM_MNUSTARTUP_DISABLE}, {"&Enable Checked Items", IDM_MNUSTARTUP_ENABLE},
           {"-", 0}, {"Delete &Selected item", IDM_MNUSTARTUP_DELETE}, {"-", 0},
           {"&View Information", IDM_MNUSTARTUP_VIEW}, {"&Generate Report", IDM_MNUSTARTUP_REPORT}, {"-", 0},
@@ -242,19 +242,22 @@ TEST_F(PopupMenusUnderWine, ProcessMenuFollowsTheListAndTheSelectedRow) {
     ASSERT_TRUE(running.started());
     Open();
     const std::set<int> noRows{IDM_MNUGOOGLE, IDM_MNUKILL, IDM_MNUOPEN, IDM_MNUVIEW, IDM_MNUDELETE, IDM_MNUREPORT};
+    // What happened on disk after the list was filled: the menu asks the
+    // machine, not the list's texts.
     enum Rows { kEmpty, kNoneSelected, kSelected };
+    enum Change { kNothing, kFileMoved, kFolderMoved };
+    const std::string file = procs + "\\menu row.exe";
     const struct {
         const char* what;
         Rows rows;
-        std::string folder, name;  // the selected row's path and text
+        Change change;
         std::set<int> off;
     } cases[] = {
-        {"empty list", kEmpty, "", "", noRows},
-        {"file and folder there", kSelected, procs + "\\", "menu row.exe", {}},
-        {"file gone, folder there", kSelected, procs + "\\", "gone.exe", {IDM_MNUDELETE}},
-        {"folder gone too", kSelected, procs + "\\gone\\", "gone.exe", {IDM_MNUOPEN, IDM_MNUDELETE}},
-        {"rows but none selected", kNoneSelected, "", "", {IDM_MNUOPEN, IDM_MNUDELETE}},
-        {"a folder without its backslash", kSelected, procs, "menu row.exe", {IDM_MNUDELETE}},
+        {"empty list", kEmpty, kNothing, noRows},
+        {"file and folder there", kSelected, kNothing, {}},
+        {"file gone, folder there", kSelected, kFileMoved, {IDM_MNUDELETE}},
+        {"folder gone too", kSelected, kFolderMoved, {IDM_MNUOPEN, IDM_MNUDELETE}},
+        {"rows but none selected", kNoneSelected, kNothing, {IDM_MNUOPEN, IDM_MNUDELETE}},
     };
     for (const auto& c : cases) {
         SendMessageA(pane_, WM_COMMAND, MAKEWPARAM(IDC_CMDREFRESH, 0), 0);
@@ -262,14 +265,18 @@ TEST_F(PopupMenusUnderWine, ProcessMenuFollowsTheListAndTheSelectedRow) {
         ASSERT_GE(item, 0);
         if (c.rows == kEmpty) SendMessageA(list_, LVM_DELETEALLITEMS, 0, 0);
         if (c.rows == kNoneSelected) SetState(-1, LVIS_SELECTED | LVIS_FOCUSED, 0);
-        if (c.rows == kSelected) {
-            SetItemText(list_, item, kColPath, c.folder);
-            SetItemText(list_, item, kColName, c.name);
-            SelectItem(list_, item);
+        if (c.rows == kSelected) SelectItem(list_, item);
+        if (c.change == kFileMoved) {
+            ASSERT_TRUE(MoveFileA(file.c_str(), (file + ".away").c_str())) << c.what;
+        }
+        if (c.change == kFolderMoved) {
+            ASSERT_TRUE(MoveFileA(procs.c_str(), (procs + " away").c_str())) << c.what;
         }
         const std::vector<Tracked> shown = RightClick();
+        if (c.change == kFileMoved) MoveFileA((file + ".away").c_str(), file.c_str());
+        if (c.change == kFolderMoved) MoveFileA((procs + " away").c_str(), procs.c_str());
         ASSERT_EQ(shown.size(), 1u) << c.what << ": the process menu always shows";
-        EXPECT_EQ(shown[0].menu, frmMenu::Menu(MenuName::mnuProcess)) << c.what;
+        EXPECT_EQ(shown[0].menu, frmMenu::Menu("Process")) << c.what;
         EXPECT_EQ(shown[0].owner, pane_) << c.what;
         EXPECT_EQ(DisabledItems(shown[0].menu), c.off) << c.what;
     }
@@ -294,7 +301,7 @@ TEST_F(PopupMenusUnderWine, StartupMenuOnlyForASelectedRow) {
         const std::string what = c.row ? c.row : "no selection";
         ASSERT_EQ(shown.size(), c.shows ? 1u : 0u) << what;
         if (!c.shows) continue;
-        EXPECT_EQ(shown[0].menu, frmMenu::Menu(MenuName::mnuStartup));
+        EXPECT_EQ(shown[0].menu, frmMenu::Menu("Startup"));
         EXPECT_EQ(shown[0].owner, pane_);
         EXPECT_EQ(DisabledItems(shown[0].menu).count(IDM_MNUSTARTUP_OPEN), c.open ? 0u : 1u) << what;
         EXPECT_EQ(DisabledItems(shown[0].menu).size(), c.open ? 0u : 1u) << what << ": nothing else is greyed";

@@ -140,7 +140,7 @@ protected:
     bool Shown(const std::string& name) const { return ItemOf(name) >= 0; }
     bool Marked(const std::string& name) const {
         const int item = ItemOf(name);
-        return item >= 0 && pane_->RowOf(item)->suspicious;
+        return item >= 0 && IsSuspicious(pane_->RowOf(item)->mark);
     }
     void Select(const std::string& name) {
         const int item = ItemOf(name);

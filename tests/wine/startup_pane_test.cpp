@@ -89,10 +89,10 @@ protected:
         form_ = frmMain::Create(appWindow_);
         ASSERT_NE(form_, nullptr);
         hwnd_ = form_->hwnd();
-        form_->cmdStartup_Click();
+        form_->cmdNavigate_Click(IDC_CMDSTARTUP);
         Pump();
         pane_ = form_->activePane();
-        ASSERT_EQ(pane_, frmStartup::Window());
+        ASSERT_NE(frmStartup::Of(pane_), nullptr);
         list_ = GetDlgItem(pane_, IDC_LSTVSTARTUP);
         tree_ = GetDlgItem(pane_, IDC_TVWSTARTUP);
     }
