@@ -27,9 +27,11 @@ enum FileItem : int16_t {
     kCreatedOn = 12,
 };
 
-// The facts every file column of every list shows: the twelve version
-// strings of a file and its creation date. One object serves any number of
-// files; each GetFileDescription clears what the last one found.
+// The file-version reader, whatever its name says (it keeps the name the
+// program's design gives it): the facts every file column of every list
+// shows, the twelve version strings of a file and its creation date. One
+// object serves any number of files; each GetFileDescription clears what the
+// last one found.
 class clsProcess {
 public:
     static constexpr int16_t kItemCount = 13;

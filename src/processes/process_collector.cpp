@@ -108,11 +108,6 @@ ProcessRow BuildRow(ProcessSources& sources, clsProcess& objFileInfo, const Refe
 
 }  // namespace
 
-ProcessRow addProcessItem(ProcessSources& sources, clsProcess& objFileInfo, const ReferenceLists& lists,
-                          const std::string& path, const std::string& name, int32_t pid) {
-    return BuildRow(sources, objFileInfo, lists, path, name, pid, sources.clock.DecimalSign());
-}
-
 std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, clsProcess& objFileInfo,
                                            const ProcessListOptions& options) {
     // The lists are read at every refresh, so an edited file counts at once.

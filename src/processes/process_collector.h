@@ -68,11 +68,6 @@ struct ProcessListOptions {
     bool blnFiltered = true;         // leave out what the system and common lists name
 };
 
-// One row as addProcessItem builds it. `objFileInfo` is the pane's one
-// clsProcess, reused for every row.
-ProcessRow addProcessItem(ProcessSources& sources, clsProcess& objFileInfo, const ReferenceLists& lists,
-                          const std::string& path, const std::string& name, int32_t pid);
-
 // The rows of a refresh, in walk order: the lists are read anew, the walk
 // runs, and each process the filter lets through gets its row.
 std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, clsProcess& objFileInfo,

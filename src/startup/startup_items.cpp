@@ -173,9 +173,10 @@ void AddRunItem(StartupSources& sources, const StartupPlaces& places, StartupLis
 
 namespace {
 
-// AddFolderItem for a target known to exist as it stands, which only a
-// reference to be expanded can change; each existence test is a system call.
-void AddFolderItemOf(StartupSources& sources, const StartupPlaces& places, StartupList& list,
+// AddFolderItem: the row of a shortcut whose target is known to exist as it
+// stands, which only a reference to be expanded can change; each existence
+// test is a system call.
+void AddFolderItem(StartupSources& sources, const StartupPlaces& places, StartupList& list,
                      const std::string& name, const std::string& command, const std::string& location,
                      const std::string& iconFile, int32_t iconIndex, std::string target, bool enabled,
                      bool targetExists) {
@@ -188,14 +189,6 @@ void AddFolderItemOf(StartupSources& sources, const StartupPlaces& places, Start
 }
 
 }  // namespace
-
-void AddFolderItem(StartupSources& sources, const StartupPlaces& places, StartupList& list,
-                   const std::string& name, const std::string& command, const std::string& location,
-                   const std::string& iconFile, int32_t iconIndex, std::string target, bool enabled) {
-    const bool exists = sources.facts.Exists(target);
-    AddFolderItemOf(sources, places, list, name, command, location, iconFile, iconIndex, std::move(target), enabled,
-                    exists);
-}
 
 void LoadRunKeyItems(StartupSources& sources, const StartupPlaces& places, StartupList& list, RegKey hive,
                      const std::string& location) {
@@ -249,7 +242,7 @@ void LoadFolderItems(StartupSources& sources, const StartupPlaces& places, Start
             if (!part0.empty() && sources.facts.Exists(part0)) iconFile = part0;
             iconIndex = IconIndexOf(part1);
         }
-        AddFolderItemOf(sources, places, list, name, command, location, iconFile, iconIndex, target, enabled, true);
+        AddFolderItem(sources, places, list, name, command, location, iconFile, iconIndex, target, enabled, true);
     }
 }
 

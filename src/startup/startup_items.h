@@ -107,9 +107,6 @@ std::string CommandToPath(const std::string& command);
 // The row makers. `enabled` says which state the row shows.
 void AddRunItem(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
                 const std::string& command, const std::string& location, bool enabled);
-void AddFolderItem(StartupSources& sources, const StartupPlaces& places, StartupList& list,
-                   const std::string& name, const std::string& command, const std::string& location,
-                   const std::string& iconFile, int32_t iconIndex, std::string target, bool enabled);
 
 // The sources. `hive` is kHKeyLocalMachine or kHKeyCurrentUser.
 void LoadRunKeyItems(StartupSources& sources, const StartupPlaces& places, StartupList& list, RegKey hive,

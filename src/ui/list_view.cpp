@@ -108,13 +108,6 @@ HIMAGELIST SetSmallImageList(HWND list, HIMAGELIST images) {
         SendMessageA(list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images)));
 }
 
-int FindItemByParam(HWND list, LPARAM param) {
-    LVFINDINFOA find{};
-    find.flags = LVFI_PARAM;
-    find.lParam = param;
-    return static_cast<int>(SendMessageA(list, LVM_FINDITEMA, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
-}
-
 void SortItems(HWND list, PFNLVCOMPARE compare, LPARAM context) {
     SendMessageA(list, LVM_SORTITEMS, context, reinterpret_cast<LPARAM>(compare));
 }

@@ -26,8 +26,6 @@ int GetSelectedItem(HWND list);
 void SelectItem(HWND list, int item);
 // The small image list; the old one comes back.
 HIMAGELIST SetSmallImageList(HWND list, HIMAGELIST images);
-// The row whose param is `param`, or -1.
-int FindItemByParam(HWND list, LPARAM param);
 // Sorts by the items' params: `compare(param1, param2, context)`.
 void SortItems(HWND list, PFNLVCOMPARE compare, LPARAM context);
 

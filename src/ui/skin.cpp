@@ -10,7 +10,6 @@ namespace {
 // The skin's colours.
 constexpr COLORREF kBackColor = RGB(255, 255, 255);
 constexpr COLORREF kForeColor = RGB(0, 0, 0);
-constexpr COLORREF kPanelColor = 0xEBEBEB;
 constexpr COLORREF kDisabledText = RGB(150, 150, 150);
 
 constexpr const char* kButtonProp = "CorvaneSkinButton";
@@ -283,8 +282,6 @@ BOOL CALLBACK SkinChildButton(HWND child, LPARAM) {
 }
 
 }  // namespace
-
-COLORREF SkinPanelColor() { return kPanelColor; }
 
 HCURSOR HandPointer() {
     static HCURSOR hand = [] {

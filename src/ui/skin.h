@@ -18,8 +18,6 @@ void SkinPushButtons(HWND parent);
 
 // The store's name of the object a control was given; empty when none.
 std::string SkinObjectOf(HWND hWnd);
-// The skin's panel colour, for frames that stand apart from the white ground.
-COLORREF SkinPanelColor();
 // The program's hand pointer, for links and navigation faces.
 HCURSOR HandPointer();
 
