@@ -155,7 +155,8 @@ HFONT FontOf(const LOGFONTA& logFont) {
 }
 
 bool IsGroupBox(HWND hwnd) {
-    return lstrcmpiA(ClassOf(hwnd).c_str(), "Button") == 0 && (GetWindowLongA(hwnd, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
+    return lstrcmpiA(ClassOf(hwnd).c_str(), "Button") == 0 &&
+           (GetWindowLongA(hwnd, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
 }
 
 LOGFONTA Cut(const LOGFONTA& font, int pixels) {
@@ -178,8 +179,8 @@ void FitOwnFonts(HFONT dialogFont, const std::vector<Control>& controls) {
 }
 
 // Steps the dialog's font down a pixel at a time until every text fits.
-// A group box whose caption fits keeps its font: Wine leaves the gap in its
-// frame the width the caption had in the font it was made with.
+// A group box whose caption fits keeps its font: Wine draws a group box that
+// was given a smaller font after it was made with its caption cut short.
 void FitTexts(HWND dialog, const std::vector<Control>& controls) {
     HFONT dialogFont = reinterpret_cast<HFONT>(SendMessageA(dialog, WM_GETFONT, 0, 0));
     FitOwnFonts(dialogFont, controls);
