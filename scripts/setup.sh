@@ -7,6 +7,7 @@ packages=(
   clang libclang-rt-14-dev                   # the fuzz build: libFuzzer comes with clang's runtime
   g++-mingw-w64-x86-64 binutils-mingw-w64-x86-64  # the Windows build
   wine wine64                                # running it
+  fonts-wine                                 # Wine's Marlett, Tahoma and MS Sans Serif (a recommends, so named)
   xvfb xauth imagemagick xdotool             # a display, screenshots and clicks
 )
 missing=()

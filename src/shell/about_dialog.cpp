@@ -2,18 +2,19 @@
 
 #include "foundations/functions.h"
 #include "res/resource.h"
-#include "ui/app_context.h"
 #include "foundations/app_identity.h"
+#include "ui/app_context.h"
+#include "ui/layout.h"
 #include "ui/skin.h"
+#include "ui/twips.h"
 
 namespace corvane {
 
 namespace {
 
 constexpr COLORREF kBackground = 0xE0E0E0;
-// 6915 x 4200 twips at 96 dpi.
-constexpr int kWidth = 461;
-constexpr int kHeight = 280;
+constexpr int kWidthTwips = 6915;
+constexpr int kHeightTwips = 4200;
 
 HBRUSH Background() {
     static HBRUSH brush = CreateSolidBrush(kBackground);
@@ -21,13 +22,13 @@ HBRUSH Background() {
 }
 
 HFONT TitleFont() {
-    static HFONT font = CreateFontA(-24, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, ANSI_CHARSET, 0, 0,
+    static HFONT font = CreateFontA(-TwipsToPixelsY(360), 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, ANSI_CHARSET, 0, 0,
                                     DEFAULT_QUALITY, 0, "Tahoma");
     return font;
 }
 
 HFONT LinkFont() {
-    static HFONT font = CreateFontA(-11, 0, 0, 0, FW_NORMAL, FALSE, TRUE, FALSE, ANSI_CHARSET, 0, 0,
+    static HFONT font = CreateFontA(-TwipsToPixelsY(165), 0, 0, 0, FW_NORMAL, FALSE, TRUE, FALSE, ANSI_CHARSET, 0, 0,
                                     DEFAULT_QUALITY, 0, "Tahoma");
     return font;
 }
@@ -55,11 +56,14 @@ void Form_Load(HWND dialog) {
                     "It keeps what it removes beside the program so that it can be brought back, but an "
                     "item you delete for good is gone: check before you do.");
 
-    // Fixed size, centred on the main window.
-    RECT ownerRect;
+    // Fixed size, the texts fitted in, centred on the main window.
+    FitDialogWindow(dialog, kWidthTwips, kHeightTwips);
+    RECT rect, ownerRect;
+    GetWindowRect(dialog, &rect);
+    const int width = rect.right - rect.left, height = rect.bottom - rect.top;
     if (!owner || !GetWindowRect(owner, &ownerRect)) SystemParametersInfoA(SPI_GETWORKAREA, 0, &ownerRect, 0);
-    SetWindowPos(dialog, nullptr, (ownerRect.left + ownerRect.right - kWidth) / 2,
-                 (ownerRect.top + ownerRect.bottom - kHeight) / 2, kWidth, kHeight, SWP_NOZORDER);
+    SetWindowPos(dialog, nullptr, (ownerRect.left + ownerRect.right - width) / 2,
+                 (ownerRect.top + ownerRect.bottom - height) / 2, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
 }
 
 // The decoration: a white band behind the heading and two rules.

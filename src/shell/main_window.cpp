@@ -2,20 +2,21 @@
 
 #include <commctrl.h>
 
-#include "foundations/functions.h"
-#include "foundations/sys_info.h"
-#include "res/resource.h"
-#include "shell/about_dialog.h"
-#include "ui/app_context.h"
-#include "foundations/app_identity.h"
-#include "shell/disable_maximize.h"
-#include "ui/popup_menus.h"
 #include "applications/applications_pane.h"
 #include "browser/browser_pane.h"
+#include "foundations/app_identity.h"
+#include "foundations/functions.h"
+#include "foundations/sys_info.h"
 #include "options/options_pane.h"
 #include "processes/process_pane.h"
+#include "res/resource.h"
+#include "shell/about_dialog.h"
+#include "shell/disable_maximize.h"
 #include "startup/startup_pane.h"
+#include "ui/app_context.h"
+#include "ui/popup_menus.h"
 #include "ui/skin.h"
+#include "ui/twips.h"
 
 namespace corvane {
 
@@ -39,17 +40,28 @@ constexpr const char* kMainClass = "CorvaneMain";
 constexpr const char* kBarClass = "CorvaneBar";
 constexpr const char* kClientClass = "CorvaneClient";
 
-// The design's twips at 96 dpi, 15 twips to the pixel.
-constexpr int Px(int twips) { return (twips + 7) / 15; }
-constexpr int kClientWidth = Px(10875);  // 725
-constexpr int kClientHeight = Px(7590);  // 506
-constexpr int kTopBarHeight = Px(990);   // 66
-constexpr int kLeftBarWidth = Px(1305);  // 87
+// The design's sizes in twips; the screen's resolution turns them into
+// pixels, so the bars, the buttons and the panes grow together.
+constexpr int kClientWidthTwips = 10875;
+constexpr int kClientHeightTwips = 7590;
+constexpr int kTopBarHeightTwips = 990;
+constexpr int kLeftBarWidthTwips = 1305;
+constexpr int kNavLeftTwips = 120;
+constexpr int kNavWidthTwips = 960;
+constexpr int kNavHeightTwips = 970;
+// The banner picture is drawn for 96 dpi; larger screens get it stretched.
+constexpr int kBannerWidth = 721;
+constexpr int kBannerHeight = 61;
+constexpr int kBannerTop = 2;
+
+// Pixels drawn for 96 dpi, at the screen's resolution.
+int ScaledX(int pixels) { return MulDiv(pixels, TwipsToPixelsX(1440), 96); }
+int ScaledY(int pixels) { return MulDiv(pixels, TwipsToPixelsY(1440), 96); }
 
 constexpr COLORREF kLinkColour = RGB(0x1d, 0x4e, 0x89);
 
 HFONT LinkFont() {
-    static HFONT font = CreateFontA(-12, 0, 0, 0, FW_NORMAL, FALSE, TRUE, FALSE, ANSI_CHARSET, 0, 0,
+    static HFONT font = CreateFontA(-ScaledY(12), 0, 0, 0, FW_NORMAL, FALSE, TRUE, FALSE, ANSI_CHARSET, 0, 0,
                                     DEFAULT_QUALITY, 0, "Tahoma");
     return font;
 }
@@ -107,38 +119,44 @@ frmMain* frmMain::Create(HWND appWindow, bool show) {
     auto* form = new frmMain;
     const DWORD style = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_MAXIMIZEBOX |
                         WS_THICKFRAME | WS_CLIPCHILDREN;
+    const int clientWidth = TwipsToPixelsX(kClientWidthTwips), clientHeight = TwipsToPixelsY(kClientHeightTwips);
+    const int topBarHeight = TwipsToPixelsY(kTopBarHeightTwips), leftBarWidth = TwipsToPixelsX(kLeftBarWidthTwips);
     form->hwnd_ = CreateWindowExA(WS_EX_CONTROLPARENT, kMainClass, "", style, CW_USEDEFAULT, CW_USEDEFAULT,
-                                  kClientWidth, kClientHeight, appWindow, nullptr, App().instance, form);
+                                  clientWidth, clientHeight, appWindow, nullptr, App().instance, form);
     if (!form->hwnd_) {
         delete form;
         return nullptr;
     }
     App().mainWindow = form->hwnd_;
     HWND w = form->hwnd_;
-    form->picTop_ = Child(w, kBarClass, "", WS_CLIPCHILDREN, 0, 0, kClientWidth, kTopBarHeight, IDC_PICTOP);
-    form->picLeft_ = Child(w, kBarClass, "", WS_CLIPCHILDREN, 0, kTopBarHeight, kLeftBarWidth,
-                           kClientHeight - kTopBarHeight, IDC_PICLEFT);
+    form->picTop_ = Child(w, kBarClass, "", WS_CLIPCHILDREN, 0, 0, clientWidth, topBarHeight, IDC_PICTOP);
+    form->picLeft_ = Child(w, kBarClass, "", WS_CLIPCHILDREN, 0, topBarHeight, leftBarWidth,
+                           clientHeight - topBarHeight, IDC_PICLEFT);
     SetWindowLongPtrA(form->picLeft_, GWL_EXSTYLE, WS_EX_CONTROLPARENT);
-    form->client_ = Child(w, kClientClass, "", WS_CLIPCHILDREN, kLeftBarWidth, kTopBarHeight,
-                          kClientWidth - kLeftBarWidth, kClientHeight - kTopBarHeight, IDC_CLIENT);
+    form->client_ = Child(w, kClientClass, "", WS_CLIPCHILDREN, leftBarWidth, topBarHeight,
+                          clientWidth - leftBarWidth, clientHeight - topBarHeight, IDC_CLIENT);
     SetWindowLongPtrA(form->client_, GWL_EXSTYLE, WS_EX_CONTROLPARENT);
 
-    HWND about = Child(form->picTop_, "STATIC", "About", SS_NOTIFY | SS_RIGHT, kClientWidth - 150, 44, 50, 16,
-                       IDC_LBLABOUT);
-    HWND help = Child(form->picTop_, "STATIC", "Help Topics", SS_NOTIFY | SS_RIGHT, kClientWidth - 95, 44, 85,
-                      16, IDC_LBLHELP);
+    // Both labels keep their distance from the right edge of the bar.
+    HWND about = Child(form->picTop_, "STATIC", "About", SS_NOTIFY | SS_RIGHT,
+                       TwipsToPixelsX(kClientWidthTwips - 2250), TwipsToPixelsY(660), TwipsToPixelsX(750),
+                       TwipsToPixelsY(240), IDC_LBLABOUT);
+    HWND help = Child(form->picTop_, "STATIC", "Help Topics", SS_NOTIFY | SS_RIGHT,
+                      TwipsToPixelsX(kClientWidthTwips - 1425), TwipsToPixelsY(660), TwipsToPixelsX(1275),
+                      TwipsToPixelsY(240), IDC_LBLHELP);
     SendMessageA(about, WM_SETFONT, reinterpret_cast<WPARAM>(LinkFont()), FALSE);
     SendMessageA(help, WM_SETFONT, reinterpret_cast<WPARAM>(LinkFont()), FALSE);
     for (const PaneEntry& pane : kPanes) {
-        Child(form->picLeft_, "BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, Px(120), Px(pane.buttonTopTwips), Px(960),
-              Px(970), pane.button);
+        Child(form->picLeft_, "BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, TwipsToPixelsX(kNavLeftTwips),
+              TwipsToPixelsY(pane.buttonTopTwips), TwipsToPixelsX(kNavWidthTwips), TwipsToPixelsY(kNavHeightTwips),
+              pane.button);
     }
 
     form->MDIForm_Load();
 
     // Opens centred on the screen, with the client area of the design; the
     // frame lost its sizing border in the load step, so measure it now.
-    RECT rect{0, 0, kClientWidth, kClientHeight};
+    RECT rect{0, 0, clientWidth, clientHeight};
     AdjustWindowRectEx(&rect, GetWindowLongA(w, GWL_STYLE), FALSE, GetWindowLongA(w, GWL_EXSTYLE));
     const int width = rect.right - rect.left, height = rect.bottom - rect.top;
     RECT work;
@@ -289,7 +307,15 @@ LRESULT CALLBACK frmMain::BarProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM
                 if (banner) {
                     HDC source = CreateCompatibleDC(dc);
                     HGDIOBJ old = SelectObject(source, banner);
-                    BitBlt(dc, 0, 2, 721, 61, source, 0, 0, SRCCOPY);
+                    const int width = ScaledX(kBannerWidth), height = ScaledY(kBannerHeight);
+                    if (width == kBannerWidth && height == kBannerHeight) {
+                        BitBlt(dc, 0, kBannerTop, width, height, source, 0, 0, SRCCOPY);
+                    } else {
+                        SetStretchBltMode(dc, HALFTONE);
+                        SetBrushOrgEx(dc, 0, 0, nullptr);
+                        StretchBlt(dc, 0, ScaledY(kBannerTop), width, height, source, 0, 0, kBannerWidth,
+                                   kBannerHeight, SRCCOPY);
+                    }
                     SelectObject(source, old);
                     DeleteDC(source);
                 }

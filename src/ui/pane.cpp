@@ -1,18 +1,19 @@
 #include "ui/pane.h"
 
+#include "ui/layout.h"
 #include "ui/popup_menus.h"
 #include "ui/skin.h"
 
 namespace corvane {
 
 namespace {
-// 9540 x 6570 twips at 96 dpi.
-constexpr int kPaneWidth = 636;
-constexpr int kPaneHeight = 438;
+constexpr int kPaneWidthTwips = 9540;
+constexpr int kPaneHeightTwips = 6570;
 }  // namespace
 
 void PlacePane(HWND pane) {
-    SetWindowPos(pane, nullptr, 0, 0, kPaneWidth, kPaneHeight, SWP_NOZORDER | SWP_NOACTIVATE);
+    FitChildDialog(pane, kPaneWidthTwips, kPaneHeightTwips);
+    SetWindowPos(pane, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     SkinPushButtons(pane);
 }
 
