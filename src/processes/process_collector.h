@@ -72,14 +72,15 @@ struct ProcessListOptions {
     bool blnFiltered = true;         // leave out what the system and common lists name
 };
 
-// One row as addProcessItem builds it. `objFileInfo` is the pane's one
-// clsProcess, reused for every row.
+// One row as addProcessItem builds it. `objFileInfo` reads the file's
+// version strings and date; it is reused for every row.
 ProcessRow addProcessItem(ProcessSources& sources, clsProcess& objFileInfo, const ReferenceLists& lists,
                           const std::string& path, const std::string& name, int32_t pid);
 
 // The rows of a refresh, in walk order: the lists are read anew, the walk
-// runs, and each process the filter lets through gets its row.
-std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, clsProcess& objFileInfo,
-                                           const ProcessListOptions& options);
+// runs, and each process the filter lets through gets its row. Every file is
+// read through `sources.facts`; a fill hands in a FileFactsCache there, so a
+// program that runs many times is read once.
+std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, const ProcessListOptions& options);
 
 }  // namespace corvane

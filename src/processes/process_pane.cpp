@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "foundations/file_facts_cache.h"
 #include "foundations/functions.h"
 #include "foundations/report_banner.h"
 #include "foundations/view_info_dialog.h"
@@ -85,7 +86,6 @@ void frmProcess::Form_Load() {
 
     // The backup store comes into being here and nowhere else.
     if (!app.files->Exists(app.appPath + "\\backup\\")) app.files->CreateFolder(app.appPath + "\\backup");
-    objFileInfo_ = std::make_unique<clsProcess>(*app.facts, *app.clock);
 
     blnFiltered_ = true;
     CheckRadioButton(hwnd_, IDC_OPTFILTER0, IDC_OPTFILTER1, IDC_OPTFILTER1);
@@ -96,9 +96,11 @@ void frmProcess::Form_Load() {
 
 void frmProcess::refreshProcessList() {
     AppContext& app = App();
-    ProcessSources sources{*app.processes, *app.facts, *app.clock, *app.files};
-    ShowRows(CollectProcessRows(sources, *objFileInfo_,
-                                ProcessListOptions{app.appPath, app.shared.WindowsVersionName, blnFiltered_}));
+    // Each file is read once per refresh, however many processes run it; the
+    // next refresh reads them anew.
+    FileFactsCache facts(*app.facts);
+    ProcessSources sources{*app.processes, facts, *app.clock, *app.files};
+    ShowRows(CollectProcessRows(sources, ProcessListOptions{app.appPath, app.shared.WindowsVersionName, blnFiltered_}));
 }
 
 void frmProcess::ShowRows(std::vector<ProcessRow> rows) {
@@ -113,9 +115,10 @@ void frmProcess::ShowRows(std::vector<ProcessRow> rows) {
     ImageList_AddIcon(imglProcess_, DefaultFileIcon(false));
     SetSmallImageList(lstvProcess_, imglProcess_);
 
+    FileIconCache icons;  // a program that runs many times is taken out once
     for (size_t i = 0; i < rows_.size(); ++i) {
         const ProcessRow& row = rows_[i];
-        const int image = row.iconFile.empty() ? 0 : AddFileIconImage(imglProcess_, row.iconFile, 0);
+        const int image = row.iconFile.empty() ? 0 : icons.AddImage(imglProcess_, row.iconFile, 0);
         const int item = InsertItem(lstvProcess_, static_cast<int>(i), row.cells[kColName], image,
                                              static_cast<LPARAM>(i));
         for (int column = 1; column < static_cast<int>(row.cells.size()); ++column) {

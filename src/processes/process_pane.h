@@ -75,7 +75,6 @@ private:
     HIMAGELIST imglProcess_ = nullptr;
     HFONT boldFont_ = nullptr;
     std::vector<ProcessRow> rows_;  // by the items' params
-    std::unique_ptr<clsProcess> objFileInfo_;
     bool blnFiltered_ = true;
     // The list's sorting: off until a column is clicked, then on for the pane's life.
     bool sorted_ = false;

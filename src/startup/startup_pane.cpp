@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "foundations/file_facts_cache.h"
 #include "foundations/functions.h"
 #include "foundations/report_banner.h"
 #include "foundations/view_info_dialog.h"
@@ -98,7 +99,11 @@ void ApplySort(Pane& pane) {
 void NodeClick(Pane& pane, const std::string& key) {
     if (key == pane.CurrentNodeKey) return;
     HCURSOR previous = SetCursor(LoadCursor(nullptr, IDC_WAIT));
-    StartupSources sources = Sources();
+    // Each file is read once for this fill, however many items name it; the
+    // next fill, after a command changed files, reads them anew.
+    AppContext& app = App();
+    FileFactsCache facts(*app.facts);
+    StartupSources sources{*app.registry, *app.files, facts, *app.clock, *app.environment, *app.shortcuts};
     pane.rows = CollectStartupItems(sources, pane.places, key);
     SetWindowTextA(pane.frame, SelectionCaption(key).c_str());
     ShowStartupRows(pane.list, pane.images, pane.rows.rows);
@@ -296,9 +301,10 @@ void ShowStartupRows(HWND list, HIMAGELIST images, const std::vector<StartupRow>
     DeleteAllItems(list);
     ImageList_RemoveAll(images);
     ImageList_AddIcon(images, DefaultFileIcon(false));
+    FileIconCache icons;  // each file's icon taken out once for this fill
     for (size_t i = 0; i < rows.size(); ++i) {
         const StartupRow& row = rows[i];
-        const int image = row.iconFile.empty() ? 0 : AddFileIconImage(images, row.iconFile, row.iconIndex);
+        const int image = row.iconFile.empty() ? 0 : icons.AddImage(images, row.iconFile, row.iconIndex);
         const int item = InsertItem(list, static_cast<int>(i), row.cells[kStartupColName], image, static_cast<LPARAM>(i));
         for (int column = 1; column < static_cast<int>(row.cells.size()); ++column) {
             if (!row.cells[static_cast<size_t>(column)].empty()) {
