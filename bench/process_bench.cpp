@@ -255,7 +255,6 @@ int main(int argc, char** argv) {
         if (std::string(argv[i]) == "--sizes") std::sscanf(argv[i + 1], "%d,%d", &sizes[0], &sizes[1]);
     }
     ProcessSources sources{table, *app.facts, *app.clock, *app.files};
-    clsProcess objFileInfo(*app.facts, *app.clock);
     const ProcessListOptions options{kFolder, app.shared.WindowsVersionName, true};
     double perRow[2][4] = {};
     for (int i = 0; i < 2; ++i) {
@@ -263,12 +262,12 @@ int main(int argc, char** argv) {
         Fill(table, files, count);
         const int turns = quick ? 1 : (count > 1000 ? 1 : 3);
         std::vector<Measurement> whole, collect, show, plain;
-        const std::vector<ProcessRow> rows = CollectProcessRows(sources, objFileInfo, options);
+        const std::vector<ProcessRow> rows = CollectProcessRows(sources, options);
         const std::string suffix = " x" + std::to_string(count);
         for (int run = 0; run < turns; ++run) {
             whole.push_back(TimeOnce("process pane refresh" + suffix, [&] { pane->refreshProcessList(); }));
             collect.push_back(TimeOnce("collector alone" + suffix, [&] {
-                KeepAlive(CollectProcessRows(sources, objFileInfo, options));
+                KeepAlive(CollectProcessRows(sources, options));
             }));
             show.push_back(TimeOnce("showing alone" + suffix, [&] { pane->ShowRows(rows); }));
             plain.push_back(TimeOnce("bare calls, same rows" + suffix, [&] { BareRefresh(bareList, table); }));

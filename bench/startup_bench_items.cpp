@@ -9,6 +9,12 @@
 // came and went; every shortcut leads to an existing program, since one that
 // does not gets no row. The keys and folders are the bench's own:
 // HKLM\ and HKCU\Software\CorvaneBench\Run, C:\corvane-bench-startup.
+//
+// A second case is the machine where the same few programs start over and
+// over: 2,000 values naming seven programs. There a fill reads each file
+// once (FileFactsCache, FileIconCache); it is timed with the caches, without
+// them (each row reads its file, as before), and against the bare calls, both
+// as every row makes them and with each file read once.
 #include <windows.h>
 #include <commctrl.h>
 #include <objbase.h>
@@ -19,11 +25,13 @@
 
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "bench/fixture_files.h"
 #include "bench/harness.h"
+#include "foundations/file_facts_cache.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
@@ -77,8 +85,9 @@ bool SaveShortcut(IShellLinkA* link, IPersistFile* file, const std::string& path
     return SUCCEEDED(file->Save(wide, TRUE));
 }
 
-// `values` across both Run keys and `shortcuts` across both folders.
-void MakeItems(int values, int shortcuts) {
+// `values` across both Run keys and `shortcuts` across both folders. With
+// `naming` programs, every value names one of that many in turn.
+void MakeItems(int values, int shortcuts, int naming = 0) {
     RemoveKeys();
     RemoveFolder(kRoot);
     CreateDirectoryA(kRoot, nullptr);
@@ -89,8 +98,9 @@ void MakeItems(int values, int shortcuts) {
     RegCreateKeyExA(HKEY_LOCAL_MACHINE, kRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &keys[0], nullptr);
     RegCreateKeyExA(HKEY_CURRENT_USER, kRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &keys[1], nullptr);
     for (int i = 0; i < values; ++i) {
-        const std::string file = i % 10 == 0 ? Program(i / 10 % kPrograms)
-                                             : std::string(kRoot) + "\\gone\\program " + std::to_string(i) + ".exe";
+        const std::string file = naming > 0    ? Program(i % naming)
+                                 : i % 10 == 0 ? Program(i / 10 % kPrograms)
+                                               : std::string(kRoot) + "\\gone\\program " + std::to_string(i) + ".exe";
         const std::string command = "\"" + file + "\" /start " + std::to_string(i);
         const std::string name = "Item " + std::to_string(i);
         RegSetValueExA(keys[i % 2], name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
@@ -178,19 +188,37 @@ void BareFile(const std::string& path, BareRow& row) {
     row.iconFile = path;
 }
 
-void BareShow(HWND list, HIMAGELIST images, const std::vector<BareRow>& rows) {
+// The file columns of a row, read from the file once when `once` is given.
+void BareFileOnce(const std::string& path, BareRow& row, std::map<std::string, BareRow>* once) {
+    if (!once) return BareFile(path, row);
+    auto [it, added] = once->try_emplace(path);
+    if (added) BareFile(path, it->second);
+    for (int c = 4; c <= 10; ++c) row.cells[c] = it->second.cells[c];
+    row.iconFile = it->second.iconFile;
+}
+
+// With `once`, each file's icon is taken out once and added for every row.
+void BareShow(HWND list, HIMAGELIST images, const std::vector<BareRow>& rows, bool once) {
     SendMessageA(list, WM_SETREDRAW, FALSE, 0);
     SendMessageA(list, LVM_DELETEALLITEMS, 0, 0);
     ImageList_RemoveAll(images);
     ImageList_AddIcon(images, DefaultFileIcon(false));
+    std::map<std::string, HICON> icons;
     for (size_t i = 0; i < rows.size(); ++i) {
         int image = 0;
         if (!rows[i].iconFile.empty()) {
-            HICON large = nullptr, small = nullptr;
-            if (static_cast<int>(ExtractIconExA(rows[i].iconFile.c_str(), 0, &large, &small, 1)) > 0) {
+            auto known = once ? icons.find(rows[i].iconFile) : icons.end();
+            if (known != icons.end()) {
+                if (known->second) image = ImageList_AddIcon(images, known->second);
+            } else {
+                HICON large = nullptr, small = nullptr;
+                if (static_cast<int>(ExtractIconExA(rows[i].iconFile.c_str(), 0, &large, &small, 1)) <= 0) {
+                    large = small = nullptr;
+                }
                 if (small) image = ImageList_AddIcon(images, small);
                 if (large) DestroyIcon(large);
-                if (small) DestroyIcon(small);
+                if (once) icons[rows[i].iconFile] = small;
+                else if (small) DestroyIcon(small);
             }
         }
         LVITEMA item{};
@@ -210,10 +238,22 @@ void BareShow(HWND list, HIMAGELIST images, const std::vector<BareRow>& rows) {
     }
     for (int c = 0; c < 11; ++c) SendMessageA(list, LVM_SETCOLUMNWIDTH, c, LVSCW_AUTOSIZE_USEHEADER);
     SendMessageA(list, WM_SETREDRAW, TRUE, 0);
+    for (const auto& [file, icon] : icons) {
+        if (icon) DestroyIcon(icon);
+    }
 }
 
-void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersistFile* persist) {
+void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersistFile* persist,
+                        bool once = false) {
     std::vector<BareRow> rows;
+    std::map<std::string, BareRow> files;
+    std::map<std::string, bool> exists;
+    auto fileExists = [&](const std::string& path) {
+        if (!once) return PathFileExistsA(path.c_str()) != 0;
+        auto [it, added] = exists.try_emplace(path, false);
+        if (added) it->second = PathFileExistsA(path.c_str()) != 0;
+        return it->second;
+    };
     for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
         HKEY key;
         if (RegOpenKeyExA(hive, kRunKey, 0, KEY_READ, &key) != ERROR_SUCCESS) continue;
@@ -233,7 +273,7 @@ void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersis
             const char* colon = std::strchr(data.data(), ':');
             const char* ext = std::strstr(data.data(), ".exe");
             const std::string path = colon && ext ? std::string(colon - 1, ext + 4) : row.cells[3];
-            if (PathFileExistsA(path.c_str())) BareFile(path, row);
+            if (fileExists(path)) BareFileOnce(path, row, once ? &files : nullptr);
             rows.push_back(std::move(row));
         }
         RegCloseKey(key);
@@ -252,18 +292,38 @@ void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersis
             link->GetPath(target, MAX_PATH, nullptr, 0);
             link->GetArguments(arguments, sizeof arguments);
             link->GetIconLocation(icon, MAX_PATH, &iconIndex);
-            if (!PathFileExistsA(target)) continue;
+            if (!fileExists(target)) continue;
             BareRow row;
             row.cells[0] = found.cFileName;
             row.cells[1] = "True";
             row.cells[2] = folder[1] == 'L' ? "Startup LM" : "Startup CU";
             row.cells[3] = std::string("\"") + target + "\" " + arguments;
-            BareFile(target, row);
+            BareFileOnce(target, row, once ? &files : nullptr);
             rows.push_back(std::move(row));
         } while (FindNextFileA(find, &found));
         FindClose(find);
     }
-    BareShow(list, images, rows);
+    BareShow(list, images, rows, once);
+}
+
+// The list as it was filled before each fill read each file once: every row
+// reads its own file's facts and takes out its own icon.
+void ShowUncached(HWND list, HIMAGELIST images, const std::vector<StartupRow>& rows) {
+    SendMessageA(list, WM_SETREDRAW, FALSE, 0);
+    DeleteAllItems(list);
+    ImageList_RemoveAll(images);
+    ImageList_AddIcon(images, DefaultFileIcon(false));
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const StartupRow& row = rows[i];
+        const int image = row.iconFile.empty() ? 0 : AddFileIconImage(images, row.iconFile, row.iconIndex);
+        const int item = InsertItem(list, static_cast<int>(i), row.cells[kStartupColName], image, static_cast<LPARAM>(i));
+        for (int column = 1; column < static_cast<int>(row.cells.size()); ++column) {
+            if (!row.cells[static_cast<size_t>(column)].empty()) {
+                SetItemText(list, item, column, row.cells[static_cast<size_t>(column)]);
+            }
+        }
+    }
+    SendMessageA(list, WM_SETREDRAW, TRUE, 0);
 }
 
 template <class Body>
@@ -295,7 +355,7 @@ int main(int argc, char** argv) {
     Win32Clock clock;
     Win32Environment environment;
     Win32Shortcuts shortcuts;
-    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
+    StartupSources uncachedSources{registry, files, facts, clock, environment, shortcuts};
     StartupPlaces places;
     places.appPath = std::string(kRoot) + "\\app";
     places.commonStartupFolder = std::string(kRoot) + "\\LM";
@@ -316,6 +376,10 @@ int main(int argc, char** argv) {
                  LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT);
     for (size_t i = 0; i < kStartupColumns.size(); ++i) InsertColumn(bareList, static_cast<int>(i), kStartupColumns[i], 80);
     HIMAGELIST bareImages = MakeImages(bareList);
+    // The fill as it was before the caches, on a list of its own.
+    HWND plainList = MakeList();
+    for (size_t i = 0; i < kStartupColumns.size(); ++i) InsertColumn(plainList, static_cast<int>(i), kStartupColumns[i], 80);
+    HIMAGELIST plainImages = MakeImages(plainList);
 
     struct Size {
         int values, shortcuts;
@@ -333,12 +397,15 @@ int main(int argc, char** argv) {
         MakeItems(size.values, size.shortcuts);
         const int items = size.values + size.shortcuts;
         size_t shown = 0;
+        // As the pane fills: each file read once for the fill.
         auto ours = [&] {
+            FileFactsCache cache(facts);
+            StartupSources sources{registry, files, cache, clock, environment, shortcuts};
             StartupList list = CollectStartupItems(sources, places, "All");
             shown = list.rows.size();
             ours_.Show(std::move(list.rows));
         };
-        auto bare = [&] { BareCollectAndShow(bareList, bareImages, link, persist); };
+        auto bare = [&] { BareCollectAndShow(bareList, bareImages, link, persist, true); };
         // Under Wine a run of thousands of items takes seconds, long enough
         // for the machine's load to change: the two sides take turns.
         const int runs = QuickMode() ? 1 : (items > 10000 ? 3 : 5);
@@ -374,11 +441,66 @@ int main(int argc, char** argv) {
                     perItem.front().first, perItem.back().second / perItem.front().second);
     }
 
+    // The same seven programs named over and over: with the fill's caches,
+    // without them, and the bare calls per row and with each file once.
+    {
+        const int values = QuickMode() ? 70 : 2000;
+        constexpr int kNaming = 7;
+        MakeItems(values, 0, kNaming);
+        size_t shown = 0;
+        auto cached = [&] {
+            FileFactsCache cache(facts);
+            StartupSources sources{registry, files, cache, clock, environment, shortcuts};
+            StartupList list = CollectStartupItems(sources, places, "All");
+            shown = list.rows.size();
+            ours_.Show(std::move(list.rows));
+        };
+        auto uncached = [&] {
+            const StartupList list = CollectStartupItems(uncachedSources, places, "All");
+            ShowUncached(plainList, plainImages, list.rows);
+            AutoSizeColumns(plainList);
+            shown = list.rows.size();
+        };
+        auto barePerRow = [&] { BareCollectAndShow(bareList, bareImages, link, persist, false); };
+        auto bareOnce = [&] { BareCollectAndShow(bareList, bareImages, link, persist, true); };
+        const int runs = QuickMode() ? 1 : 5;
+        if (!QuickMode()) {
+            cached();
+            uncached();
+            barePerRow();
+            bareOnce();
+        }
+        std::vector<double> t[4];
+        for (int run = 0; run < runs; ++run) {
+            t[0].push_back(TimeOnce(cached));
+            t[1].push_back(TimeOnce(uncached));
+            t[2].push_back(TimeOnce(barePerRow));
+            t[3].push_back(TimeOnce(bareOnce));
+        }
+        if (static_cast<int>(shown) != values || GetItemCount(bareList) != values) {
+            std::fprintf(stderr, "rows: ours %zu, bare %d, expected %d\n", shown, GetItemCount(bareList), values);
+            return 1;
+        }
+        const std::string suffix = " (" + std::to_string(values) + " values, 7 files)";
+        const Measurement withCache = Median("collect and show, cached" + suffix, t[0]);
+        const Measurement without = Median("collect and show, uncached" + suffix, t[1]);
+        const Measurement perRow = Median("bare calls, per row" + suffix, t[2]);
+        const Measurement once = Median("bare calls, each file once" + suffix, t[3]);
+        PrintRatio(withCache, without);
+        PrintRatio(withCache, once, 1.3);
+        PrintRatio(withCache, perRow);
+        PrintRatio(without, perRow);
+        std::printf("ratio of the fastest runs, cached / uncached %8s %6.2fx\n", "", withCache.min / without.min);
+        std::printf("ratio of the fastest runs, cached / bare once %7s %6.2fx\n", "", withCache.min / once.min);
+    }
+
     persist->Release();
     link->Release();
     ours_.Detach();
     DestroyWindow(oursList);
     DestroyWindow(bareList);
+    DestroyWindow(plainList);
+    ImageList_Destroy(plainImages);
     ImageList_Destroy(bareImages);
     RemoveKeys();
     RemoveFolder(kRoot);

@@ -1,7 +1,9 @@
 #include "options/full_report.h"
 
 #include <algorithm>
+#include <optional>
 
+#include "foundations/file_facts_cache.h"
 #include "processes/process_report.h"
 #include "foundations/app_identity.h"
 #include "foundations/text.h"
@@ -47,8 +49,14 @@ const ReportArea* FindReportArea(const std::vector<ReportArea>& areas, const std
     return nullptr;
 }
 
-bool WriteFullReportBody(FullReportPlatform& platform, const std::string& file,
+bool WriteFullReportBody(FullReportPlatform& given, const std::string& file,
                          const std::vector<std::string>& chosen, const std::vector<ReportArea>& areas) {
+    // The areas name many of the same files (a program that runs and starts
+    // with the system): each is read once for the whole report, and anew by
+    // the next one.
+    std::optional<FileFactsCache> facts;
+    FullReportPlatform platform = given;
+    if (given.facts) platform.facts = &facts.emplace(*given.facts);
     bool first = true;
     for (const ReportArea& area : areas) {
         if (!area.write) continue;

@@ -34,6 +34,8 @@ const ReportArea* FindReportArea(const std::vector<ReportArea>& areas, const std
 // one empty line between blocks. Each block opens with the area's caption,
 // underlined, so the areas' rows (whose labels look alike) are told apart; an
 // area that lists nothing says so. Stops at the first area that fails.
+// The areas read their files through one FileFactsCache made for this call,
+// so a file that several rows or areas name is read once per report.
 bool WriteFullReportBody(FullReportPlatform& platform, const std::string& file,
                          const std::vector<std::string>& chosen,
                          const std::vector<ReportArea>& areas = FullReportAreas());

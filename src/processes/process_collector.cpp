@@ -108,8 +108,8 @@ ProcessRow BuildRow(ProcessSources& sources, clsProcess& objFileInfo, const Refe
 
 }  // namespace
 
-std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, clsProcess& objFileInfo,
-                                           const ProcessListOptions& options) {
+std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, const ProcessListOptions& options) {
+    clsProcess objFileInfo(sources.facts, sources.clock);
     // The lists are read at every refresh, so an edited file counts at once.
     const ReferenceLists lists = LoadReferenceLists(sources.files, options.appPath);
     const std::vector<ProcessRecord> records = WalkProcesses(sources.table, options.windowsVersionName);

@@ -69,8 +69,9 @@ struct ProcessListOptions {
 };
 
 // The rows of a refresh, in walk order: the lists are read anew, the walk
-// runs, and each process the filter lets through gets its row.
-std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, clsProcess& objFileInfo,
-                                           const ProcessListOptions& options);
+// runs, and each process the filter lets through gets its row. Every file is
+// read through `sources.facts`; a fill hands in a FileFactsCache there, so a
+// program that runs many times is read once.
+std::vector<ProcessRow> CollectProcessRows(ProcessSources& sources, const ProcessListOptions& options);
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 #include "processes/process_pane.h"
 
 #include "foundations/error_message.h"
+#include "foundations/file_facts_cache.h"
 #include "foundations/functions.h"
 #include "foundations/report_banner.h"
 #include "processes/process_report.h"
@@ -41,7 +42,6 @@ void frmProcess::Form_Load() {
 
     // The backup store comes into being here and nowhere else.
     if (!app.files->Exists(app.appPath + "\\backup\\")) app.files->CreateFolder(app.appPath + "\\backup");
-    objFileInfo_ = std::make_unique<clsProcess>(*app.facts, *app.clock);
 
     blnFiltered_ = true;
     CheckRadioButton(hwnd(), IDC_OPTFILTER0, IDC_OPTFILTER1, IDC_OPTFILTER1);
@@ -52,9 +52,11 @@ void frmProcess::Form_Load() {
 
 void frmProcess::refreshProcessList() {
     AppContext& app = App();
-    ProcessSources sources{*app.processes, *app.facts, *app.clock, *app.files};
-    ShowRows(CollectProcessRows(sources, *objFileInfo_,
-                                ProcessListOptions{app.appPath, app.shared.WindowsVersionName, blnFiltered_}));
+    // Each file is read once per refresh, however many processes run it; the
+    // next refresh reads them anew.
+    FileFactsCache facts(*app.facts);
+    ProcessSources sources{*app.processes, facts, *app.clock, *app.files};
+    ShowRows(CollectProcessRows(sources, ProcessListOptions{app.appPath, app.shared.WindowsVersionName, blnFiltered_}));
 }
 
 void frmProcess::ShowRows(std::vector<ProcessRow> rows) {

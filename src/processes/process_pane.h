@@ -62,7 +62,6 @@ private:
     ProcessCommandPorts CommandPorts() const;
 
     RowList lstvProcess_;
-    std::unique_ptr<clsProcess> objFileInfo_;
     bool blnFiltered_ = true;
 };
 

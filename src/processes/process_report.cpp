@@ -41,9 +41,7 @@ bool WriteProcessArea(FullReportPlatform& platform, const std::string& file) {
     std::string version, build, servicePack, computer, user;
     clsSysInfo(report.system).sysInfo(version, build, servicePack, computer, user);
     ProcessSources sources{*platform.processes, *platform.facts, report.clock, report.files};
-    clsProcess objFileInfo(*platform.facts, report.clock);
-    const std::vector<ProcessRow> rows =
-        CollectProcessRows(sources, objFileInfo, ProcessListOptions{platform.appPath, version, true});
+    const std::vector<ProcessRow> rows = CollectProcessRows(sources, ProcessListOptions{platform.appPath, version, true});
     return printReportProcess(report.files, report.system, report.prompts, file, rows);
 }
 

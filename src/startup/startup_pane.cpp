@@ -4,6 +4,7 @@
 // startup_commands.h, given the rows in the list's present order.
 #include "startup/startup_pane.h"
 
+#include "foundations/file_facts_cache.h"
 #include "res/resource.h"
 #include "startup/startup_report.h"
 #include "ui/app_context.h"
@@ -92,7 +93,11 @@ std::string frmStartup::SelectedNodeKey() const {
 void frmStartup::NodeClick(const std::string& key) {
     if (key == CurrentNodeKey_) return;
     HCURSOR previous = SetCursor(LoadCursor(nullptr, IDC_WAIT));
-    StartupSources sources = Sources();
+    // Each file is read once for this fill, however many items name it; the
+    // next fill, after a command changed files, reads them anew.
+    AppContext& app = App();
+    FileFactsCache facts(*app.facts);
+    StartupSources sources{*app.registry, *app.files, facts, *app.clock, *app.environment, *app.shortcuts};
     StartupList collected = CollectStartupItems(sources, places_, key);
     stores_ = std::move(collected.stores);
     full_ = collected.full;

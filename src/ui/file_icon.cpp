@@ -26,6 +26,27 @@ HICON DefaultFileIcon(bool large) {
                                          cx, cy, LR_SHARED));
 }
 
+FileIconCache::~FileIconCache() {
+    for (const auto& [key, icon] : icons_) {
+        if (icon) DestroyIcon(icon);
+    }
+}
+
+int FileIconCache::AddImage(HIMAGELIST images, const std::string& file, int32_t iconIndex) {
+    std::string name = file;
+    for (char& c : name) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
+    }
+    auto [it, added] = icons_.try_emplace({std::move(name), iconIndex}, nullptr);
+    if (added) {
+        bool blnError = false;
+        it->second = clsIcon().GetIconFromFile(file, iconIndex, false, blnError).release();
+    }
+    if (!it->second) return 0;
+    const int index = ImageList_AddIcon(images, it->second);
+    return index < 0 ? 0 : index;
+}
+
 int AddFileIconImage(HIMAGELIST images, const std::string& file, int32_t iconIndex) {
     bool blnError = false;
     const UniqueIcon icon = clsIcon().GetIconFromFile(file, iconIndex, false, blnError);

@@ -3,9 +3,11 @@
 #include <commctrl.h>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace corvane {
 
@@ -33,5 +35,26 @@ HICON DefaultFileIcon(bool large);
 // list holds first, when the file has no such icon. The image list keeps a
 // copy, so no handle outlives the call.
 int AddFileIconImage(HIMAGELIST images, const std::string& file, int32_t iconIndex);
+
+// The icons of one fill of a row list. Rows name the same few files over and
+// over, and taking an icon out of a file costs milliseconds: each file and
+// icon number is taken out once, however many rows show it. Every row with
+// an icon still adds an image of its own, as AddFileIconImage does. Make one
+// per fill and drop it at the end, so the next fill sees changed files.
+class FileIconCache {
+public:
+    FileIconCache() = default;
+    FileIconCache(const FileIconCache&) = delete;
+    FileIconCache& operator=(const FileIconCache&) = delete;
+    ~FileIconCache();
+
+    // As AddFileIconImage: the new image's index, 0 when the file has no such icon.
+    int AddImage(HIMAGELIST images, const std::string& file, int32_t iconIndex);
+
+private:
+    // By the path with ASCII letters lowered, as the file system compares
+    // names, and the icon number; a null icon: the file has none.
+    std::map<std::pair<std::string, int32_t>, HICON> icons_;
+};
 
 }  // namespace corvane

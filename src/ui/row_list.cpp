@@ -52,9 +52,10 @@ void RowList::Show(std::vector<Row> rows) {
     DeleteAllItems(list_);
     ImageList_RemoveAll(images_);
     ImageList_AddIcon(images_, DefaultFileIcon(false));
+    FileIconCache icons;  // a file that many rows name is taken out once
     for (size_t i = 0; i < rows_.size(); ++i) {
         const Row& row = rows_[i];
-        const int image = row.iconFile.empty() ? 0 : AddFileIconImage(images_, row.iconFile, row.iconIndex);
+        const int image = row.iconFile.empty() ? 0 : icons.AddImage(images_, row.iconFile, row.iconIndex);
         const std::string& text = row.cells.empty() ? std::string() : row.cells[0];
         const int item = InsertItem(list_, static_cast<int>(i), text, image, static_cast<LPARAM>(i));
         for (size_t column = 1; column < row.cells.size(); ++column) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "fakes/fake_clock.h"
+#include "fakes/fake_file_facts.h"
 #include "fakes/fake_file_system.h"
 #include "fakes/fakes.h"
 #include "options/full_report.h"
@@ -82,6 +83,36 @@ TEST(FullReport, WholeFileIsBannerThenBody) {
     const std::vector<ReportArea> watched = {{"process", "Process", watch}};
     EXPECT_FALSE(WriteFullReport(failing.platform, "C:\\missing\\f.txt", {"process"}, watched));
     EXPECT_FALSE(collected);
+}
+
+TEST(FullReport, EachFileIsReadOnceAReportAndAnewByTheNext) {
+    // The process and startup areas name the same programs; a second report,
+    // after files changed, must not see what the first one read.
+    Bench b;
+    fakes::FakeFileFacts facts;
+    fakes::FakeFile program;
+    program.size = 2048;
+    facts.Add("C:\\Apps\\app.exe", program);
+    b.platform.facts = &facts;
+    std::vector<uint64_t> sizes;
+    const AreaWriter reads = [&](FullReportPlatform& p, const std::string& file) {
+        for (const char* path : {"C:\\Apps\\app.exe", "c:\\apps\\APP.exe"}) {
+            if (p.facts->Exists(path)) sizes.push_back(p.facts->Find(path)->size);
+        }
+        p.report.files.Append(file, "rows\r\n");
+        return true;
+    };
+    const std::vector<ReportArea> areas = {{"process", "Process", reads}, {"startup", "Startup", reads}};
+    b.files.AddFile("C:\\r\\f.txt", "");
+    ASSERT_TRUE(WriteFullReportBody(b.platform, "C:\\r\\f.txt", {"process", "startup"}, areas));
+    EXPECT_EQ(facts.calls["Exists"], 1);
+    EXPECT_EQ(facts.calls["Find"], 1);
+    EXPECT_EQ(b.platform.facts, &facts) << "the caller's facts are its own again";
+
+    program.size = 4096;
+    facts.Add("C:\\Apps\\app.exe", program);
+    ASSERT_TRUE(WriteFullReportBody(b.platform, "C:\\r\\f.txt", {"startup"}, areas));
+    EXPECT_EQ(sizes, (std::vector<uint64_t>{2048, 2048, 2048, 2048, 4096, 4096}));
 }
 
 }  // namespace

@@ -142,7 +142,6 @@ struct Machine {
     fakes::FakeClock clock;
     fakes::FakeFileSystem files;
     ProcessSources sources{table, facts, clock, files};
-    clsProcess objFileInfo{facts, clock};
     const std::string app = "C:\\Corvane";
 
     Machine() { files.AddFolder(app); }
@@ -160,7 +159,7 @@ struct Machine {
         facts.Add(path, file);
     }
     std::vector<ProcessRow> Rows(bool filtered, const std::string& version = "Microsoft Windows XP") {
-        return CollectProcessRows(sources, objFileInfo, {app, version, filtered});
+        return CollectProcessRows(sources, {app, version, filtered});
     }
 };
 

@@ -14,6 +14,7 @@
 #include "fakes/fakes.h"
 #include "foundations/delete_on_reboot.h"
 #include "foundations/file_description.h"
+#include "foundations/file_facts_cache.h"
 #include "foundations/functions.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
@@ -75,6 +76,51 @@ TEST(FileFactsContract, Win32) {
     const std::string longName = wine::PlaceFixture("fixture_bare.exe", folder, "A very long file name.exe");
     Win32FileFacts facts;
     contract::CheckFileFactsContract(facts, {folder, full, bare, longName, folder + "\\missing.exe", SizeOf(full)});
+}
+
+TEST(FileFactsContract, Win32ThroughACache) {
+    // The second pass answers from copies of the blocks the first one read:
+    // the system's own query must read a copy as it reads the original.
+    const std::string folder = wine::FreshFolder("facts-contract-cached");
+    const std::string full = wine::PlaceFixture("fixture_full.exe", folder, "fixture_full.exe");
+    const std::string bare = wine::PlaceFixture("fixture_bare.exe", folder, "fixture_bare.exe");
+    const std::string longName = wine::PlaceFixture("fixture_bare.exe", folder, "A very long file name.exe");
+    Win32FileFacts facts;
+    FileFactsCache cache(facts);
+    for (int pass = 0; pass < 2; ++pass) {
+        contract::CheckFileFactsContract(cache, {folder, full, bare, longName, folder + "\\missing.exe", SizeOf(full)});
+    }
+}
+
+TEST(FileIconCache, EveryRowWithAnIconGetsAnImageOfItsOwn) {
+    const std::string folder = wine::FreshFolder("icon-cache");
+    const std::string full = wine::PlaceFixture("fixture_full.exe", folder, "Full.exe");
+    const std::string noIcon = wine::PlaceFixture("fixture_noicon.exe", folder, "noicon.exe");
+    HIMAGELIST images = ImageList_Create(GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON),
+                                         ILC_COLOR32 | ILC_MASK, 8, 8);
+    ImageList_AddIcon(images, DefaultFileIcon(false));
+    {
+        FileIconCache icons;
+        const struct {
+            std::string file;
+            int32_t iconIndex;
+            int image;
+        } rows[] = {
+            {full, 0, 1},
+            {noIcon, 0, 0},
+            {full, 0, 2},  // the same icon again: an image of its own
+            {folder + "\\FULL.EXE", 0, 3},
+            {folder + "\\missing.exe", 0, 0},
+            {full, 7, 0},  // an icon number the file does not have
+            {noIcon, 0, 0},
+            {full, 0, 4},
+        };
+        for (const auto& row : rows) {
+            EXPECT_EQ(icons.AddImage(images, row.file, row.iconIndex), row.image) << row.file << "," << row.iconIndex;
+        }
+    }
+    EXPECT_EQ(ImageList_GetImageCount(images), 5);
+    ImageList_Destroy(images);
 }
 
 TEST(ClockContract, Win32) {
