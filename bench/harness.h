@@ -53,6 +53,23 @@ Measurement Measure(const std::string& name, Body&& body, int runs = 9) {
     return m;
 }
 
+// For sides that take turns run by run: the seconds of one run of `body`,
+// and the median and spread of such runs, printed like Measure's.
+template <class Body>
+double TimeOnce(Body& body) {
+    const auto start = std::chrono::steady_clock::now();
+    body();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+inline Measurement Median(const std::string& name, std::vector<double> seconds) {
+    std::sort(seconds.begin(), seconds.end());
+    Measurement m{name, seconds[seconds.size() / 2], seconds.front(), seconds.back(), static_cast<int>(seconds.size())};
+    std::printf("%-48s median %10.3f ms   min %10.3f   max %10.3f   (%d runs)\n", name.c_str(), m.median * 1e3,
+                m.min * 1e3, m.max * 1e3, m.runs);
+    return m;
+}
+
 // Prints ours / theirs and whether it meets `goal` (a ratio; 0 for none).
 inline double PrintRatio(const Measurement& ours, const Measurement& theirs, double goal = 0) {
     const double ratio = theirs.median > 0 ? ours.median / theirs.median : 0;

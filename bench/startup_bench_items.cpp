@@ -326,21 +326,6 @@ void ShowUncached(HWND list, HIMAGELIST images, const std::vector<StartupRow>& r
     SendMessageA(list, WM_SETREDRAW, TRUE, 0);
 }
 
-template <class Body>
-double TimeOnce(Body& body) {
-    const auto start = std::chrono::steady_clock::now();
-    body();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-Measurement Median(const std::string& name, std::vector<double> seconds) {
-    std::sort(seconds.begin(), seconds.end());
-    Measurement m{name, seconds[seconds.size() / 2], seconds.front(), seconds.back(), static_cast<int>(seconds.size())};
-    std::printf("%-48s median %10.3f ms   min %10.3f   max %10.3f   (%d runs)\n", name.c_str(), m.median * 1e3,
-                m.min * 1e3, m.max * 1e3, m.runs);
-    return m;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {

@@ -5,8 +5,11 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "ui/app_context.h"
+#include <gtest/gtest.h>
+
+#include "fakes/fakes.h"
 #include "shell/main_window.h"
+#include "ui/app_context.h"
 
 namespace corvane::wine {
 
@@ -32,5 +35,42 @@ inline void Pump() {
         Sleep(10);
     }
 }
+
+// The base of the tests that open the program's main window: message boxes
+// and the shell go to fakes, and Open() makes the window as the program
+// does. Whatever a test leaves open goes, and the ports come back, after it.
+class MainWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        InitGuiOnce();
+        App().prompts = &prompts_;
+        App().shell = &shell_;
+    }
+    void TearDown() override {
+        if (hwnd_ && IsWindow(hwnd_)) DestroyWindow(hwnd_);
+        if (appWindow_) DestroyWindow(appWindow_);
+        App().prompts = &App().win32Prompts;
+        App().shell = &App().win32Shell;
+        // The main window ends the message loop when it goes; drop that quit.
+        MSG msg;
+        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+        }
+    }
+    // The main window, in front, with its first pane loaded.
+    void Open() {
+        appWindow_ = CreateAppWindow(App().instance);
+        form_ = frmMain::Create(appWindow_);
+        ASSERT_NE(form_, nullptr);
+        hwnd_ = form_->hwnd();
+        SetForegroundWindow(hwnd_);
+        Pump();
+    }
+
+    fakes::FakePrompts prompts_;
+    fakes::FakeShell shell_;
+    HWND appWindow_ = nullptr;
+    HWND hwnd_ = nullptr;
+    frmMain* form_ = nullptr;
+};
 
 }  // namespace corvane::wine

@@ -123,7 +123,7 @@ bool FontInstalled(const char* face) {
     return found;
 }
 
-class LayoutFitUnderWine : public ::testing::Test {
+class LayoutFitUnderWine : public wine::MainWindowTest {
 protected:
     void SetUp() override {
         // The configuration the driver set up must really be the one in force,
@@ -136,27 +136,10 @@ protected:
         }
         config_ = std::to_string(ScreenDpi()) + " dpi, " + (FontInstalled("Tahoma") ? "with" : "without") +
                   " Tahoma";
-        wine::InitGuiOnce();
-        App().shell = &shell_;
-        appWindow_ = CreateAppWindow(App().instance);
-        form_ = frmMain::Create(appWindow_);
-        ASSERT_NE(form_, nullptr);
-        hwnd_ = form_->hwnd();
-        Pump();
-    }
-    void TearDown() override {
-        if (IsWindow(hwnd_)) DestroyWindow(hwnd_);
-        DestroyWindow(appWindow_);
-        App().shell = &App().win32Shell;
-        MSG msg;
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        }
+        MainWindowTest::SetUp();
+        Open();
     }
 
-    fakes::FakeShell shell_;
-    HWND appWindow_ = nullptr;
-    frmMain* form_ = nullptr;
-    HWND hwnd_ = nullptr;
     std::string config_;
 };
 

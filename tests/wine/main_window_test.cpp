@@ -20,26 +20,11 @@ namespace {
 
 using wine::Pump;
 
-class MainWindowUnderWine : public ::testing::Test {
+class MainWindowUnderWine : public wine::MainWindowTest {
 protected:
     void SetUp() override {
-        wine::InitGuiOnce();
-        App().shell = &shell_;
-        appWindow_ = CreateAppWindow(App().instance);
-        form_ = frmMain::Create(appWindow_);
-        ASSERT_NE(form_, nullptr);
-        hwnd_ = form_->hwnd();
-        SetForegroundWindow(hwnd_);
-        Pump();
-    }
-    void TearDown() override {
-        if (IsWindow(hwnd_)) DestroyWindow(hwnd_);
-        DestroyWindow(appWindow_);
-        App().shell = &App().win32Shell;
-        // The main window ends the message loop when it goes; drop that quit.
-        MSG msg;
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        }
+        MainWindowTest::SetUp();
+        Open();
     }
     HWND Nav(int id) { return GetDlgItem(GetDlgItem(hwnd_, IDC_PICLEFT), id); }
     void ClickNav(int id) {
@@ -48,11 +33,6 @@ protected:
         PostMessageA(button, WM_LBUTTONUP, 0, MAKELPARAM(10, 10));
         Pump();
     }
-
-    fakes::FakeShell shell_;
-    HWND appWindow_ = nullptr;
-    frmMain* form_ = nullptr;
-    HWND hwnd_ = nullptr;
 };
 
 TEST_F(MainWindowUnderWine, FrameCaptionAndSize) {

@@ -83,36 +83,24 @@ std::set<int> DisabledItems(HMENU menu) {
     return off;
 }
 
-class PopupMenusUnderWine : public ::testing::Test {
+class PopupMenusUnderWine : public wine::MainWindowTest {
 protected:
     void SetUp() override {
-        wine::InitGuiOnce();
+        MainWindowTest::SetUp();
         machine_.Setup();
         savedPath_ = App().appPath;
         App().appPath = machine_.app;
-        App().prompts = &prompts_;
-        App().shell = &shell_;
         savedTracker_ = frmMenu::SetTracker(RecordTrack);
         g_tracked.clear();
     }
     void TearDown() override {
-        if (hwnd_ && IsWindow(hwnd_)) DestroyWindow(hwnd_);
-        if (appWindow_) DestroyWindow(appWindow_);
+        MainWindowTest::TearDown();
         frmMenu::SetTracker(savedTracker_);
         App().appPath = savedPath_;
-        App().prompts = &App().win32Prompts;
-        App().shell = &App().win32Shell;
-        MSG msg;
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        }
     }
 
     void Open() {
-        appWindow_ = CreateAppWindow(App().instance);
-        form_ = frmMain::Create(appWindow_);
-        ASSERT_NE(form_, nullptr);
-        hwnd_ = form_->hwnd();
-        Pump();
+        MainWindowTest::Open();
         pane_ = form_->activePane();
         list_ = GetDlgItem(pane_, IDC_LSTVPROCESS);
     }
@@ -193,10 +181,7 @@ protected:
     wine::StartupMachine machine_;
     std::string savedPath_;
     frmMenu::Tracker savedTracker_ = nullptr;
-    fakes::FakePrompts prompts_;
-    fakes::FakeShell shell_;
-    HWND appWindow_ = nullptr, hwnd_ = nullptr, pane_ = nullptr, list_ = nullptr;
-    frmMain* form_ = nullptr;
+    HWND pane_ = nullptr, list_ = nullptr;
 };
 
 TEST_F(PopupMenusUnderWine, MenusHoldTheirItemsInOrder) {

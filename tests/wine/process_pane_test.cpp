@@ -76,12 +76,12 @@ std::string DataFolder() {
 
 using wine::Pump;
 
-class ProcessPaneUnderWine : public ::testing::Test {
+class ProcessPaneUnderWine : public wine::MainWindowTest {
 protected:
     static constexpr const char* kUnknown = "unlisted fixture.exe";
 
     void SetUp() override {
-        wine::InitGuiOnce();
+        MainWindowTest::SetUp();
         savedAppPath_ = App().appPath;
         app_ = wine::FreshFolder("process-pane-app");
         procs_ = wine::FreshFolder("process-pane-procs");
@@ -92,18 +92,10 @@ protected:
         sus_ = Lines(ReadBytes(app_ + "\\" + kSusProcessFile)).front();
         common_ = Lines(ReadBytes(app_ + "\\" + kCommonProcessFile)).back();
         App().appPath = app_;
-        App().prompts = &prompts_;
-        App().shell = &shell_;
     }
     void TearDown() override {
-        if (hwnd_ && IsWindow(hwnd_)) DestroyWindow(hwnd_);
-        if (appWindow_) DestroyWindow(appWindow_);
-        MSG msg;
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        }
+        MainWindowTest::TearDown();
         App().appPath = savedAppPath_;
-        App().prompts = &App().win32Prompts;
-        App().shell = &App().win32Shell;
     }
 
     wine::FixtureProcess& Start(const std::string& name, const std::string& folder = "") {
@@ -114,10 +106,7 @@ protected:
     }
     // The main window with the process pane, its first pane.
     void Open() {
-        appWindow_ = CreateAppWindow(App().instance);
-        form_ = frmMain::Create(appWindow_);
-        ASSERT_NE(form_, nullptr);
-        hwnd_ = form_->hwnd();
+        MainWindowTest::Open();
         pane_ = frmProcess::Of(form_->activePane());
         ASSERT_NE(pane_, nullptr);
         list_ = pane_->list();
@@ -162,12 +151,9 @@ protected:
         return names;
     }
 
-    fakes::FakePrompts prompts_;
-    fakes::FakeShell shell_;
     std::string savedAppPath_, app_, procs_, sus_, common_;
     std::vector<std::unique_ptr<wine::FixtureProcess>> fixtures_;
-    HWND appWindow_ = nullptr, hwnd_ = nullptr, list_ = nullptr;
-    frmMain* form_ = nullptr;
+    HWND list_ = nullptr;
     frmProcess* pane_ = nullptr;
 };
 

@@ -62,33 +62,22 @@ void CALLBACK ReadDetailAndClose(HWND, UINT, UINT_PTR timer, DWORD) {
     SendDlgItemMessageA(dialog, IDC_VIEWINFO_OK, BM_CLICK, 0, 0);
 }
 
-class StartupPaneUnderWine : public ::testing::Test {
+class StartupPaneUnderWine : public wine::MainWindowTest {
 protected:
     void SetUp() override {
-        wine::InitGuiOnce();
+        MainWindowTest::SetUp();
         machine_.Setup();
         savedPath_ = App().appPath;
         App().appPath = machine_.app;
-        App().prompts = &prompts_;
-        App().shell = &shell_;
     }
     void TearDown() override {
-        if (hwnd_ && IsWindow(hwnd_)) DestroyWindow(hwnd_);
-        if (appWindow_) DestroyWindow(appWindow_);
+        MainWindowTest::TearDown();
         App().appPath = savedPath_;
-        App().prompts = &App().win32Prompts;
-        App().shell = &App().win32Shell;
-        MSG msg;
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        }
     }
 
     // The main window with the startup pane shown.
     void Open() {
-        appWindow_ = CreateAppWindow(App().instance);
-        form_ = frmMain::Create(appWindow_);
-        ASSERT_NE(form_, nullptr);
-        hwnd_ = form_->hwnd();
+        MainWindowTest::Open();
         form_->cmdNavigate_Click(IDC_CMDSTARTUP);
         Pump();
         pane_ = form_->activePane();
@@ -159,11 +148,7 @@ protected:
 
     wine::StartupMachine machine_;
     std::string savedPath_;
-    fakes::FakePrompts prompts_;
-    fakes::FakeShell shell_;
-    HWND appWindow_ = nullptr;
-    frmMain* form_ = nullptr;
-    HWND hwnd_ = nullptr, pane_ = nullptr, list_ = nullptr, tree_ = nullptr;
+    HWND pane_ = nullptr, list_ = nullptr, tree_ = nullptr;
 };
 
 TEST_F(StartupPaneUnderWine, TreeCaptionsColumnsAndColours) {
