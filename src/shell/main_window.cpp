@@ -22,18 +22,13 @@ namespace corvane {
 
 namespace {
 
-template <class P>
-std::unique_ptr<Pane> Make() {
-    return std::make_unique<P>();
-}
-
 // Adding a pane is one row here and the pane's own files.
 const PaneEntry kPanes[] = {
-    {"frmProcess", IDC_CMDPROCESS, 120, "Process", IDD_PROCESS, IDC_LSTVPROCESS, Make<frmProcess>},
-    {"frmIE", IDC_CMDIE, 1440, "IE", IDD_IE, IDC_LSTVBHO, Make<frmIE>},
-    {"frmStartup", IDC_CMDSTARTUP, 2760, "Startup", IDD_STARTUP, IDC_TVWSTARTUP, Make<frmStartup>},
-    {"frmAddRemove", IDC_CMDADDREMOVE, 4080, "AddRemove", IDD_ADDREMOVE, IDC_LSTVADDREMOVE, Make<frmAddRemove>},
-    {"frmOptions", IDC_CMDOPTIONS, 5400, "Options", IDD_OPTIONS, 0, Make<frmOptions>},
+    {"frmProcess", IDC_CMDPROCESS, 120, "Process", IDD_PROCESS, IDC_LSTVPROCESS, MakePane<frmProcess>},
+    {"frmIE", IDC_CMDIE, 1440, "IE", IDD_IE, IDC_LSTVBHO, MakePane<frmIE>},
+    {"frmStartup", IDC_CMDSTARTUP, 2760, "Startup", IDD_STARTUP, IDC_TVWSTARTUP, MakePane<frmStartup>},
+    {"frmAddRemove", IDC_CMDADDREMOVE, 4080, "AddRemove", IDD_ADDREMOVE, IDC_LSTVADDREMOVE, MakePane<frmAddRemove>},
+    {"frmOptions", IDC_CMDOPTIONS, 5400, "Options", IDD_OPTIONS, 0, MakePane<frmOptions>},
 };
 
 constexpr const char* kMainClass = "CorvaneMain";
@@ -187,34 +182,22 @@ void frmMain::MDIForm_Load() {
         app.shared.WindowsVersionName = version;
     }
     // The first pane comes up without ShowPane, and without taking the focus.
-    Load(kPanes[0]);
-}
-
-void frmMain::Load(const PaneEntry& pane) {
-    active_ = pane.make();
-    activeName_ = pane.name;
-    active_->Create(App().instance, pane.dialogId, client_);
-    ShowWindow(active_->hwnd(), SW_SHOW);
+    panes_.Show(kPanes[0].name, kPanes[0].make, app.instance, kPanes[0].dialogId, client_);
     MarkActiveButton();
 }
 
 bool frmMain::ShowPane(const std::string& name, const PaneEntry& pane) {
-    if (activeName_ == name) return false;
-    Unload();
-    Load(pane);
+    if (panes_.name() == name) return false;
+    panes_.Unload();
+    panes_.Show(pane.name, pane.make, App().instance, pane.dialogId, client_);
+    MarkActiveButton();
     return true;
-}
-
-void frmMain::Unload() {
-    if (active_) active_->Unload();
-    active_.reset();
-    activeName_.clear();
 }
 
 // The active pane's navigation button keeps its pressed face.
 void frmMain::MarkActiveButton() {
     for (const PaneEntry& pane : kPanes) {
-        SendDlgItemMessageA(picLeft_, pane.button, BM_SETSTATE, activeName_ == pane.name, 0);
+        SendDlgItemMessageA(picLeft_, pane.button, BM_SETSTATE, panes_.name() == pane.name, 0);
     }
 }
 
@@ -263,7 +246,7 @@ LRESULT CALLBACK frmMain::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
             break;
         case WM_DESTROY:
             // Every form but this one goes with it; nothing is written now.
-            form->Unload();
+            form->panes_.Unload();
             frmMenu::Unload();
             PostQuitMessage(0);
             return 0;

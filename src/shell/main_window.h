@@ -36,8 +36,8 @@ public:
     static frmMain* Create(HWND appWindow, bool show = true);
 
     HWND hwnd() const { return hwnd_; }
-    HWND activePane() const { return active_ ? active_->hwnd() : nullptr; }
-    const std::string& activePaneName() const { return activeName_; }
+    HWND activePane() const { return panes_.hwnd(); }
+    const std::string& activePaneName() const { return panes_.name(); }
 
     // Unloads the active pane and shows `pane`; false when `name` is already active.
     bool ShowPane(const std::string& name, const PaneEntry& pane);
@@ -52,15 +52,12 @@ public:
 
 private:
     void MDIForm_Load();
-    void Load(const PaneEntry& pane);
     void MarkActiveButton();
-    void Unload();
 
     HWND hwnd_ = nullptr;
     HWND picTop_ = nullptr, picLeft_ = nullptr, client_ = nullptr;
     HWND lastFocus_ = nullptr;
-    std::unique_ptr<Pane> active_;
-    std::string activeName_;
+    PaneSwitch panes_;
 };
 
 // Registers the window classes of the main window.

@@ -30,6 +30,22 @@ INT_PTR PaneColour(UINT message, WPARAM wParam) {
     }
 }
 
+bool PaneSwitch::Show(const std::string& name, Maker make, HINSTANCE instance, int dialogId, HWND host) {
+    if (active_ && name_ == name) return false;
+    Unload();
+    active_ = make();
+    name_ = name;
+    active_->Create(instance, dialogId, host);
+    ShowWindow(active_->hwnd(), SW_SHOW);
+    return true;
+}
+
+void PaneSwitch::Unload() {
+    if (active_) active_->Unload();
+    active_.reset();
+    name_.clear();
+}
+
 Pane::~Pane() {
     // Past this point the derived pane is gone: its window must not call it.
     if (hwnd_ && IsWindow(hwnd_)) {

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "ui/row_list.h"
@@ -79,6 +80,31 @@ private:
     std::vector<PaneCommand> commands_;
     std::vector<RowList*> lists_;
 };
+
+// Holds one pane at a time inside a host window: the main window's client
+// area for the panes, a pane for its tabs. Showing another unloads the one
+// shown.
+class PaneSwitch {
+public:
+    using Maker = std::unique_ptr<Pane> (*)();
+    // Unloads the pane shown and shows a new one of `make`, named `name`,
+    // from template `dialogId` in `host`; false, and nothing done, when
+    // `name` is the one shown.
+    bool Show(const std::string& name, Maker make, HINSTANCE instance, int dialogId, HWND host);
+    void Unload();
+    Pane* active() const { return active_.get(); }
+    HWND hwnd() const { return active_ ? active_->hwnd() : nullptr; }
+    const std::string& name() const { return name_; }
+
+private:
+    std::unique_ptr<Pane> active_;
+    std::string name_;
+};
+
+template <class P>
+std::unique_ptr<Pane> MakePane() {
+    return std::make_unique<P>();
+}
 
 // What every pane does first when it loads: the pane's exact size at (0, 0)
 // of its host, and the skin on its ordinary buttons.
