@@ -188,12 +188,15 @@ void FitTexts(HWND dialog, const std::vector<Control>& controls) {
     LOGFONTA base{};
     if (!dialogFont || !GetObjectA(dialogFont, sizeof base, &base) || base.lfHeight == 0) return;
     std::vector<HWND> following;
+    // Only the controls whose texts are fitted take the smaller cut: a list or
+    // a tree scrolls, and keeps the dialog's own font.
     for (const Control& c : controls) {
-        if (c.font == dialogFont && !(IsGroupBox(c.hwnd) && TextFits(c.hwnd))) following.push_back(c.hwnd);
+        const std::string className = ClassOf(c.hwnd);
+        const bool fitted = lstrcmpiA(className.c_str(), "Button") == 0 || lstrcmpiA(className.c_str(), "Static") == 0;
+        if (fitted && c.font == dialogFont && !(IsGroupBox(c.hwnd) && TextFits(c.hwnd))) following.push_back(c.hwnd);
     }
     for (int pixels = std::abs(base.lfHeight) - 1; pixels >= kSmallestFontPixels; --pixels) {
         HFONT cut = FontOf(Cut(base, pixels));
-        SendMessageA(dialog, WM_SETFONT, reinterpret_cast<WPARAM>(cut), FALSE);
         for (HWND control : following) SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(cut), TRUE);
         if (AllTextsFit(controls)) return;
     }
