@@ -49,9 +49,9 @@ constexpr int kBannerWidth = 721;
 constexpr int kBannerHeight = 61;
 constexpr int kBannerTop = 2;
 
-// Pixels drawn for 96 dpi, at the screen's resolution.
-int ScaledX(int pixels) { return MulDiv(pixels, TwipsToPixelsX(1440), 96); }
-int ScaledY(int pixels) { return MulDiv(pixels, TwipsToPixelsY(1440), 96); }
+// Pixels drawn for 96 dpi, where a pixel is 15 twips, at the screen's resolution.
+int ScaledX(int pixels) { return TwipsToPixelsX(pixels * 15); }
+int ScaledY(int pixels) { return TwipsToPixelsY(pixels * 15); }
 
 constexpr COLORREF kLinkColour = RGB(0x1d, 0x4e, 0x89);
 
