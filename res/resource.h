@@ -57,6 +57,29 @@
 #define IDM_MNUSTARTUP_REPORT 424
 #define IDM_MNUSTARTUP_OPEN 425
 #define IDM_MNUSTARTUP_REFRESH 426
+// The browser lists' menus: each tab's items, by the slot of the button they repeat.
+#define IDM_MNUBHO_DISABLE 430
+#define IDM_MNUBHO_ENABLE 431
+#define IDM_MNUBHO_VIEW 432
+#define IDM_MNUBHO_REPORT 433
+#define IDM_MNUBHO_OPEN 434
+#define IDM_MNUBHO_REFRESH 435
+#define IDM_MNUBHO_GOOGLE 436
+#define IDM_MNUTOOLBAR_DELETE 440
+#define IDM_MNUTOOLBAR_VIEW 441
+#define IDM_MNUTOOLBAR_REPORT 442
+#define IDM_MNUTOOLBAR_OPEN 443
+#define IDM_MNUTOOLBAR_REFRESH 444
+#define IDM_MNUTOOLBAR_GOOGLE 445
+#define IDM_MNUBUTTONS_DELETE 450
+#define IDM_MNUBUTTONS_VIEW 451
+#define IDM_MNUBUTTONS_REPORT 452
+#define IDM_MNUBUTTONS_OPEN 453
+#define IDM_MNUBUTTONS_REFRESH 454
+#define IDM_MNUBUTTONS_GOOGLE 455
+#define IDM_MNUCONTEXT_DELETE 460
+#define IDM_MNUCONTEXT_OPEN 461
+#define IDM_MNUCONTEXT_REFRESH 462
 
 // Panes (their own ranges)
 #define IDC_LSTVPROCESS 1100
@@ -88,6 +111,31 @@
 #define IDC_CMDBUT 1312
 #define IDC_CMDCONTEXT 1313
 #define IDC_CMDURLS 1314
+#define IDC_IE_INFO 1315      // lblInfo
+#define IDC_IE_TABAREA 1316   // where the tabs stand
+#define IDC_LSTVTOOLBAR 1301
+#define IDC_LSTVBUTTONS 1302
+#define IDC_LSTVMENU 1303
+// A list tab of the browser pane: its frame, its list and up to six buttons,
+// which each tab captions and binds for itself.
+#define IDD_IE_LIST 1320
+#define IDC_IETAB_FRAME 1321
+#define IDC_IETAB_LIST 1322
+#define IDC_IETAB_CMD0 1330
+#define IDC_IETAB_CMD1 1331
+#define IDC_IETAB_CMD2 1332
+#define IDC_IETAB_CMD3 1333
+#define IDC_IETAB_CMD4 1334
+#define IDC_IETAB_CMD5 1335
+// The URL tab: three frames, eight fields with their labels and buttons, Apply.
+#define IDD_IE_URLS 1340
+#define IDC_FMSTARTPAGE 1341
+#define IDC_FMSEARCHURL 1342
+#define IDC_FMPREFIX 1343
+#define IDC_CMDAPPLY 1344
+#define IDC_URL_TEXT0 1350    // txtStartPage ... txtDefPrefix, in the order of kBrowserUrlFields
+#define IDC_URL_LABEL0 1360
+#define IDC_URL_BUTTON0 1370
 #define IDC_LSTVADDREMOVE 1400
 #define IDC_FMLEGEND 1500
 #define IDC_FMBACKUP 1501

@@ -40,4 +40,16 @@ std::string ExpandEnvString(Environment& environment, const std::string& text) {
     return TrimAtNull(environment.Expand(text, text.size() + 256));
 }
 
+std::string WebSearchAddress(const std::string& text, const std::string& company) {
+    std::string query = text;
+    if (!company.empty()) {
+        std::string words = company;
+        for (char& c : words) {
+            if (c == ' ') c = '+';
+        }
+        query += "+" + words;
+    }
+    return "http://www.google.com/search?q=" + query;
+}
+
 }  // namespace corvane

@@ -27,4 +27,8 @@ std::string TrimAtNull(std::string_view text);
 // as it is without asking the system.
 std::string ExpandEnvString(Environment& environment, const std::string& text);
 
+// The web search for a row of a list: the row's text, then "+" and its
+// company with each blank as "+" when it has one. Nothing else is encoded.
+std::string WebSearchAddress(const std::string& text, const std::string& company);
+
 }  // namespace corvane

@@ -148,16 +148,4 @@ bool cmdDelete_Click(ProcessCommandPorts& ports, const SelectedProcess* selected
     return false;
 }
 
-std::string ProcessSearchAddress(const std::string& name, const std::string& company) {
-    std::string query = name;
-    if (!company.empty()) {
-        std::string words = company;
-        for (char& c : words) {
-            if (c == ' ') c = '+';
-        }
-        query += "+" + words;
-    }
-    return "http://www.google.com/search?q=" + query;
-}
-
 }  // namespace corvane

@@ -67,8 +67,5 @@ bool backupProcess(ProcessCommandPorts& ports, const std::string& path, std::str
 // backup pair goes).
 void deleteProcessFile(ProcessCommandPorts& ports, const std::string& path, const std::string& strBackupStamp);
 
-// The web search for a row: the row's name, then "+" and its company with
-// each blank as "+" when it has one. Nothing else is encoded.
-std::string ProcessSearchAddress(const std::string& name, const std::string& company);
 
 }  // namespace corvane

@@ -150,7 +150,7 @@ void frmProcess::cmdReport_Click() {
 void frmProcess::lstvProcess_DblClick() {
     const ProcessRow* row = lstvProcess_.Selected();
     if (!row) return;
-    ShellOpen(*App().shell, ProcessSearchAddress(row->cells[kColName], row->cells[kColCompany]));
+    ShellOpen(*App().shell, WebSearchAddress(row->cells[kColName], row->cells[kColCompany]));
 }
 
 void frmProcess::optFilter_Click(int) {
@@ -161,7 +161,8 @@ void frmProcess::optFilter_Click(int) {
     refreshProcessList();
 }
 
-void frmProcess::OnCommand(int id) {
+void frmProcess::OnCommand(int id, int code) {
+    if (code != BN_CLICKED) return;
     if (id == IDC_OPTFILTER0) optFilter_Click(0);
     if (id == IDC_OPTFILTER1) optFilter_Click(1);
 }

@@ -50,7 +50,7 @@ public:
 
 protected:
     void Form_Load() override;
-    void OnCommand(int id) override;
+    void OnCommand(int id, int code) override;
 
 private:
     void lstvProcess_ItemClick(int item);

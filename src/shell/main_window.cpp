@@ -204,7 +204,7 @@ void frmMain::MarkActiveButton() {
 void frmMain::cmdNavigate_Click(int button) {
     for (const PaneEntry& pane : kPanes) {
         if (pane.button != button) continue;
-        if (ShowPane(pane.name, pane) && pane.focusControl) SetFocus(GetDlgItem(activePane(), pane.focusControl));
+        if (ShowPane(pane.name, pane) && pane.focusControl) SetFocus(FindControl(activePane(), pane.focusControl));
         return;
     }
 }

@@ -211,9 +211,13 @@ SIZE ClientSize(HWND hwnd) {
 }  // namespace
 
 void FitChildDialog(HWND dialog, int widthTwips, int heightTwips) {
+    FitChildDialogPixels(dialog, TwipsToPixelsX(widthTwips), TwipsToPixelsY(heightTwips));
+}
+
+void FitChildDialogPixels(HWND dialog, int width, int height) {
     const std::vector<Control> controls = ChildrenOf(dialog);
     const SIZE from = ClientSize(dialog);
-    RECT target{0, 0, TwipsToPixelsX(widthTwips), TwipsToPixelsY(heightTwips)};
+    RECT target{0, 0, width, height};
     AdjustWindowRectEx(&target, GetWindowLongA(dialog, GWL_STYLE), FALSE, GetWindowLongA(dialog, GWL_EXSTYLE));
     SetWindowPos(dialog, nullptr, 0, 0, target.right - target.left, target.bottom - target.top,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);

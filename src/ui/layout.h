@@ -19,6 +19,10 @@ namespace corvane {
 // Only the size changes; the caller places it.
 void FitChildDialog(HWND dialog, int widthTwips, int heightTwips);
 
+// The same for a child dialog that fills an area of its parent given in
+// pixels (a tab of a pane, over the area its pane keeps for it).
+void FitChildDialogPixels(HWND dialog, int width, int height);
+
 // A top-level dialog: its window, frame and caption included, becomes
 // widthTwips x heightTwips, and the controls are fitted into the client area
 // that leaves. Only the size changes; the caller places it.

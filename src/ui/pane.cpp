@@ -17,6 +17,30 @@ void PlacePane(HWND pane) {
     SkinPushButtons(pane);
 }
 
+void PlaceTab(HWND tab, const RECT& area) {
+    FitChildDialogPixels(tab, area.right - area.left, area.bottom - area.top);
+    SetWindowPos(tab, nullptr, area.left, area.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SkinPushButtons(tab);
+}
+
+HWND FindControl(HWND window, int id) {
+    if (HWND direct = GetDlgItem(window, id)) return direct;
+    struct Search {
+        int id;
+        HWND found;
+    } search{id, nullptr};
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM data) -> BOOL {
+            auto* s = reinterpret_cast<Search*>(data);
+            if (GetDlgCtrlID(child) != s->id) return TRUE;
+            s->found = child;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
 INT_PTR PaneColour(UINT message, WPARAM wParam) {
     static HBRUSH white = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
     switch (message) {
@@ -109,8 +133,8 @@ INT_PTR CALLBACK Pane::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
         switch (message) {
             case WM_COMMAND:
                 // A button's click and a menu item's choice both come with code 0.
-                if (HIWORD(wParam) != BN_CLICKED) return FALSE;
-                if (!pane->Command(LOWORD(wParam))) pane->OnCommand(LOWORD(wParam));
+                if (HIWORD(wParam) == BN_CLICKED && pane->Command(LOWORD(wParam))) return TRUE;
+                pane->OnCommand(LOWORD(wParam), HIWORD(wParam));
                 return TRUE;
             case WM_NOTIFY: {
                 auto& header = *reinterpret_cast<NMHDR*>(lParam);

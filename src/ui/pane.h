@@ -54,8 +54,9 @@ protected:
     virtual void Form_Unload() {}
     // Notifications the pane's lists do not take; true when handled.
     virtual bool OnNotify(NMHDR&, LRESULT&) { return false; }
-    // Commands that are no button or menu item of the table (option buttons).
-    virtual void OnCommand(int /*id*/) {}
+    // Commands that are no button or menu item of the table: option
+    // buttons, and notifications such as a text box's change.
+    virtual void OnCommand(int /*id*/, int /*code*/) {}
 
     // The table of commands and the lists whose notifications the pane passes on.
     void Bind(PaneCommand command) { commands_.push_back(std::move(command)); }
@@ -106,9 +107,17 @@ std::unique_ptr<Pane> MakePane() {
     return std::make_unique<P>();
 }
 
+// The control `id` anywhere inside `window` (a pane's list may stand on one
+// of its tabs), or null.
+HWND FindControl(HWND window, int id);
+
 // What every pane does first when it loads: the pane's exact size at (0, 0)
 // of its host, and the skin on its ordinary buttons.
 void PlacePane(HWND pane);
+
+// What a tab of a pane does first when it loads: it covers `area` of its
+// pane (in the pane's client pixels), its controls fitted, its buttons skinned.
+void PlaceTab(HWND tab, const RECT& area);
 
 // Panes have a white ground: the colour messages get this answer (0 for
 // other messages).

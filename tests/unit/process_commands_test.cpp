@@ -256,19 +256,5 @@ TEST(BackupRecord, OneLineWithTheSeparator) {
     EXPECT_TRUE(m.CompleteBackup()) << "the later backup replaces the earlier";
 }
 
-TEST(ProcessSearch, NameThenCompanyWithBlanksAsPlus) {
-    const struct {
-        const char* name;
-        const char* company;
-        const char* address;
-    } cases[] = {
-        {"app.exe", "", "http://www.google.com/search?q=app.exe"},
-        {"app.exe", "Maker Inc", "http://www.google.com/search?q=app.exe+Maker+Inc"},
-        {"my app.exe", "Solo", "http://www.google.com/search?q=my app.exe+Solo"},
-        {"caf\xE9.exe", "A&B Co", "http://www.google.com/search?q=caf\xE9.exe+A&B+Co"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(ProcessSearchAddress(c.name, c.company), c.address);
-}
-
 }  // namespace
 }  // namespace corvane

@@ -129,7 +129,7 @@ TEST_F(MainWindowUnderWine, SwitchingPanesMovesTheFocus) {
         EXPECT_FALSE(IsWindow(before)) << "the old pane is unloaded";
         HWND pane = form_->activePane();
         if (step.focus) {
-            EXPECT_EQ(GetFocus(), GetDlgItem(pane, step.focus)) << step.pane;
+            EXPECT_EQ(GetFocus(), FindControl(pane, step.focus)) << step.pane;
         } else {
             EXPECT_NE(GetFocus(), Nav(step.button)) << "the navigation button does not take it";
         }
