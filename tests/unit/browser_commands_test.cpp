@@ -71,7 +71,7 @@ void Populate(World& w) {
     w.registry.PutString(a, "", "Awkward helper");
     w.registry.Put(a, "Empty", kRegBinary, "");
     w.registry.Put(a, "Multi", kRegMultiSz, "one\0two\0\0"s);
-    w.registry.Put(a, "a=b \"q\" c\\d", kRegSz, "line\r\nnext\x01end\0"s);
+    w.registry.Put(a, "a=b \"q\" c\\d", kRegSz, "line\r\nnext\x01" "end\0"s);
     w.registry.Put(a, "Path", kRegExpandSz, "%SystemRoot%\\a.dll\0"s);
     w.registry.Put(a, "NoNul", kRegSz, "abc");
     w.registry.PutDword(a + "\\Settings", "Level", 7);
