@@ -16,30 +16,13 @@
 #include <string_view>
 
 #include "foundations/reg_file.h"
+#include "fuzz_input.h"
 
 namespace {
 
 void Check(bool condition) {
     if (!condition) std::abort();
 }
-
-class Reader {
-public:
-    Reader(const uint8_t* data, size_t size) : data_(data), size_(size) {}
-    bool AtEnd() const { return pos_ >= size_; }
-    uint8_t Byte() { return AtEnd() ? 0 : data_[pos_++]; }
-    std::string Bytes(size_t count) {
-        count = std::min(count, size_ - pos_);
-        std::string out(reinterpret_cast<const char*>(data_ + pos_), count);
-        pos_ += count;
-        return out;
-    }
-
-private:
-    const uint8_t* data_;
-    size_t size_;
-    size_t pos_ = 0;
-};
 
 // Written out and read again, a file gives what it held.
 void CheckRoundTrip(const corvane::RegFile& file) {
@@ -59,14 +42,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (file) CheckRoundTrip(*file);
         return 0;
     }
-    Reader in(data + 1, size - 1);
+    fuzz::FuzzInput in(data + 1, size - 1);
     RegFile file{{" Registry view: 64-bit"}, {{"HKEY_CURRENT_USER\\Software\\Fuzz", {}}}};
     while (!in.AtEnd()) {
         RegFileValue value;
         value.type = in.Byte();
         value.name = in.Bytes(in.Byte());
-        const size_t length = in.Byte();
-        value.data = in.Bytes(length | static_cast<size_t>(in.Byte()) << 8);
+        value.data = in.Bytes(in.Length());
         // A line break in a name is what the writer's callers refuse.
         if (!RegFileCanHold(value.name)) continue;
         file.keys[0].values.push_back(std::move(value));

@@ -303,6 +303,19 @@ bool EnableOne(BrowserCommandPorts& ports, const std::string& clsid, std::vector
     return true;
 }
 
+// Hands the class id of each checked row whose Enabled column is `state` to
+// `each`, until `each` says the command has to stop. True when there was one.
+template <typename Each>
+bool ForCheckedRows(const std::vector<Row>& rows, const char* state, Each each) {
+    bool any = false;
+    for (const Row& row : rows) {
+        if (!row.checked || row.cells.size() <= kBrowserColState || row.cells[kBrowserColState] != state) continue;
+        any = true;
+        if (!each(row.cells[kBrowserColId])) break;
+    }
+    return any;
+}
+
 }  // namespace
 
 std::string HelperObjectStorePath(const std::string& appPath, const std::string& clsid) {
@@ -323,12 +336,9 @@ std::vector<std::string> DisabledHelperObjects(FileSystem& files, const std::str
 
 bool DisableCheckedHelperObjects(BrowserCommandPorts& ports, const std::vector<Row>& rows) {
     std::vector<std::string> gone, unstorable;
-    bool any = false;
-    for (const Row& row : rows) {
-        if (!row.checked || row.cells.size() <= kBrowserColState || row.cells[kBrowserColState] != "True") continue;
-        any = true;
-        if (!DisableOne(ports, row.cells[kBrowserColId], gone, unstorable)) break;
-    }
+    const bool any = ForCheckedRows(rows, "True", [&](const std::string& clsid) {
+        return DisableOne(ports, clsid, gone, unstorable);
+    });
     ShowNames(ports.prompts,
               "These helper objects are no longer in the registry, or could not be read, and were left as they "
               "are. Press Refresh to see the list as it is now.",
@@ -342,12 +352,9 @@ bool DisableCheckedHelperObjects(BrowserCommandPorts& ports, const std::vector<R
 
 bool EnableCheckedHelperObjects(BrowserCommandPorts& ports, const std::vector<Row>& rows) {
     std::vector<std::string> unreadable, registered;
-    bool any = false;
-    for (const Row& row : rows) {
-        if (!row.checked || row.cells.size() <= kBrowserColState || row.cells[kBrowserColState] != "False") continue;
-        any = true;
-        if (!EnableOne(ports, row.cells[kBrowserColId], unreadable, registered)) break;
-    }
+    const bool any = ForCheckedRows(rows, "False", [&](const std::string& clsid) {
+        return EnableOne(ports, clsid, unreadable, registered);
+    });
     ShowNames(ports.prompts,
               "These helper objects stay disabled: their file in the " + std::string(kHelperObjectStore) +
                   " folder could not be read, or holds something else than one helper object.",

@@ -52,6 +52,15 @@ std::string RegExport(const std::string& key) {
     return wine::FileBytes(file);
 }
 
+// The awkward key made afresh at `path` of `root`, and reg.exe's export of it (`full`).
+std::string FreshAwkwardKey(Registry& reg, RegKey root, const std::string& path, const std::string& full) {
+    contract::DeleteRegTree(reg, root, path);
+    PutAwkwardKey(reg, root, path);
+    const std::string exported = RegExport(full);
+    EXPECT_NE(exported.size(), 0u);
+    return exported;
+}
+
 bool Write(const std::string& path, const std::string& text) {
     Win32FileSystem files;
     return files.Write(path, text) == kNoError;
@@ -63,10 +72,7 @@ TEST(RegFileUnderWine, AValueAndAKeyTreeWeWroteImportBackAsTheyWere) {
     Win32SystemInfo system;
     const std::string path = "Software\\CorvaneTests\\RegFileExport";
     const std::string full = "HKCU\\" + path;
-    contract::DeleteRegTree(reg, kHKeyCurrentUser, path);
-    PutAwkwardKey(reg, kHKeyCurrentUser, path);
-    const std::string before = RegExport(full);
-    ASSERT_NE(before.size(), 0u);
+    const std::string before = FreshAwkwardKey(reg, kHKeyCurrentUser, path, full);
     const std::string folder = wine::FreshFolder("reg-file");
 
     // One value.
@@ -101,10 +107,7 @@ TEST(BrowserStoreUnderWine, ADisabledHelperObjectComesBackByteForByte) {
     const std::string clsid = "{C0A7E5E5-0000-4000-8000-00000000C0DE}";
     const std::string path = std::string(kHelperObjectsKey) + "\\" + clsid;
     const std::string full = "HKLM\\" + path;
-    contract::DeleteRegTree(reg, kHKeyLocalMachine, path);
-    PutAwkwardKey(reg, kHKeyLocalMachine, path);
-    const std::string before = RegExport(full);
-    ASSERT_NE(before.size(), 0u);
+    const std::string before = FreshAwkwardKey(reg, kHKeyLocalMachine, path, full);
 
     const std::string app = wine::FreshFolder("browser-store");
     BrowserCommandPorts ports{reg, files, prompts, system, clock, app};
