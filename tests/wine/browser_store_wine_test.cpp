@@ -61,6 +61,18 @@ std::string FreshAwkwardKey(Registry& reg, RegKey root, const std::string& path,
     return exported;
 }
 
+// The registry editor's own export of a key, its UTF-16 text taken down to
+// the ANSI bytes (the test's names and data are all ASCII).
+std::string RegeditExport(const std::string& key) {
+    const std::string file = wine::FreshFolder("regedit-export") + "\\export.reg";
+    const wine::RunResult result = wine::Run("regedit.exe /e \"" + file + "\" \"" + key + "\"");
+    EXPECT_EQ(result.exitCode, 0u) << result.output;
+    const std::string wide = wine::FileBytes(file);
+    std::string narrow;
+    for (size_t i = 0; i + 1 < wide.size(); i += 2) narrow += wide[i];
+    return narrow;
+}
+
 bool Write(const std::string& path, const std::string& text) {
     Win32FileSystem files;
     return files.Write(path, text) == kNoError;
@@ -74,6 +86,17 @@ TEST(RegFileUnderWine, AValueAndAKeyTreeWeWroteImportBackAsTheyWere) {
     const std::string full = "HKCU\\" + path;
     const std::string before = FreshAwkwardKey(reg, kHKeyCurrentUser, path, full);
     const std::string folder = wine::FreshFolder("reg-file");
+    const auto tree = ReadRegKeyTree(reg, kHKeyCurrentUser, path);
+    ASSERT_TRUE(tree);
+
+    // Binary data and numbers come out line for line as the registry editor
+    // writes them, wrapped lines included. (Its own export is of the newer,
+    // Unicode kind, which writes text and text lists otherwise.)
+    const std::string regedit = RegeditExport("HKEY_CURRENT_USER\\" + path);
+    for (const RegFileValue& value : tree->front().values) {
+        if (value.type != kRegBinary && value.type != kRegDword) continue;
+        EXPECT_NE(regedit.find(FormatRegValue(value)), std::string::npos) << FormatRegValue(value) << regedit;
+    }
 
     // One value.
     const auto value = ReadRegValue(reg, kHKeyCurrentUser, path, kAwkwardName);
@@ -93,6 +116,7 @@ TEST(RegFileUnderWine, AValueAndAKeyTreeWeWroteImportBackAsTheyWere) {
     ASSERT_NE(reg.OpenKey(kHKeyCurrentUser, path, kKeyRead, gone), kRegOk);
     ASSERT_TRUE(wine::ImportRegFile(folder + "\\key.reg"));
     EXPECT_EQ(RegExport(full), before);
+    EXPECT_EQ(ReadRegKeyTree(reg, kHKeyCurrentUser, path), tree);
     EXPECT_TRUE(prompts.shown.empty());
 
     contract::DeleteRegTree(reg, kHKeyCurrentUser, path);
@@ -109,6 +133,7 @@ TEST(BrowserStoreUnderWine, ADisabledHelperObjectComesBackByteForByte) {
     const std::string full = "HKLM\\" + path;
     const std::string before = FreshAwkwardKey(reg, kHKeyLocalMachine, path, full);
 
+    const auto tree = ReadRegKeyTree(reg, kHKeyLocalMachine, path);
     const std::string app = wine::FreshFolder("browser-store");
     BrowserCommandPorts ports{reg, files, prompts, system, clock, app};
     Row row(kBHOColumns.size());
@@ -130,12 +155,14 @@ TEST(BrowserStoreUnderWine, ADisabledHelperObjectComesBackByteForByte) {
     const std::string store = HelperObjectStorePath(app, clsid);
     ASSERT_TRUE(wine::ImportRegFile(store));
     EXPECT_EQ(RegExport(full), before);
+    EXPECT_EQ(ReadRegKeyTree(reg, kHKeyLocalMachine, path), tree);
     ASSERT_TRUE(DeleteRegKeyTree(reg, prompts, system, kHKeyLocalMachine, path));
 
     row.cells[kBrowserColState] = "False";
     EXPECT_TRUE(EnableCheckedHelperObjects(ports, {row}));
     EXPECT_TRUE(keyExists());
     EXPECT_EQ(RegExport(full), before);
+    EXPECT_EQ(ReadRegKeyTree(reg, kHKeyLocalMachine, path), tree);
     EXPECT_FALSE(files.Exists(store));
     EXPECT_TRUE(DisabledHelperObjects(files, app).empty());
     EXPECT_TRUE(prompts.shown.empty());
