@@ -258,6 +258,44 @@ TEST(BrowserCommands, WhatTheStoreCannotHoldStaysEnabled) {
     EXPECT_NE(w.prompts.shown[1].text.find(lineBreak), std::string::npos);
 }
 
+// Enable writes only what a store file of this object may hold: its own key
+// and what lies below it, from the view it was taken from.
+TEST(BrowserCommands, AStoreFileHoldingAnythingElseIsNotImported) {
+    const std::string own = "[HKEY_LOCAL_MACHINE\\"s + kHelperObjectsKey + "\\" + kKeptBefore + "]\r\n\"v\"=\"x\"\r\n";
+    const struct {
+        const char* what;
+        std::string text;
+    } cases[] = {
+        {"no REGEDIT4 line", "REGEDIT5\r\n" + own},
+        {"no key", "REGEDIT4\r\n"},
+        {"another object's key", "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\"s + kHelperObjectsKey + "\\" + kPlain + "]\r\n"},
+        {"a key beside its own",
+         "REGEDIT4\r\n" + own + "[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Run]\r\n\"x\"=\"y\"\r\n"},
+        {"a key whose name only begins like its own",
+         "REGEDIT4\r\n" + own + "[HKEY_LOCAL_MACHINE\\"s + kHelperObjectsKey + "\\" + kKeptBefore + "X]\r\n"},
+        {"the 32-bit view", "REGEDIT4\r\n; Registry view: 32-bit\r\n" + own},
+    };
+    for (const auto& c : cases) {
+        World w;
+        w.files.AddFile(HelperObjectStorePath(kApp, kKeptBefore), c.text);
+        Row row = ScopedRow(10, kKeptBefore, "False");
+        row.checked = true;
+        EnableCheckedHelperObjects(w.ports, {row});
+        EXPECT_EQ(w.registry.changes, 0) << c.what;
+        EXPECT_EQ(w.files.Content(HelperObjectStorePath(kApp, kKeptBefore)), c.text) << c.what;
+        ASSERT_EQ(w.prompts.shown.size(), 1u) << c.what;
+        EXPECT_NE(w.prompts.shown[0].text.find(kKeptBefore), std::string::npos) << c.what;
+    }
+    // A file the registry editor would also take, written by hand, is taken.
+    World w;
+    w.files.AddFile(HelperObjectStorePath(kApp, kKeptBefore), "REGEDIT4\n\n" + own);
+    Row row = ScopedRow(10, kKeptBefore, "False");
+    row.checked = true;
+    EnableCheckedHelperObjects(w.ports, {row});
+    EXPECT_EQ(w.registry.Value(kBHO + "\\" + kKeptBefore, "v")->data, "x\0"s);
+    EXPECT_FALSE(w.files.Exists(HelperObjectStorePath(kApp, kKeptBefore)));
+}
+
 TEST(BrowserCommands, EachDeleteAsksThenKeepsWhatItRemovesInTheBackupFolder) {
     for (const Deletion& d : Deletions()) {
         World w;
