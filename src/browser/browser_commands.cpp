@@ -7,6 +7,7 @@
 #include "foundations/error_message.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
+#include "foundations/text.h"
 
 // Nothing leaves the registry before a file holds it whole: a helper object
 // is written to its store, and read back, before its key is deleted, and
@@ -158,8 +159,7 @@ struct Removal {
 };
 
 bool DeleteWithBackup(BrowserCommandPorts& ports, const Removal& removal) {
-    std::string lowerKind = removal.kind;
-    for (char& c : lowerKind) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    const std::string lowerKind = LowerAnsi(removal.kind);
     const std::string question = "Are you sure you want to delete selected " + std::string(removal.kind) +
                                  "?\r\n\r\n" + removal.name + " (" + removal.scope +
                                  ")\r\n\r\nA copy is kept in the backup folder.";
@@ -327,9 +327,7 @@ std::vector<std::string> DisabledHelperObjects(FileSystem& files, const std::str
     for (const FolderEntry& entry : files.List(StoreFolder(appPath), "*.reg")) {
         const std::string& name = entry.name;
         if (entry.isFolder || name.size() <= 4) continue;
-        std::string extension = name.substr(name.size() - 4);
-        for (char& c : extension) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-        if (extension == ".reg") clsids.push_back(name.substr(0, name.size() - 4));
+        if (LowerAnsi(name.substr(name.size() - 4)) == ".reg") clsids.push_back(name.substr(0, name.size() - 4));
     }
     return clsids;
 }
