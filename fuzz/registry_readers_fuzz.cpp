@@ -17,37 +17,17 @@
 
 #include "applications/slow_info_cache.h"
 #include "fakes/fake_registry.h"
+#include "fuzz_input.h"
 #include "foundations/functions.h"
 #include "foundations/registry.h"
 
 namespace {
 
 using corvane::fakes::FakeRegistry;
+using Reader = corvane::fuzz::FuzzInput;
 
 constexpr const char* kPath = "HKCU\\Software\\Fuzz";
 constexpr const char* kKey = "Software\\Fuzz";
-
-class Reader {
-public:
-    Reader(const uint8_t* data, size_t size) : data_(data), size_(size) {}
-    bool AtEnd() const { return pos_ >= size_; }
-    uint8_t Byte() { return AtEnd() ? 0 : data_[pos_++]; }
-    std::string Bytes(size_t count) {
-        count = std::min(count, size_ - pos_);
-        std::string out(reinterpret_cast<const char*>(data_ + pos_), count);
-        pos_ += count;
-        return out;
-    }
-    size_t Length() {
-        const size_t low = Byte();
-        return low | static_cast<size_t>(Byte()) << 8;
-    }
-
-private:
-    const uint8_t* data_;
-    size_t size_;
-    size_t pos_ = 0;
-};
 
 // A registry name holds neither NUL nor, for a key, a backslash.
 std::string AsName(std::string name, bool key) {

@@ -24,6 +24,20 @@ struct BrowserCommandPorts {
     std::string appPath;  // the program's folder, no trailing backslash
 };
 
+// A disabled helper object is kept in the folder DBHO beside the program as
+// "{clsid}.reg": a REGEDIT4 file of its whole key, which the system's
+// registry editor imports back, with a comment line naming the registry view
+// it came from. What the deletes remove goes to the folder "backup" as
+// "Toolbar {clsid} 2026-11-23 170512.reg" and the like.
+inline constexpr const char* kHelperObjectStore = "DBHO";
+inline constexpr const char* kBackupFolder = "backup";
+// The comment of a stored key that names its registry view, and the one view written now.
+inline constexpr const char* kRegistryViewComment = " Registry view: ";
+inline constexpr const char* kRegistryView64 = "64-bit";
+
+// The store file of a helper object.
+std::string HelperObjectStorePath(const std::string& appPath, const std::string& clsid);
+
 // The class ids of the helper objects kept in the store, in the store's order.
 std::vector<std::string> DisabledHelperObjects(FileSystem& files, const std::string& appPath);
 

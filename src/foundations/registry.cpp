@@ -200,4 +200,28 @@ bool DeleteRegKey(Registry& registry, Prompts& prompts, SystemInfo& system, RegK
     return true;
 }
 
+bool DeleteRegKeyTree(Registry& registry, Prompts& prompts, SystemInfo& system, RegKey hive,
+                      const std::string& keyPath) {
+    // The names first, then the subkeys one by one, so no handle stays open
+    // on a key while what lies below it goes.
+    std::vector<std::string> subkeys;
+    RegKey key = 0;
+    if (const RegError result = registry.OpenKey(hive, keyPath, kKeyRead, key); result != kRegOk) {
+        ShowFailure(prompts, std::string("Following Key Could not be deleted: ") + kLineBreak + keyPath +
+                                 kLineBreak + FormatApiError(system, result));
+        return false;
+    }
+    for (uint32_t index = 0;; ++index) {
+        char name[kKeyNameChars + 1] = {};
+        uint32_t nameLength = sizeof name;
+        if (registry.EnumKey(key, index, name, &nameLength) != kRegOk) break;
+        subkeys.emplace_back(name, std::min<size_t>(nameLength, kKeyNameChars));
+    }
+    registry.CloseKey(key);
+    for (const std::string& subkey : subkeys) {
+        if (!DeleteRegKeyTree(registry, prompts, system, hive, keyPath + "\\" + subkey)) return false;
+    }
+    return DeleteRegKey(registry, prompts, system, hive, keyPath);
+}
+
 }  // namespace corvane

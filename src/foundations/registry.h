@@ -93,5 +93,10 @@ bool DeleteRegValue(Registry& registry, Prompts& prompts, SystemInfo& system, Re
 // Deletes a key that has no subkeys; true when it is gone.
 bool DeleteRegKey(Registry& registry, Prompts& prompts, SystemInfo& system, RegKey hive,
                   const std::string& keyPath);
+// Deletes a key with its values and all its subkeys, the deepest first, as
+// the system deletes only keys without subkeys. A failure names the key that
+// could not go; the keys deleted before it stay deleted.
+bool DeleteRegKeyTree(Registry& registry, Prompts& prompts, SystemInfo& system, RegKey hive,
+                      const std::string& keyPath);
 
 }  // namespace corvane
