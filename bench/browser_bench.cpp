@@ -94,17 +94,8 @@ void SetText(HKEY key, const char* name, const std::string& text) {
     RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()), static_cast<DWORD>(text.size() + 1));
 }
 
-void DeleteTree(HKEY parent, const std::string& name) {
-    HKEY key;
-    if (RegOpenKeyExA(parent, name.c_str(), 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return;
-    char sub[256];
-    while (RegEnumKeyA(key, 0, sub, sizeof sub) == ERROR_SUCCESS) DeleteTree(key, sub);
-    RegCloseKey(key);
-    RegDeleteKeyA(parent, name.c_str());
-}
-
 void RemoveAll() {
-    DeleteTree(HKEY_CURRENT_USER, kBenchKey);
+    SHDeleteKeyA(HKEY_CURRENT_USER, kBenchKey);
     RegDeleteKeyA(HKEY_CURRENT_USER, "Software\\CorvaneBench");  // only when no other bench has keys there
     WIN32_FIND_DATAA data;
     HANDLE find = FindFirstFileA((std::string(kRoot) + "\\*").c_str(), &data);
@@ -306,7 +297,8 @@ int main(int argc, char** argv) {
     int bareRows = 0;
     for (HWND list : bareLists) bareRows += GetItemCount(list);
     if (static_cast<int>(shown) != items || bareRows != items) {
-        std::fprintf(stderr, "rows: ours %zu, bare %d, expected %d\n", shown, bareRows, items);
+        std::fprintf(stderr, "rows: ours %zu, bare %d (%d, %d, %d), expected %d\n", shown, bareRows,
+                     GetItemCount(bareLists[0]), GetItemCount(bareLists[1]), GetItemCount(bareLists[2]), items);
         return 1;
     }
     const std::string suffix = " (" + std::to_string(helpers) + " BHO, " + std::to_string(toolbars) + " toolbars, " +

@@ -28,6 +28,9 @@ Row MakeRow(std::vector<std::string> cells) {
 
 const Row kToolbar = MakeRow({"{t}", "Current User", "Bar from the class key", "bar.dll", "12.0", "01/31/2003",
                               "Maker", "Product", "Bar from the file", "C:\\Srv\\"});
+// The lines of a row whose file is missing: labels alone.
+const std::string kNoFile =
+    "Size (Kb)    : \r\nCreated on   : \r\nCompany Name : \r\nProduct Name : \r\nDescription  : \r\n";
 // A row whose file is missing: its file columns are empty, the labels stay.
 const Row kButton = MakeRow({"{b}", "All Users", "", "s.htm", "", "", "", "", "", "C:\\Web\\"});
 
@@ -48,11 +51,7 @@ TEST(BrowserReport, BlocksAsTheListShowsThemOneEmptyLineBetween) {
         "Scope        : All Users\r\n"
         "Button Text  : \r\n"
         "File Name    : s.htm\r\n"
-        "Size (Kb)    : \r\n"
-        "Created on   : \r\n"
-        "Company Name : \r\n"
-        "Product Name : \r\n"
-        "Description  : \r\n"
+        + kNoFile +
         "Path         : C:\\Web\\\r\n";
     EXPECT_EQ(BrowserReportBody(BrowserList::Buttons, {kButton, kButton}), button + "\r\n" + button);
     // A helper object's block leaves out Enabled and the class key's description.
@@ -134,11 +133,7 @@ TEST(BrowserReport, FullReportAreaCollectsEveryGroupAnew) {
               "Scope        : Current User\r\n"
               "Button Text  : Go\r\n"
               "File Name    : s.htm\r\n"
-              "Size (Kb)    : \r\n"
-              "Created on   : \r\n"
-              "Company Name : \r\n"
-              "Product Name : \r\n"
-              "Description  : \r\n"
+              + kNoFile +
               "Path         : C:\\Web\\\r\n"
               "\r\n"
               "IE Menu Items\r\n"

@@ -6,6 +6,7 @@
 // Tests here take RESOURCE_LOCK browser_sources.
 #include <gtest/gtest.h>
 #include <windows.h>
+#include <shlwapi.h>
 
 #include <algorithm>
 #include <map>
@@ -30,15 +31,6 @@ bool Ours(const std::string& name) {
     return _strnicmp(name.c_str(), "{C0A7E5E5", 9) == 0 || name.rfind("CorvaneTest", 0) == 0;
 }
 
-void DeleteTree(HKEY parent, const std::string& name) {
-    HKEY key;
-    if (RegOpenKeyExA(parent, name.c_str(), 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return;
-    char sub[256];
-    while (RegEnumKeyA(key, 0, sub, sizeof sub) == ERROR_SUCCESS) DeleteTree(key, sub);
-    RegCloseKey(key);
-    RegDeleteKeyA(parent, name.c_str());
-}
-
 // Takes every key and value of ours out of the browser's keys.
 void ClearOurs() {
     Win32Registry registry;
@@ -53,7 +45,7 @@ void ClearOurs() {
         HKEY key;
         if (RegOpenKeyExA(hive, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
         for (const std::string& name : names) {
-            if (Ours(name)) DeleteTree(key, name);
+            if (Ours(name)) SHDeleteKeyA(key, name.c_str());
         }
         RegCloseKey(key);
     }
