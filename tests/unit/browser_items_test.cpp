@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <set>
+
 #include "browser/browser_items.h"
 #include "browser/browser_report.h"
 #include "fakes/fake_clock.h"
@@ -7,6 +12,7 @@
 #include "fakes/fake_file_system.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fakes.h"
+#include "foundations/text.h"
 #include "options/full_report.h"
 
 namespace corvane {
@@ -344,6 +350,26 @@ TEST(BrowserUrls, AKeyThatCannotBeMadeIsToldOnceAndTheOthersAreWritten) {
     }
     EXPECT_EQ(stored[kUrlStartPage], "");
 }
+
+#ifdef CORVANE_DATA_DIR
+TEST(ShippedSuspectList, EveryLineIsAClassIdAsTheListIsSearchedFor) {
+    // A line is compared whole with the lower-cased key name: capitals, a
+    // missing brace or a trailing blank would make an entry that never matches.
+    std::ifstream in(CORVANE_DATA_DIR "/SusCLSID.qdl", std::ios::binary);
+    const std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::vector<std::string> lines = TextLines(content);
+    ASSERT_FALSE(lines.empty());
+    size_t lineEnds = 0;
+    for (size_t at = content.find("\r\n"); at != std::string::npos; at = content.find("\r\n", at + 2)) ++lineEnds;
+    EXPECT_EQ(lineEnds, lines.size()) << "every line ends in CR LF";
+    const std::regex clsid(R"(\{[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}\})");
+    std::set<std::string> seen;
+    for (const std::string& line : lines) {
+        EXPECT_TRUE(std::regex_match(line, clsid)) << "[" << line << "]";
+        EXPECT_TRUE(seen.insert(line).second) << "listed twice: " << line;
+    }
+}
+#endif
 
 }  // namespace
 }  // namespace corvane
