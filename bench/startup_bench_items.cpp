@@ -29,6 +29,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/bare_list.h"
 #include "bench/fixture_files.h"
 #include "bench/harness.h"
 #include "foundations/file_facts_cache.h"
@@ -121,128 +122,6 @@ void MakeItems(int values, int shortcuts, int naming = 0) {
     link->Release();
 }
 
-HWND MakeList() {
-    return CreateWindowExA(0, WC_LISTVIEWA, "", WS_POPUP | LVS_REPORT, 0, 0, 900, 600, nullptr, nullptr,
-                           GetModuleHandleA(nullptr), nullptr);
-}
-
-HIMAGELIST MakeImages(HWND list) {
-    HIMAGELIST images = ImageList_Create(16, 16, ILC_COLOR32 | ILC_MASK, 16, 64);
-    SendMessageA(list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
-    return images;
-}
-
-// ---- the bare calls ----
-
-constexpr const char* kNames[12] = {"ProductName",  "ProductVersion",   "FileDescription", "FileVersion",
-                                    "InternalName", "OriginalFilename", "Comments",        "CompanyName",
-                                    "LegalCopyright", "LegalTrademarks", "PrivateBuild",   "SpecialBuild"};
-
-struct BareRow {
-    std::string cells[11];
-    std::string iconFile;
-};
-
-// The file columns of one row: version strings, search, date, size.
-void BareFile(const std::string& path, BareRow& row) {
-    DWORD ignored = 0;
-    const DWORD size = GetFileVersionInfoSizeA(path.c_str(), &ignored);
-    if (size > 0) {
-        std::vector<char> block(size);
-        void* value = nullptr;
-        UINT length = 0;
-        if (GetFileVersionInfoA(path.c_str(), 0, size, block.data()) &&
-            VerQueryValueA(block.data(), "\\VarFileInfo\\Translation", &value, &length) && length >= 4) {
-            const auto* table = static_cast<const WORD*>(value);
-            char prefix[64];
-            std::snprintf(prefix, sizeof prefix, "\\StringFileInfo\\%04X%04X\\", table[0], table[1]);
-            std::string strings[12];
-            for (int i = 0; i < 12; ++i) {
-                if (VerQueryValueA(block.data(), (std::string(prefix) + kNames[i]).c_str(), &value, &length) && length) {
-                    strings[i] = static_cast<const char*>(value);
-                }
-            }
-            row.cells[7] = strings[7];
-            row.cells[8] = strings[0];
-            row.cells[9] = strings[2];
-        }
-    }
-    WIN32_FIND_DATAA data;
-    HANDLE find = FindFirstFileA(path.c_str(), &data);
-    if (find != INVALID_HANDLE_VALUE) {
-        FindClose(find);
-        FILETIME local;
-        SYSTEMTIME time;
-        if (FileTimeToLocalFileTime(&data.ftCreationTime, &local) && FileTimeToSystemTime(&local, &time)) {
-            char date[16];
-            std::snprintf(date, sizeof date, "%02u/%02u/%04u", time.wMonth, time.wDay, time.wYear);
-            row.cells[6] = date;
-        }
-        char kb[32];
-        std::snprintf(kb, sizeof kb, "%.1f", data.nFileSizeLow / 1024.0);
-        row.cells[5] = kb;
-    }
-    const size_t slash = path.find_last_of('\\');
-    row.cells[4] = path.substr(slash + 1);
-    row.cells[10] = path.substr(0, slash + 1);
-    row.iconFile = path;
-}
-
-// The file columns of a row, read from the file once when `once` is given.
-void BareFileOnce(const std::string& path, BareRow& row, std::map<std::string, BareRow>* once) {
-    if (!once) return BareFile(path, row);
-    auto [it, added] = once->try_emplace(path);
-    if (added) BareFile(path, it->second);
-    for (int c = 4; c <= 10; ++c) row.cells[c] = it->second.cells[c];
-    row.iconFile = it->second.iconFile;
-}
-
-// With `once`, each file's icon is taken out once and added for every row.
-void BareShow(HWND list, HIMAGELIST images, const std::vector<BareRow>& rows, bool once) {
-    SendMessageA(list, WM_SETREDRAW, FALSE, 0);
-    SendMessageA(list, LVM_DELETEALLITEMS, 0, 0);
-    ImageList_RemoveAll(images);
-    ImageList_AddIcon(images, DefaultFileIcon(false));
-    std::map<std::string, HICON> icons;
-    for (size_t i = 0; i < rows.size(); ++i) {
-        int image = 0;
-        if (!rows[i].iconFile.empty()) {
-            auto known = once ? icons.find(rows[i].iconFile) : icons.end();
-            if (known != icons.end()) {
-                if (known->second) image = ImageList_AddIcon(images, known->second);
-            } else {
-                HICON large = nullptr, small = nullptr;
-                if (static_cast<int>(ExtractIconExA(rows[i].iconFile.c_str(), 0, &large, &small, 1)) <= 0) {
-                    large = small = nullptr;
-                }
-                if (small) image = ImageList_AddIcon(images, small);
-                if (large) DestroyIcon(large);
-                if (once) icons[rows[i].iconFile] = small;
-                else if (small) DestroyIcon(small);
-            }
-        }
-        LVITEMA item{};
-        item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
-        item.iItem = static_cast<int>(i);
-        item.pszText = const_cast<char*>(rows[i].cells[0].c_str());
-        item.iImage = image;
-        item.lParam = static_cast<LPARAM>(i);
-        const int at = static_cast<int>(SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
-        for (int c = 1; c < 11; ++c) {
-            if (rows[i].cells[c].empty()) continue;
-            LVITEMA sub{};
-            sub.iSubItem = c;
-            sub.pszText = const_cast<char*>(rows[i].cells[c].c_str());
-            SendMessageA(list, LVM_SETITEMTEXTA, at, reinterpret_cast<LPARAM>(&sub));
-        }
-    }
-    for (int c = 0; c < 11; ++c) SendMessageA(list, LVM_SETCOLUMNWIDTH, c, LVSCW_AUTOSIZE_USEHEADER);
-    SendMessageA(list, WM_SETREDRAW, TRUE, 0);
-    for (const auto& [file, icon] : icons) {
-        if (icon) DestroyIcon(icon);
-    }
-}
-
 void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersistFile* persist,
                         bool once = false) {
     std::vector<BareRow> rows;
@@ -264,7 +143,7 @@ void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersis
                               reinterpret_cast<BYTE*>(data.data()), &dataSize) != ERROR_SUCCESS) {
                 break;
             }
-            BareRow row;
+            BareRow row(kStartupColumns.size());
             row.cells[0] = name.data();
             row.cells[1] = "True";
             row.cells[2] = hive == HKEY_LOCAL_MACHINE ? "HKLM" : "HKCU";
@@ -273,7 +152,7 @@ void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersis
             const char* colon = std::strchr(data.data(), ':');
             const char* ext = std::strstr(data.data(), ".exe");
             const std::string path = colon && ext ? std::string(colon - 1, ext + 4) : row.cells[3];
-            if (fileExists(path)) BareFileOnce(path, row, once ? &files : nullptr);
+            if (fileExists(path)) BareFileOnce(path, row, kStartupColFileName, once ? &files : nullptr);
             rows.push_back(std::move(row));
         }
         RegCloseKey(key);
@@ -293,12 +172,12 @@ void BareCollectAndShow(HWND list, HIMAGELIST images, IShellLinkA* link, IPersis
             link->GetArguments(arguments, sizeof arguments);
             link->GetIconLocation(icon, MAX_PATH, &iconIndex);
             if (!fileExists(target)) continue;
-            BareRow row;
+            BareRow row(kStartupColumns.size());
             row.cells[0] = found.cFileName;
             row.cells[1] = "True";
             row.cells[2] = folder[1] == 'L' ? "Startup LM" : "Startup CU";
             row.cells[3] = std::string("\"") + target + "\" " + arguments;
-            BareFileOnce(target, row, once ? &files : nullptr);
+            BareFileOnce(target, row, kStartupColFileName, once ? &files : nullptr);
             rows.push_back(std::move(row));
         } while (FindNextFileA(find, &found));
         FindClose(find);

@@ -115,8 +115,9 @@ using BrowserUrls = std::array<std::string, 8>;  // by BrowserUrl
 
 // LoadBrowserURLs: each field as GetRegString gives it, missing as empty.
 BrowserUrls LoadBrowserURLs(Registry& registry);
-// cmdApply: every field through SaveRegString; false when one could not be
-// written (SaveRegString has told the user).
+// cmdApply: each field whose text differs from what its value holds now,
+// through SaveRegString; false when one could not be written (SaveRegString
+// has told the user, once for each key that could not be made).
 bool SaveBrowserURLs(Registry& registry, Prompts& prompts, SystemInfo& system, const BrowserUrls& urls);
 // What a fill button puts into its field.
 std::string DefaultBrowserUrl(BrowserUrl field);

@@ -22,7 +22,8 @@ struct FullReportPlatform {
     std::string appPath;
     // The process area: the live process table.
     ProcessTable* processes = nullptr;
-    // The startup area: the Run keys, %VAR% references and shortcut files.
+    // The startup and browser areas: the registry and %VAR% references;
+    // the startup area's shortcut files.
     Registry* registry = nullptr;
     Environment* environment = nullptr;
     ShortcutReader* shortcuts = nullptr;

@@ -51,6 +51,9 @@ private:
 double LeadingNumber(const std::string& text);
 // A colour: the leading number rounded to signed 32 bits; `fallback` when it does not fit.
 int32_t ColourFromText(const std::string& text, int32_t fallback);
+// The icon number of an icon location ("file,number"): read as a colour is,
+// 0 when there is none or it does not fit.
+inline int32_t IconIndexFromText(const std::string& text) { return ColourFromText(text, 0); }
 // "FontBold": the whole text as a number, rounded. The program only ever writes
 // 0 or 1; anything else (not a number, 2, -7) is taken as the default, 1.
 int16_t FontBoldFromText(const std::string& text);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "browser/browser_report.h"
 #include "foundations/file_facts_cache.h"
 #include "processes/process_report.h"
 #include "foundations/app_identity.h"
@@ -35,7 +36,7 @@ const std::vector<ReportArea>& FullReportAreas() {
     // Each area's writer goes in here once the area has a report of its own.
     static const std::vector<ReportArea> areas = {
         {"process", "Process", WriteProcessArea},
-        {"ie", "Internet Explorer", nullptr},
+        {"ie", "Internet Explorer", WriteBrowserArea},
         {"startup", "Startup", WriteStartupArea},
         {"addremove", "Add/Remove", nullptr},
     };

@@ -1,0 +1,204 @@
+// The browser lists against Wine's real registry and version resources.
+// browser_sources.reg adds helper objects, toolbars, buttons and menu items
+// of our own to the prefix's browser keys, which every process of the run
+// shares: each class id begins with C0A7E5E5 and each name with
+// "CorvaneTest", and the test takes out what it added before and after.
+// Tests here take RESOURCE_LOCK browser_sources.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <shlwapi.h>
+
+#include <algorithm>
+#include <map>
+
+#include "browser/browser_items.h"
+#include "browser/browser_report.h"
+#include "fakes/fakes.h"
+#include "foundations/registry.h"
+#include "platform/win32/adapters.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
+#include "platform/win32/file_system_win32.h"
+#include "platform/win32/registry_win32.h"
+#include "wine/wine_support.h"
+
+namespace corvane {
+namespace {
+
+constexpr const char* kFiles = "C:\\corvane-tests\\browser-files";
+
+bool Ours(const std::string& name) {
+    return _strnicmp(name.c_str(), "{C0A7E5E5", 9) == 0 || name.rfind("CorvaneTest", 0) == 0;
+}
+
+// Takes every key and value of ours out of the browser's keys.
+void ClearOurs() {
+    Win32Registry registry;
+    const std::pair<HKEY, const char*> keyed[] = {
+        {HKEY_LOCAL_MACHINE, kHelperObjectsKey}, {HKEY_LOCAL_MACHINE, kExtensionsKey},
+        {HKEY_CURRENT_USER, kExtensionsKey},     {HKEY_LOCAL_MACHINE, kMenuExtKey},
+        {HKEY_CURRENT_USER, kMenuExtKey},        {HKEY_CLASSES_ROOT, "CLSID"},
+    };
+    for (const auto& [hive, path] : keyed) {
+        std::vector<std::string> names;
+        EnumRegKeys(registry, reinterpret_cast<RegKey>(hive), path, names);
+        HKEY key;
+        if (RegOpenKeyExA(hive, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
+        for (const std::string& name : names) {
+            if (Ours(name)) SHDeleteKeyA(key, name.c_str());
+        }
+        RegCloseKey(key);
+    }
+    for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+        for (const char* path : {kMachineToolbarKey, kUserToolbarKey}) {
+            HKEY key;
+            if (RegOpenKeyExA(hive, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
+            for (const RegValueEntry& entry : EnumRegValues(registry, reinterpret_cast<RegKey>(hive), path)) {
+                if (Ours(entry.name)) RegDeleteValueA(key, entry.name.c_str());
+            }
+            RegCloseKey(key);
+        }
+    }
+}
+
+struct BrowserMachine {
+    std::string app, helper, toolbar, button, windows;
+
+    BrowserMachine() {
+        ClearOurs();
+        wine::FreshFolder("browser-files");
+        CreateDirectoryA((std::string(kFiles) + "\\Helper Dir").c_str(), nullptr);
+        helper = std::string(kFiles) + "\\Helper Dir\\helper.dll";
+        toolbar = std::string(kFiles) + "\\toolbar.dll";
+        button = std::string(kFiles) + "\\button.exe";
+        // A server only needs to be there with a version resource.
+        const std::string fixtures = wine::TestFolder() + "\\";
+        CopyFileA((fixtures + "fixture_full.exe").c_str(), helper.c_str(), FALSE);
+        CopyFileA((fixtures + "fixture_noicon.exe").c_str(), toolbar.c_str(), FALSE);
+        CopyFileA((fixtures + "fixture_full.exe").c_str(), button.c_str(), FALSE);
+        app = wine::FreshFolder("browser-app");
+        const std::string list = "{c0a7e5e5-0000-4000-8000-000000000001}\r\n{c0a7e5e5-0000-4000-8000-000000000003}\r\n";
+        HANDLE file = CreateFileA((app + "\\SusCLSID.qdl").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
+        DWORD written = 0;
+        WriteFile(file, list.data(), static_cast<DWORD>(list.size()), &written, nullptr);
+        CloseHandle(file);
+        char folder[MAX_PATH] = {};
+        GetWindowsDirectoryA(folder, MAX_PATH);
+        windows = folder;
+        EXPECT_TRUE(wine::ImportRegFile(wine::TestFolder() + "\\browser_sources.reg"));
+    }
+    ~BrowserMachine() { ClearOurs(); }
+};
+
+struct Live {
+    Win32Registry registry;
+    Win32FileSystem files;
+    Win32FileFacts facts;
+    Win32Clock clock;
+    Win32Environment environment;
+    BrowserSources sources{registry, files, facts, clock, environment};
+};
+
+// Our rows, by id and the scope or state column.
+std::map<std::string, Row> OursOf(const std::vector<Row>& rows) {
+    std::map<std::string, Row> ours;
+    for (const Row& row : rows) {
+        if (Ours(row.cells[0])) ours[row.cells[0] + "|" + row.cells[1]] = row;
+    }
+    return ours;
+}
+
+bool SameText(const std::string& a, const std::string& b) { return _stricmp(a.c_str(), b.c_str()) == 0; }
+
+TEST(BrowserUnderWine, ListsOfTheRealKeysWithTheServersFiles) {
+    BrowserMachine machine;
+    Live live;
+    const BrowserPlaces places = LoadBrowserPlaces(live.sources, machine.app);
+
+    const auto helpers = OursOf(CollectHelperObjects(live.sources, places, {"{C0A7E5E5-0000-4000-8000-000000000099}"}));
+    ASSERT_EQ(helpers.size(), 4u);
+    // Spelled as the subkey is, matched with the suspect list in lower case.
+    const Row& full = helpers.at("{C0A7E5E5-0000-4000-8000-000000000001}|True");
+    EXPECT_EQ(full.cells[kBrowserColText], "CorvaneTest Helper");
+    EXPECT_EQ(full.cells[kBrowserColFileName], "helper.dll");
+    EXPECT_EQ(full.cells[kBrowserColCompany], "Pr\xFC" "fwerk GmbH");
+    EXPECT_EQ(full.cells[kBrowserColProduct], "Corvane Pr\xFC" "fst\xE4" "nde");
+    EXPECT_EQ(full.cells[kBrowserColFileDescription], "Pr\xFC" "fprogramm f\xFC" "r Tests");
+    EXPECT_FALSE(full.cells[kBrowserColSize].empty());
+    EXPECT_FALSE(full.cells[kBrowserColCreated].empty());
+    EXPECT_EQ(full.cells[kBrowserColPath], std::string(kFiles) + "\\Helper Dir\\");
+    EXPECT_EQ(full.iconFile, machine.helper);
+    EXPECT_EQ(full.mark, RowMark::Suspicious);
+    // A REG_EXPAND_SZ server is expanded before the file is looked for.
+    const Row& env = helpers.at("{c0a7e5e5-0000-4000-8000-000000000002}|True");
+    EXPECT_EQ(env.cells[kBrowserColFileName], "notepad.exe");
+    EXPECT_TRUE(SameText(env.cells[kBrowserColPath], machine.windows + "\\")) << env.cells[kBrowserColPath];
+    EXPECT_FALSE(env.cells[kBrowserColSize].empty());
+    const Row& quoted = helpers.at("{C0A7E5E5-0000-4000-8000-000000000004}|True");
+    EXPECT_EQ(quoted.cells[kBrowserColFileName], "helper.dll\"");
+    EXPECT_EQ(quoted.cells[kBrowserColSize], "");
+    EXPECT_EQ(quoted.iconFile, "");
+    EXPECT_EQ(helpers.at("{C0A7E5E5-0000-4000-8000-000000000099}|False").mark, RowMark::Disabled);
+
+    // The toolbar of each hive's own key, both marked; the other keys add nothing.
+    const auto toolbars = OursOf(CollectToolbars(live.sources, places));
+    ASSERT_EQ(toolbars.size(), 2u);
+    for (const char* scope : {kScopeAllUsers, kScopeCurrentUser}) {
+        const Row& row = toolbars.at(std::string("{C0A7E5E5-0000-4000-8000-000000000003}|") + scope);
+        EXPECT_EQ(row.cells[kBrowserColText], "CorvaneTest Bar");
+        EXPECT_EQ(row.cells[kBrowserColFileName], "toolbar.dll");
+        EXPECT_EQ(row.mark, RowMark::Suspicious);
+    }
+
+    const auto buttons = OursOf(CollectButtons(live.sources, places));
+    ASSERT_EQ(buttons.size(), 3u);
+    const Row& exec = buttons.at("{C0A7E5E5-0000-4000-8000-000000000010}|All Users");
+    EXPECT_EQ(exec.cells[kBrowserColText], "CorvaneTest Caf\xE9");
+    EXPECT_EQ(exec.cells[kBrowserColFileName], "button.exe");
+    EXPECT_EQ(exec.iconFile, machine.button);
+    const Row& band = buttons.at("{C0A7E5E5-0000-4000-8000-000000000011}|Current User");
+    EXPECT_EQ(band.cells[kBrowserColFileName], "helper.dll") << "the quoted Exec is passed over for the band";
+    EXPECT_EQ(band.cells[kBrowserColCompany], "Pr\xFC" "fwerk GmbH");
+    EXPECT_EQ(band.iconFile, "");
+    const Row& script = buttons.at("{C0A7E5E5-0000-4000-8000-000000000012}|Current User");
+    EXPECT_EQ(script.cells[kBrowserColFileName], "corvane-gone.htm");
+    EXPECT_TRUE(SameText(script.cells[kBrowserColPath], machine.windows + "\\"));
+    EXPECT_EQ(script.cells[kBrowserColSize], "");
+
+    std::vector<Row> menu;
+    for (const Row& row : CollectMenuItems(live.sources, places)) {
+        if (Ours(row.cells[kMenuColName])) menu.push_back(row);
+    }
+    ASSERT_EQ(menu.size(), 2u);
+    EXPECT_EQ(menu[0].cells, (std::vector<std::string>{"CorvaneTest &Menu", "All Users", "res://%SystemRoot%\\x.dll/200"}));
+    EXPECT_EQ(menu[1].cells, (std::vector<std::string>{"CorvaneTest &Menu", "Current User", ""}));
+}
+
+TEST(BrowserUnderWine, ReportWritesTheRowsAsTheListHasThem) {
+    BrowserMachine machine;
+    Live live;
+    const BrowserPlaces places = LoadBrowserPlaces(live.sources, machine.app);
+    std::vector<Row> rows;
+    for (const auto& [key, row] : OursOf(CollectToolbars(live.sources, places))) rows.push_back(row);
+    fakes::FakePrompts prompts;
+    Win32SystemInfo system;
+    fakes::FakeShell shell;
+    ReportPorts ports{live.files, system, live.clock, prompts, shell};
+    const std::string file = machine.app + "\\report.txt";
+    ASSERT_TRUE(printHeader(ports, file, BrowserReportOf(BrowserList::Toolbars).title));
+    ASSERT_TRUE(printReportToolbar(ports, file, rows));
+    const std::string content = wine::FileBytes(file);
+    EXPECT_EQ(content.rfind("IE Toolbar Report Generated by  :\r\n", 0), 0u);
+    const std::string tail =
+        "Description  : Fixture without an icon\r\nPath         : " + std::string(kFiles) + "\\\r\n";
+    ASSERT_GT(content.size(), tail.size());
+    EXPECT_EQ(content.substr(content.size() - tail.size()), tail);
+    EXPECT_NE(content.find("Toolbar CLSID: {C0A7E5E5-0000-4000-8000-000000000003}\r\nScope        : All Users\r\n"
+                           "Description  : CorvaneTest Bar\r\n"),
+              std::string::npos);
+    EXPECT_TRUE(prompts.shown.empty());
+}
+
+}  // namespace
+}  // namespace corvane
