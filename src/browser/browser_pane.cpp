@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "browser/browser_commands.h"
+#include "browser/browser_report.h"
 #include "foundations/file_facts_cache.h"
 #include "foundations/functions.h"
 #include "foundations/text.h"
@@ -236,7 +237,19 @@ void BrowserListTab::cmdDelete_Click() {
     if (changed) Fill();
 }
 
-void BrowserListTab::cmdReport_Click() {}
+void BrowserListTab::cmdReport_Click() {
+    if (kind_ == Kind::MenuItems) return;
+    const BrowserList which = kind_ == Kind::HelperObjects ? BrowserList::HelperObjects
+                              : kind_ == Kind::Toolbars    ? BrowserList::Toolbars
+                                                           : BrowserList::Buttons;
+    const BrowserReport& report = BrowserReportOf(which);
+    // The rows in the list's present order: sorted, if the user sorted it.
+    const std::vector<Row> shown = list_.InViewOrder();
+    AppContext& app = App();
+    ReportPorts ports{*app.files, *app.system, *app.clock, *app.prompts, *app.shell};
+    RunListReport(shown.empty(), report.emptyText, report.title,
+                  [&](const std::string& file) { printReportBrowser(ports, which, file, shown); });
+}
 
 HMENU BrowserListTab::PopupMenuToShow() {
     if (!list_.Selected()) return nullptr;
