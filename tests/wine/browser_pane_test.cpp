@@ -7,8 +7,11 @@
 
 #include <string>
 
+#include "browser/browser_commands.h"
 #include "browser/browser_pane.h"
 #include "res/resource.h"
+#include "ui/list_view.h"
+#include "wine/browser_machine.h"
 #include "wine/gui_support.h"
 
 namespace corvane {
@@ -149,6 +152,116 @@ TEST_F(BrowserPaneUnderWine, UrlTabAppliesOnlyWhatChanged) {
     ClickTab(IDC_CMDURLS);
     EXPECT_EQ(Text(UrlTab(), IDC_URL_TEXT0 + kUrlStartPage), "About:Blank");
     EXPECT_EQ(ReadStartPage(), "About:Blank");
+}
+
+// The list tabs over helper objects, toolbars and buttons of our own: the
+// menus follow the selected row, and their items do what the buttons do.
+class BrowserRowsUnderWine : public wine::MainWindowTest {
+protected:
+    void SetUp() override {
+        MainWindowTest::SetUp();
+        machine_ = std::make_unique<wine::BrowserMachine>();
+        savedPath_ = App().appPath;
+        App().appPath = machine_->app;
+        Open();
+        form_->cmdNavigate_Click(IDC_CMDIE);
+        Pump();
+        pane_ = frmIE::Of(form_->activePane());
+        ASSERT_NE(pane_, nullptr);
+    }
+    void TearDown() override {
+        MainWindowTest::TearDown();
+        App().appPath = savedPath_;
+        machine_.reset();
+    }
+    BrowserListTab& Tab(BrowserListTab::Kind kind) { return *pane_->ListTab(kind); }
+    // The position of our row `id` whose second column is `state`, or -1.
+    static int ItemOf(BrowserListTab& tab, const std::string& id, const std::string& state) {
+        HWND list = tab.list().hwnd();
+        for (int item = 0; item < GetItemCount(list); ++item) {
+            if (GetItemText(list, item, 0) == id && GetItemText(list, item, 1) == state) return item;
+        }
+        return -1;
+    }
+    static void Check(BrowserListTab& tab, int item) {
+        ListView_SetCheckState(tab.list().hwnd(), item, TRUE);
+    }
+    static void Choose(BrowserListTab& tab, int id) {
+        SendMessageA(tab.hwnd(), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0);
+        Pump();
+    }
+    static bool KeyExists(HKEY hive, const std::string& path) {
+        HKEY key = nullptr;
+        if (RegOpenKeyExA(hive, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+        RegCloseKey(key);
+        return true;
+    }
+
+    std::unique_ptr<wine::BrowserMachine> machine_;
+    std::string savedPath_;
+    frmIE* pane_ = nullptr;
+};
+
+constexpr const char* kHelper = "{C0A7E5E5-0000-4000-8000-000000000001}";
+constexpr const char* kQuoted = "{C0A7E5E5-0000-4000-8000-000000000004}";
+constexpr const char* kToolbar = "{C0A7E5E5-0000-4000-8000-000000000003}";
+
+TEST_F(BrowserRowsUnderWine, MenusFollowTheSelectedRowsFolder) {
+    BrowserListTab& helpers = Tab(BrowserListTab::Kind::HelperObjects);
+    const struct {
+        const char* row;  // null: none selected
+        bool open;        // Open Folder enabled
+    } cases[] = {{kHelper, true}, {kQuoted, false}, {nullptr, false}};
+    for (const auto& c : cases) {
+        ListView_SetItemState(helpers.list().hwnd(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+        if (c.row) SelectItem(helpers.list().hwnd(), ItemOf(helpers, c.row, "True"));
+        HMENU menu = helpers.PopupMenuToShow();
+        const std::string what = c.row ? c.row : "no row";
+        ASSERT_EQ(menu != nullptr, c.row != nullptr) << what << ": the menu is for a selected row only";
+        if (!menu) continue;
+        EXPECT_EQ((GetMenuState(menu, IDM_MNUBHO_OPEN, MF_BYCOMMAND) & MF_GRAYED) == 0, c.open) << what;
+        EXPECT_EQ(IsWindowEnabled(GetDlgItem(helpers.hwnd(), IDC_IETAB_CMD4)) != FALSE, c.open)
+            << what << ": Open Folder follows the row as its menu item does";
+        EXPECT_EQ(GetMenuState(menu, IDM_MNUBHO_DISABLE, MF_BYCOMMAND) & MF_GRAYED, 0u) << what;
+    }
+    // The web search: the row's class id and its company, blanks as "+".
+    SelectItem(helpers.list().hwnd(), ItemOf(helpers, kHelper, "True"));
+    Choose(helpers, IDM_MNUBHO_GOOGLE);
+    ASSERT_EQ(shell_.opened.size(), 1u);
+    EXPECT_EQ(shell_.opened[0], std::string("http://www.google.com/search?q=") + kHelper + "+Pr\xFC" "fwerk+GmbH");
+}
+
+TEST_F(BrowserRowsUnderWine, DisableEnableAndDeleteThroughThePane) {
+    const std::string key = std::string(kHelperObjectsKey) + "\\" + kHelper;
+    BrowserListTab& helpers = Tab(BrowserListTab::Kind::HelperObjects);
+    Check(helpers, ItemOf(helpers, kHelper, "True"));
+    Choose(helpers, IDC_IETAB_CMD0);  // "Disable Checked BHO"
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, key));
+    EXPECT_TRUE(PathFileExistsA(HelperObjectStorePath(machine_->app, kHelper).c_str()));
+    ASSERT_GE(ItemOf(helpers, kHelper, "False"), 0) << "the list was filled anew and shows it disabled";
+
+    Check(helpers, ItemOf(helpers, kHelper, "False"));
+    Choose(helpers, IDM_MNUBHO_ENABLE);  // the menu item does what the button does
+    EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, key));
+    EXPECT_GE(ItemOf(helpers, kHelper, "True"), 0);
+    EXPECT_EQ(ItemOf(helpers, kHelper, "False"), -1);
+
+    BrowserListTab& toolbars = Tab(BrowserListTab::Kind::Toolbars);
+    SelectItem(toolbars.list().hwnd(), ItemOf(toolbars, kToolbar, kScopeAllUsers));
+    prompts_.shown.clear();
+    prompts_.answers = {PromptAnswer::No};
+    Choose(toolbars, IDC_IETAB_CMD0);  // "Delete Toolbar", answered No
+    EXPECT_GE(ItemOf(toolbars, kToolbar, kScopeAllUsers), 0);
+    ASSERT_EQ(prompts_.shown.size(), 1u);
+    EXPECT_EQ(prompts_.shown[0].icon, PromptIcon::Question);
+    prompts_.answers = {PromptAnswer::Yes};
+    Choose(toolbars, IDM_MNUTOOLBAR_DELETE);
+    EXPECT_EQ(ItemOf(toolbars, kToolbar, kScopeAllUsers), -1);
+    EXPECT_GE(ItemOf(toolbars, kToolbar, kScopeCurrentUser), 0) << "the other hive's toolbar stays";
+    WIN32_FIND_DATAA found;
+    HANDLE search = FindFirstFileA((machine_->app + "\\backup\\Toolbar *.reg").c_str(), &found);
+    EXPECT_NE(search, INVALID_HANDLE_VALUE) << "what was deleted is kept in the backup folder";
+    if (search != INVALID_HANDLE_VALUE) FindClose(search);
 }
 
 }  // namespace

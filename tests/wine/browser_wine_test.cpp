@@ -20,76 +20,15 @@
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
 #include "platform/win32/registry_win32.h"
+#include "wine/browser_machine.h"
 #include "wine/wine_support.h"
 
 namespace corvane {
 namespace {
 
-constexpr const char* kFiles = "C:\\corvane-tests\\browser-files";
-
-bool Ours(const std::string& name) {
-    return _strnicmp(name.c_str(), "{C0A7E5E5", 9) == 0 || name.rfind("CorvaneTest", 0) == 0;
-}
-
-// Takes every key and value of ours out of the browser's keys.
-void ClearOurs() {
-    Win32Registry registry;
-    const std::pair<HKEY, const char*> keyed[] = {
-        {HKEY_LOCAL_MACHINE, kHelperObjectsKey}, {HKEY_LOCAL_MACHINE, kExtensionsKey},
-        {HKEY_CURRENT_USER, kExtensionsKey},     {HKEY_LOCAL_MACHINE, kMenuExtKey},
-        {HKEY_CURRENT_USER, kMenuExtKey},        {HKEY_CLASSES_ROOT, "CLSID"},
-    };
-    for (const auto& [hive, path] : keyed) {
-        std::vector<std::string> names;
-        EnumRegKeys(registry, reinterpret_cast<RegKey>(hive), path, names);
-        HKEY key;
-        if (RegOpenKeyExA(hive, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
-        for (const std::string& name : names) {
-            if (Ours(name)) SHDeleteKeyA(key, name.c_str());
-        }
-        RegCloseKey(key);
-    }
-    for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
-        for (const char* path : {kMachineToolbarKey, kUserToolbarKey}) {
-            HKEY key;
-            if (RegOpenKeyExA(hive, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
-            for (const RegValueEntry& entry : EnumRegValues(registry, reinterpret_cast<RegKey>(hive), path)) {
-                if (Ours(entry.name)) RegDeleteValueA(key, entry.name.c_str());
-            }
-            RegCloseKey(key);
-        }
-    }
-}
-
-struct BrowserMachine {
-    std::string app, helper, toolbar, button, windows;
-
-    BrowserMachine() {
-        ClearOurs();
-        wine::FreshFolder("browser-files");
-        CreateDirectoryA((std::string(kFiles) + "\\Helper Dir").c_str(), nullptr);
-        helper = std::string(kFiles) + "\\Helper Dir\\helper.dll";
-        toolbar = std::string(kFiles) + "\\toolbar.dll";
-        button = std::string(kFiles) + "\\button.exe";
-        // A server only needs to be there with a version resource.
-        const std::string fixtures = wine::TestFolder() + "\\";
-        CopyFileA((fixtures + "fixture_full.exe").c_str(), helper.c_str(), FALSE);
-        CopyFileA((fixtures + "fixture_noicon.exe").c_str(), toolbar.c_str(), FALSE);
-        CopyFileA((fixtures + "fixture_full.exe").c_str(), button.c_str(), FALSE);
-        app = wine::FreshFolder("browser-app");
-        const std::string list = "{c0a7e5e5-0000-4000-8000-000000000001}\r\n{c0a7e5e5-0000-4000-8000-000000000003}\r\n";
-        HANDLE file = CreateFileA((app + "\\SusCLSID.qdl").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
-        DWORD written = 0;
-        WriteFile(file, list.data(), static_cast<DWORD>(list.size()), &written, nullptr);
-        CloseHandle(file);
-        char folder[MAX_PATH] = {};
-        GetWindowsDirectoryA(folder, MAX_PATH);
-        windows = folder;
-        EXPECT_TRUE(wine::ImportRegFile(wine::TestFolder() + "\\browser_sources.reg"));
-    }
-    ~BrowserMachine() { ClearOurs(); }
-};
+using wine::BrowserMachine;
+using wine::kFiles;
+using wine::Ours;
 
 struct Live {
     Win32Registry registry;
