@@ -154,7 +154,9 @@ void BrowserListTab::Form_Load() {
     }
     PlaceTab(hwnd(), area_);
 
-    list_.Attach(list, info.columns, (info.checkBoxes ? LVS_EX_CHECKBOXES : 0) | LVS_EX_FULLROWSELECT);
+    // The context menu list shows no icons.
+    list_.Attach(list, info.columns, (info.checkBoxes ? LVS_EX_CHECKBOXES : 0) | LVS_EX_FULLROWSELECT,
+                 kind_ != Kind::MenuItems);
     list_.onSelect = [this](int) { UpdateButtons(); };
     list_.onRightClick = [this] { lstv_MouseUp(); };
     if (info.searchItem) list_.onDoubleClick = [this] { lstv_DblClick(); };

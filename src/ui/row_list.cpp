@@ -1,5 +1,7 @@
 #include "ui/row_list.h"
 
+#include <algorithm>
+
 #include "ui/file_icon.h"
 #include "ui/list_view.h"
 
@@ -24,16 +26,18 @@ RowList::RowList(const SharedValues& colours, SortPolicy policy)
 
 RowList::~RowList() { Detach(); }
 
-void RowList::Attach(HWND list, std::span<const char* const> columns, DWORD extendedStyle) {
+void RowList::Attach(HWND list, std::span<const char* const> columns, DWORD extendedStyle, bool icons) {
     Detach();
     list_ = list;
     SetExtendedStyle(list_, extendedStyle);
     for (size_t i = 0; i < columns.size(); ++i) InsertColumn(list_, static_cast<int>(i), columns[i], kInitialColumnWidth);
     // The list must not free the image list itself: it is ours, and it outlives fills.
     SetWindowLongPtrA(list_, GWL_STYLE, GetWindowLongPtrA(list_, GWL_STYLE) | LVS_SHAREIMAGELISTS);
-    images_ = ImageList_Create(GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), ILC_COLOR32 | ILC_MASK,
-                               16, 64);
-    SetSmallImageList(list_, images_);
+    if (icons) {
+        images_ = ImageList_Create(GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON),
+                                   ILC_COLOR32 | ILC_MASK, 16, 64);
+        SetSmallImageList(list_, images_);
+    }
     bold_ = BoldFontOf(list_);
 }
 
@@ -50,12 +54,14 @@ void RowList::Show(std::vector<Row> rows) {
     rows_ = std::move(rows);
     SendMessageA(list_, WM_SETREDRAW, FALSE, 0);
     DeleteAllItems(list_);
-    ImageList_RemoveAll(images_);
-    ImageList_AddIcon(images_, DefaultFileIcon(false));
+    if (images_) {
+        ImageList_RemoveAll(images_);
+        ImageList_AddIcon(images_, DefaultFileIcon(false));
+    }
     FileIconCache icons;  // a file that many rows name is taken out once
     for (size_t i = 0; i < rows_.size(); ++i) {
         const Row& row = rows_[i];
-        const int image = row.iconFile.empty() ? 0 : icons.AddImage(images_, row.iconFile, row.iconIndex);
+        const int image = !images_ || row.iconFile.empty() ? 0 : icons.AddImage(images_, row.iconFile, row.iconIndex);
         const std::string& text = row.cells.empty() ? std::string() : row.cells[0];
         const int item = InsertItem(list_, static_cast<int>(i), text, image, static_cast<LPARAM>(i));
         for (size_t column = 1; column < row.cells.size(); ++column) {
@@ -66,7 +72,34 @@ void RowList::Show(std::vector<Row> rows) {
     ApplySort();
     SendMessageA(list_, WM_SETREDRAW, TRUE, 0);
     AutoSizeColumns(list_);
+    FitBoldItems();
     InvalidateRect(list_, nullptr, TRUE);
+}
+
+void RowList::FitBoldItems() {
+    if (colours_.FontBold != 1 || !bold_ || rows_.empty()) return;
+    HDC dc = GetDC(list_);
+    HGDIOBJ old = SelectObject(dc, bold_);
+    int widest = 0;
+    for (const Row& row : rows_) {
+        if (!IsSuspicious(row.mark) || row.cells.empty()) continue;
+        SIZE size{};
+        GetTextExtentPoint32A(dc, row.cells[0].c_str(), static_cast<int>(row.cells[0].size()), &size);
+        widest = std::max(widest, static_cast<int>(size.cx));
+    }
+    SelectObject(dc, old);
+    ReleaseDC(list_, dc);
+    if (widest == 0) return;
+    // Beside the text: the check box, the icon and the margins the list keeps.
+    RECT label{};
+    label.left = LVIR_LABEL;
+    const int item = 0;
+    int extra = 16;
+    if (SendMessageA(list_, LVM_GETITEMRECT, item, reinterpret_cast<LPARAM>(&label))) extra += label.left;
+    const int needed = widest + extra;
+    if (needed > static_cast<int>(SendMessageA(list_, LVM_GETCOLUMNWIDTH, 0, 0))) {
+        SendMessageA(list_, LVM_SETCOLUMNWIDTH, 0, needed);
+    }
 }
 
 int RowList::Count() const { return list_ ? GetItemCount(list_) : 0; }

@@ -28,8 +28,9 @@ public:
     RowList& operator=(const RowList&) = delete;
 
     // Takes over the list view `list` of a pane: its columns, `extendedStyle`
-    // (check boxes, full row select), its image list and bold font.
-    void Attach(HWND list, std::span<const char* const> columns, DWORD extendedStyle);
+    // (check boxes, full row select), its image list (unless the list shows
+    // no icons) and bold font.
+    void Attach(HWND list, std::span<const char* const> columns, DWORD extendedStyle, bool icons = true);
     // Frees the image list and the font; the pane calls it while the list
     // view still exists, when the pane unloads.
     void Detach();
@@ -65,6 +66,9 @@ private:
     void ColumnClick(int column);
     void ApplySort();
     LRESULT CustomDraw(NMLVCUSTOMDRAW& draw);
+    // Widens the first column where a bold item would not fit the width
+    // measured in the list's own font.
+    void FitBoldItems();
     static int CALLBACK Compare(LPARAM first, LPARAM second, LPARAM self);
 
     const SharedValues& colours_;
