@@ -1,0 +1,44 @@
+#pragma once
+// The installed applications without a window: the Uninstall key walked into
+// rows, each with what the system's own cache record says of its size, its
+// last use and how often it is used. The pane shows the rows, its commands
+// take them back, and its report and the full report write them.
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "applications/slow_info_cache.h"
+#include "foundations/row.h"
+#include "platform/file_facts.h"
+#include "platform/registry.h"
+
+namespace corvane {
+
+inline constexpr const char* kUninstallKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
+inline constexpr const char* kArpCacheKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache";
+
+// The list's columns, in order: the row's text and sub-items 1 to 4.
+inline constexpr std::array<const char*, 5> kAddRemoveColumns = {"Display Name", "Size (MB)", "Last Used On",
+                                                                 "Frequency", "Uninstall Command"};
+enum AddRemoveColumn : int { kAppColName = 0, kAppColSize, kAppColLastUsed, kAppColFrequency, kAppColCommand };
+
+// What the walk reads.
+struct ApplicationSources {
+    Registry& registry;
+    FileFacts& facts;  // whether an icon's file exists
+};
+
+// refreshApplicationList without a window: one row per application the
+// Uninstall key lists, in the registry's order, keyed by its subkey name.
+// `windowsVersionName` decides the branches of Windows 95 and 98 (no record)
+// and of Windows 2000 (dates a day later).
+std::vector<Row> CollectApplications(ApplicationSources& sources, const std::string& windowsVersionName);
+
+// The decoder of the cache record's fields, as the columns show them.
+std::string sizeText(uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3);
+std::string frequencyText(uint8_t count);
+std::string lastUsedText(uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3, bool windows2000);
+
+}  // namespace corvane
