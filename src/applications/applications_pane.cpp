@@ -1,0 +1,76 @@
+#include "applications/applications_pane.h"
+
+#include "applications/application_commands.h"
+#include "foundations/file_facts_cache.h"
+#include "res/resource.h"
+#include "ui/app_context.h"
+#include "ui/list_commands.h"
+#include "ui/twips.h"
+
+namespace corvane {
+
+namespace {
+
+ApplicationCommandPorts CommandPorts() {
+    AppContext& app = App();
+    return {*app.registry, *app.files, *app.prompts, *app.system, *app.clock, app.appPath};
+}
+
+bool IsWindows9x(const std::string& version) {
+    return version.find("95") != std::string::npos || version.find("98") != std::string::npos;
+}
+
+}  // namespace
+
+frmAddRemove::frmAddRemove() : lstvAddRemove_(App().shared, SortPolicy::FlipOnSameColumn) {}
+
+void frmAddRemove::Form_Load() {
+    PlacePane(hwnd());
+    lstvAddRemove_.Attach(Item(IDC_LSTVADDREMOVE), kAddRemoveColumns, LVS_EX_FULLROWSELECT);
+    lstvAddRemove_.onRightClick = [this] { lstvAddRemove_MouseUp(); };
+    AddList(lstvAddRemove_);
+
+    // All four buttons are open at all times; the commands ask for a selected row themselves.
+    Bind({IDC_ADDREMOVE_UNINSTALL, IDM_MNUADDREMOVE_UNINSTALL, [this] { cmdUninstall_Click(); }, {}, {}});
+    Bind({IDC_ADDREMOVE_DELETE, IDM_MNUADDREMOVE_DELETE, [this] { cmdDelete_Click(); }, {}, {}});
+    Bind({IDC_ADDREMOVE_REFRESH, IDM_MNUADDREMOVE_REFRESH, [this] { cmdRefresh_Click(); }, {}, {}});
+    Bind({IDC_ADDREMOVE_REPORT, IDM_MNUADDREMOVE_REPORT, [this] { cmdReport_Click(); }, {}, {}});
+    refreshApplicationList();
+}
+
+void frmAddRemove::refreshApplicationList() {
+    AppContext& app = App();
+    // The list stays hidden while it fills.
+    ShowWindow(lstvAddRemove_.hwnd(), SW_HIDE);
+    FileFactsCache facts(*app.facts);
+    ApplicationSources sources{*app.registry, facts};
+    lstvAddRemove_.Show(CollectApplications(sources, app.shared.WindowsVersionName));
+    // Windows 95 and 98 keep no cache record: its three columns go, and the
+    // command column takes their room.
+    if (lstvAddRemove_.Count() > 0 && IsWindows9x(app.shared.WindowsVersionName)) {
+        HWND list = lstvAddRemove_.hwnd();
+        for (int column : {kAppColSize, kAppColLastUsed, kAppColFrequency}) {
+            SendMessageA(list, LVM_SETCOLUMNWIDTH, column, 0);
+        }
+        SendMessageA(list, LVM_SETCOLUMNWIDTH, kAppColCommand, TwipsToPixelsX(7725));
+    }
+    ShowWindow(lstvAddRemove_.hwnd(), SW_SHOW);
+}
+
+void frmAddRemove::cmdUninstall_Click() {}
+
+void frmAddRemove::cmdDelete_Click() {
+    ApplicationCommandPorts ports = CommandPorts();
+    if (DeleteApplicationEntry(ports, lstvAddRemove_.Selected())) refreshApplicationList();
+}
+
+void frmAddRemove::cmdReport_Click() {}
+
+HMENU frmAddRemove::PopupMenuToShow() {
+    if (!lstvAddRemove_.Selected()) return nullptr;
+    return PreparedMenu("Add/Remove");
+}
+
+void frmAddRemove::lstvAddRemove_MouseUp() { ShowMenu(PopupMenuToShow()); }
+
+}  // namespace corvane
