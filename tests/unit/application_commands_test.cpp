@@ -10,6 +10,7 @@
 #include "fakes/fake_file_system.h"
 #include "fakes/fake_program_runner.h"
 #include "fakes/fake_registry.h"
+#include "fakes/fault_injection.h"
 #include "fakes/fakes.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
@@ -145,9 +146,6 @@ TEST(ApplicationCommands, AnEntryAlreadyGoneWritesNoBackup) {
 // each whole in the registry or whole in a backup file, and the other
 // entries are untouched; only a crash may leave a key in part.
 TEST(ApplicationCommands, DeleteEntryLosesNothingWhateverFailsOrWhereverItStops) {
-    enum class Fault { RegistryCallFails, RegistryChangeFails, RegistryCrashes, FileCallFails, FileChangeFails, FilesCrash };
-    const char* faultNames[] = {"registry call fails", "registry change fails", "crash after registry change",
-                                "file call fails",     "file change fails",     "crash after file change"};
     int runs = 0;
     for (const std::string& target : kEntries) {
         World clean;
@@ -156,45 +154,14 @@ TEST(ApplicationCommands, DeleteEntryLosesNothingWhateverFailsOrWhereverItStops)
         const auto entryBefore = clean.Tree(kUninstallKey, target);
         const auto recordBefore = clean.Tree(kArpCacheKey, target);
 
-        for (int f = 0; f <= static_cast<int>(Fault::FilesCrash); ++f) {
-            const Fault fault = static_cast<Fault>(f);
+        for (const fakes::Fault fault : fakes::kEveryFault) {
             for (int n = 1;; ++n) {
                 World w;
                 const Row row = AppRow(target, "Target", "x");
-                int calls = 0;
-                bool reached = false;
-                const auto nth = [&] {
-                    const bool hit = ++calls == n;
-                    reached = reached || hit;
-                    return hit;
-                };
-                switch (fault) {
-                    case Fault::RegistryCallFails:
-                        // A failed close would only leave a handle open.
-                        w.registry.failIf = [&](const std::string& op, const std::string&, const std::string&) {
-                            return op != "CloseKey" && nth();
-                        };
-                        break;
-                    case Fault::FileCallFails:
-                        w.files.failIf = [&](const std::string&, const std::string&) { return nth(); };
-                        break;
-                    case Fault::RegistryChangeFails: w.registry.failChange = n; break;
-                    case Fault::FileChangeFails: w.files.failChange = n; break;
-                    case Fault::RegistryCrashes: w.registry.crashAfterChange = n; break;
-                    case Fault::FilesCrash: w.files.crashAfterChange = n; break;
-                }
-                bool crashed = false;
-                try {
-                    DeleteApplicationEntry(w.ports, &row);
-                } catch (const fakes::SimulatedCrash&) {
-                    crashed = true;
-                }
-                w.registry.failIf = nullptr;
-                w.files.failIf = nullptr;
-                w.registry.failChange = w.registry.crashAfterChange = 0;
-                w.files.failChange = w.files.crashAfterChange = 0;
+                fakes::FaultRun run(fault, n, w.registry, w.files);
+                const bool crashed = run.Run([&] { DeleteApplicationEntry(w.ports, &row); });
                 ++runs;
-                const std::string context = target + ", " + faultNames[f] + " " + std::to_string(n);
+                const std::string context = target + ", " + run.Name();
 
                 const auto backups = w.Backups();
                 const bool inBackup = std::find(backups.begin(), backups.end(), before[target]) != backups.end();
@@ -213,12 +180,7 @@ TEST(ApplicationCommands, DeleteEntryLosesNothingWhateverFailsOrWhereverItStops)
                     EXPECT_EQ(w.registry.OpenHandles(), 0u) << context;
                 }
 
-                const bool stop = fault == Fault::RegistryCallFails || fault == Fault::FileCallFails ? !reached
-                                  : fault == Fault::RegistryCrashes || fault == Fault::FilesCrash
-                                      ? !crashed
-                                      : (fault == Fault::RegistryChangeFails ? w.registry.changes
-                                                                             : w.files.changes) < n;
-                if (stop) break;
+                if (run.Missed()) break;
             }
         }
     }
