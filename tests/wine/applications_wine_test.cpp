@@ -153,7 +153,7 @@ TEST_F(ApplicationsUnderWine, AnUninstallCommandThatNamesNothingChangesNothing) 
     Put(reg, key, "DisplayName", kRegSz, "Corvane Test\0"s);
     ApplicationCommandPorts ports{reg, files, prompts, system, clock, wine::FreshFolder("applications-app")};
     Win32ProgramRunner runner;
-    for (const std::string command : {"\"C:\\corvane-tests\\nowhere\\missing.exe\" /x"s, "C:\\no such\\thing /x"s}) {
+    for (const std::string& command : {"\"C:\\corvane-tests\\nowhere\\missing.exe\" /x"s, "C:\\no such\\thing /x"s}) {
         Row row(kAddRemoveColumns.size());
         row.key = "CorvaneTestMissing";
         row.cells[kAppColName] = "Corvane Test";
