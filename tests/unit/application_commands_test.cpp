@@ -6,6 +6,7 @@
 #include <map>
 
 #include "applications/installed_applications.h"
+#include "fakes/command_fakes.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_file_system.h"
 #include "fakes/fake_program_runner.h"
@@ -25,12 +26,7 @@ const std::string kBackup = kApp + "\\backup";
 const std::string kUninstall = "HKLM\\"s + kUninstallKey;
 const std::string kCache = "HKLM\\"s + kArpCacheKey;
 
-struct World {
-    fakes::FakeRegistry registry;
-    fakes::FakeFileSystem files;
-    fakes::FakePrompts prompts;
-    fakes::FakeSystemInfo system;
-    fakes::FakeClock clock;
+struct World : fakes::CommandFakes {
     fakes::FakeProgramRunner runner;
     ApplicationCommandPorts ports{registry, files, prompts, system, clock, kApp};
 

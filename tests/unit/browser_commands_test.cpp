@@ -7,6 +7,7 @@
 #include <map>
 
 #include "browser/browser_items.h"
+#include "fakes/command_fakes.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_file_system.h"
 #include "fakes/fake_registry.h"
@@ -29,12 +30,7 @@ const std::string kAwkward = "{11111111-2222-3333-4444-555555555555}";
 const std::string kPlain = "{AAAAAAAA-0000-0000-0000-000000000001}";
 const std::string kKeptBefore = "{BBBBBBBB-0000-0000-0000-000000000002}";
 
-struct World {
-    fakes::FakeRegistry registry;
-    fakes::FakeFileSystem files;
-    fakes::FakePrompts prompts;
-    fakes::FakeSystemInfo system;
-    fakes::FakeClock clock;
+struct World : fakes::CommandFakes {
     BrowserCommandPorts ports{registry, files, prompts, system, clock, kApp};
 
     World() { files.AddFolder(kApp); }
