@@ -1,8 +1,120 @@
 #include "applications/application_commands.h"
 
-// Placeholder body while the command is built.
+#include "applications/installed_applications.h"
+#include "foundations/app_identity.h"
+#include "foundations/error_message.h"
+#include "foundations/reg_backup.h"
+#include "foundations/reg_file.h"
+
+// Delete Entry takes an application out of the list, not off the disk: its
+// Uninstall key and its cache record go to one .reg file in the backup folder,
+// read back whole, before either is deleted, so the entry is always in the
+// registry or in that file. Uninstall hands the work to the entry's own
+// command and only waits for it.
 namespace corvane {
 
-bool DeleteApplicationEntry(ApplicationCommandPorts&, const Row*) { return false; }
+namespace {
+
+constexpr const char* kDeleteProcedure = "cmdDelete_Click";
+constexpr const char* kUninstallProcedure = "cmdUninstall_Click";
+
+std::string UninstallKeyOf(const std::string& name) { return std::string(kUninstallKey) + "\\" + name; }
+std::string ArpCacheKeyOf(const std::string& name) { return std::string(kArpCacheKey) + "\\" + name; }
+
+// The name the questions and messages use: the display name, or the key
+// when a row came without one.
+std::string ShownName(const Row& row) {
+    if (!row.cells.empty() && !row.cells[kAppColName].empty()) return row.cells[kAppColName];
+    return row.key;
+}
+
+std::string WithoutOuterBlanks(const std::string& text) {
+    const size_t first = text.find_first_not_of(" \t");
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+}  // namespace
+
+bool DeleteApplicationEntry(ApplicationCommandPorts& ports, const Row* selected) {
+    if (!selected || selected->key.empty()) return false;
+    const std::string name = ShownName(*selected);
+    const std::string question = "Are you sure you want to delete the entry of selected application?\r\n\r\n" + name +
+                                 "\r\n\r\nOnly the entry in the list goes; the application's files stay where they "
+                                 "are. A copy of the entry is kept in the backup folder.";
+    if (!AskYesNo(ports.prompts, question, kAppTitle)) return false;
+
+    const std::string uninstallKey = UninstallKeyOf(selected->key);
+    const std::string cacheKey = ArpCacheKeyOf(selected->key);
+    const auto entry = ReadRegKeyTree(ports.registry, kHKeyLocalMachine, uninstallKey);
+    if (!entry) {
+        ShowErrorOccurred(ports.prompts, kDeleteProcedure,
+                          "The entry of " + name + " is no longer in the registry, or could not be read. Nothing "
+                          "was deleted.");
+        return true;
+    }
+    // Only a record that is not there counts as none: one that cannot be
+    // opened would be left behind without its entry.
+    std::vector<RegFileKey> cache;
+    RegKey handle = 0;
+    const RegError opened = ports.registry.OpenKey(kHKeyLocalMachine, cacheKey, kKeyRead, handle);
+    if (opened == kRegOk) ports.registry.CloseKey(handle);
+    if (opened != kErrorFileNotFound) {
+        auto read = opened == kRegOk ? ReadRegKeyTree(ports.registry, kHKeyLocalMachine, cacheKey) : std::nullopt;
+        if (!read) {
+            ShowErrorOccurred(ports.prompts, kDeleteProcedure,
+                              "The cache record of " + name + " could not be read. Nothing was deleted.");
+            return false;
+        }
+        cache = std::move(*read);
+    }
+    std::vector<RegFileKey> keys = *entry;
+    keys.insert(keys.end(), cache.begin(), cache.end());
+    if (!RegFileCanHold(keys)) {
+        ShowErrorOccurred(ports.prompts, kDeleteProcedure,
+                          "The entry of " + name +
+                              " has a name with a line break, which a .reg file cannot keep. Nothing was deleted.");
+        return false;
+    }
+    const std::string heading = " Application " + name + " (" + selected->key + "), entry deleted by " +
+                                kAppTitle + ". Import this file to put it back.";
+    BackupPorts backup{ports.files, ports.prompts, ports.system, ports.clock, ports.appPath};
+    if (!WriteBackup(backup, kDeleteProcedure, kApplicationBackupKind, selected->key, heading, keys)) return false;
+
+    // The entry first: once it is gone the list no longer shows the
+    // application, whatever becomes of its cache record.
+    if (!RemoveKeyTree(ports.registry, ports.prompts, ports.system, kHKeyLocalMachine, uninstallKey, *entry)) {
+        return true;
+    }
+    if (!cache.empty()) {
+        RemoveKeyTree(ports.registry, ports.prompts, ports.system, kHKeyLocalMachine, cacheKey, cache);
+    }
+    return true;
+}
+
+bool UninstallApplication(ApplicationCommandPorts& ports, ProgramRunner& runner, const Row* selected,
+                          const std::function<void()>& pump) {
+    if (!selected) return false;
+    const std::string name = ShownName(*selected);
+    const std::string command =
+        selected->cells.size() > kAppColCommand ? WithoutOuterBlanks(selected->cells[kAppColCommand]) : std::string();
+    if (command.empty()) {
+        ShowErrorOccurred(ports.prompts, kUninstallProcedure,
+                          name + " has no uninstall command. Nothing was started.");
+        return false;
+    }
+    const std::string question = "Are you sure you want to uninstall selected application?\r\n\r\n" + name +
+                                 "\r\n\r\nIts own uninstall command is started:\r\n" + command;
+    if (!AskYesNo(ports.prompts, question, kAppTitle)) return false;
+
+    if (const SysError error = runner.RunAndWait(command, pump)) {
+        ShowErrorOccurred(ports.prompts, kUninstallProcedure,
+                          "The uninstall command of " + name + " could not be started:\r\n" + command + "\r\n" +
+                              ErrorDescription(ports.system, error),
+                          PromptIcon::Critical);
+        return false;
+    }
+    return true;
+}
 
 }  // namespace corvane

@@ -1,10 +1,9 @@
 #include "browser/browser_commands.h"
 
-#include <cstdio>
-
 #include "browser/browser_items.h"
 #include "foundations/app_identity.h"
 #include "foundations/error_message.h"
+#include "foundations/reg_backup.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
 #include "foundations/text.h"
@@ -20,64 +19,16 @@ namespace {
 
 constexpr const char* kDisableProcedure = "cmdDisableBHO";
 constexpr const char* kEnableProcedure = "cmdEnableBHO";
-// What a write that did not land gives when the file reads back otherwise:
-// ERROR_WRITE_FAULT, "The system cannot write to the specified device."
-constexpr SysError kWriteFault = 29;
-// A backup's name stays well inside the path limit, whatever the item is called.
-constexpr size_t kLongestNamePart = 100;
 
 std::string HelperObjectKey(const std::string& clsid) { return std::string(kHelperObjectsKey) + "\\" + clsid; }
 
 std::string StoreFolder(const std::string& appPath) { return appPath + "\\" + kHelperObjectStore; }
-std::string BackupFolder(const std::string& appPath) { return appPath + "\\" + kBackupFolder; }
-
-bool NotInFileNames(char c) {
-    return static_cast<unsigned char>(c) < 0x20 || std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos;
-}
-
-// A class id the store can use as its file name, as it is.
-bool FileNameCanHold(const std::string& name) {
-    if (name.empty() || name.back() == '.' || name.back() == ' ' || name.size() > kLongestNamePart) return false;
-    for (char c : name) {
-        if (NotInFileNames(c)) return false;
-    }
-    return true;
-}
-
-// A name for a backup file that says which item it holds: what a file name
-// cannot hold becomes "_".
-std::string FileNamePart(std::string name) {
-    for (char& c : name) {
-        if (NotInFileNames(c)) c = '_';
-    }
-    if (name.size() > kLongestNamePart) name.resize(kLongestNamePart);
-    while (!name.empty() && (name.back() == '.' || name.back() == ' ')) name.pop_back();
-    return name.empty() ? "_" : name;
-}
 
 void ShowNames(Prompts& prompts, const std::string& text, const std::vector<std::string>& names) {
     if (names.empty()) return;
     std::string message = text + "\r\n";
     for (const std::string& name : names) message += "\r\n" + name;
     prompts.Message(message, kAppTitle, PromptIcon::Information, PromptButtons::Ok);
-}
-
-SysError EnsureFolder(FileSystem& files, const std::string& folder) {
-    return files.IsFolder(folder) ? kNoError : files.CreateFolder(folder);
-}
-
-// Writes the file through a temporary one and reads it back: a file that
-// says otherwise than was written counts as not written.
-SysError WriteDurably(FileSystem& files, const std::string& path, const std::string& text) {
-    if (const SysError error = files.WriteAtomic(path, text)) return error;
-    SysError error = kNoError;
-    const auto back = files.Read(path, &error);
-    if (!back) return error ? error : kWriteFault;
-    return *back == text ? kNoError : kWriteFault;
-}
-
-RegFile KeptFile(const std::string& heading, std::vector<RegFileKey> keys) {
-    return RegFile{{heading, std::string(kRegistryViewComment) + kRegistryView64}, std::move(keys)};
 }
 
 // The registry view a kept file names; a file without the line came from the 64-bit one.
@@ -109,42 +60,9 @@ std::optional<std::vector<RegFileKey>> ReadStoredObject(FileSystem& files, const
     return std::move(file->keys);
 }
 
-// Deletes a key of which `keys` is a whole copy. When it stops part-way,
-// what went is written back, so the key is whole where it was.
-bool RemoveKeyTree(BrowserCommandPorts& ports, RegKey root, const std::string& keyPath,
-                   const std::vector<RegFileKey>& keys) {
-    if (DeleteRegKeyTree(ports.registry, ports.prompts, ports.system, root, keyPath)) return true;
-    ImportRegKeys(ports.registry, keys);
-    return false;
-}
-
 bool RegistryHolds(Registry& registry, RegKey root, const std::string& keyPath, const std::vector<RegFileKey>& keys) {
     const auto now = ReadRegKeyTree(registry, root, keyPath);
     return now && SameRegKeys(*now, keys);
-}
-
-bool KeyExists(Registry& registry, RegKey root, const std::string& keyPath) {
-    RegKey key = 0;
-    if (registry.OpenKey(root, keyPath, kKeyRead, key) != kRegOk) return false;
-    registry.CloseKey(key);
-    return true;
-}
-
-std::string Stamp(const SystemTime& t) {
-    char text[48];
-    std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u%02u%02u", t.year, t.month, t.day, t.hour, t.minute,
-                  t.second);
-    return text;
-}
-
-// "backup\Toolbar {clsid} 2026-11-23 170512.reg", with " (2)" and on when
-// that second has one already.
-std::string FreeBackupPath(BrowserCommandPorts& ports, const std::string& kind, const std::string& name) {
-    const std::string base =
-        BackupFolder(ports.appPath) + "\\" + kind + " " + FileNamePart(name) + " " + Stamp(ports.clock.Now());
-    std::string path = base + ".reg";
-    for (int n = 2; ports.files.Exists(path); ++n) path = base + " (" + std::to_string(n) + ").reg";
-    return path;
 }
 
 // What a delete removes: a value, or a key with all below it.
@@ -185,25 +103,14 @@ bool DeleteWithBackup(BrowserCommandPorts& ports, const Removal& removal) {
                               " has a name with a line break, which a .reg file cannot keep. Nothing was deleted.");
         return false;
     }
-    const std::string folder = BackupFolder(ports.appPath);
-    if (const SysError error = EnsureFolder(ports.files, folder)) {
-        ShowErrorOccurred(ports.prompts, removal.procedure,
-                          "The backup folder " + folder + " could not be made: " + ErrorDescription(ports.system, error));
-        return false;
-    }
-    const std::string path = FreeBackupPath(ports, removal.kind, removal.name);
     const std::string heading = " " + std::string(removal.kind) + " " + removal.name + " (" + removal.scope +
                                 "), deleted by " + kAppTitle + ". Import this file to put it back.";
-    if (const SysError error = WriteDurably(ports.files, path, FormatRegFile(KeptFile(heading, *keys)))) {
-        ShowErrorOccurred(ports.prompts, removal.procedure,
-                          "The backup " + path + " could not be written, so nothing was deleted: " +
-                              ErrorDescription(ports.system, error));
-        return false;
-    }
+    BackupPorts backup{ports.files, ports.prompts, ports.system, ports.clock, ports.appPath};
+    if (!WriteBackup(backup, removal.procedure, removal.kind, removal.name, heading, *keys)) return false;
     if (removal.valueName) {
         DeleteRegValue(ports.registry, ports.prompts, ports.system, removal.root, removal.keyPath, *removal.valueName);
     } else {
-        RemoveKeyTree(ports, removal.root, removal.keyPath, *keys);
+        RemoveKeyTree(ports.registry, ports.prompts, ports.system, removal.root, removal.keyPath, *keys);
     }
     return true;
 }
@@ -232,9 +139,9 @@ bool DisableOne(BrowserCommandPorts& ports, const std::string& clsid, std::vecto
         } else {
             // A copy disabled earlier, since registered again: the later one
             // takes its place, and the earlier goes to the backup folder.
-            const std::string backups = BackupFolder(ports.appPath);
+            const std::string backups = RegBackupFolder(ports.appPath);
             SysError error = EnsureFolder(ports.files, backups);
-            const std::string earlier = FreeBackupPath(ports, "Helper Object", clsid);
+            const std::string earlier = FreeBackupPath(ports.files, ports.clock, ports.appPath, "Helper Object", clsid);
             if (!error) error = ports.files.Move(store, earlier, false);
             if (error) {
                 ShowErrorOccurred(ports.prompts, kDisableProcedure,
@@ -257,7 +164,7 @@ bool DisableOne(BrowserCommandPorts& ports, const std::string& clsid, std::vecto
             return false;
         }
     }
-    if (RemoveKeyTree(ports, kHKeyLocalMachine, keyPath, *keys)) return true;
+    if (RemoveKeyTree(ports.registry, ports.prompts, ports.system, kHKeyLocalMachine, keyPath, *keys)) return true;
     // Back whole in the registry: the store's copy, written just now, would show it twice.
     if (wroteStore && RegistryHolds(ports.registry, kHKeyLocalMachine, keyPath, *keys)) ports.files.Delete(store);
     return false;
@@ -273,7 +180,7 @@ bool EnableOne(BrowserCommandPorts& ports, const std::string& clsid, std::vector
         return true;
     }
     const std::string keyPath = HelperObjectKey(clsid);
-    if (KeyExists(ports.registry, kHKeyLocalMachine, keyPath)) {
+    if (RegKeyExists(ports.registry, kHKeyLocalMachine, keyPath)) {
         // Registered again since: the stored copy goes only if it is the same.
         if (!RegistryHolds(ports.registry, kHKeyLocalMachine, keyPath, *stored)) {
             registered.push_back(clsid);
@@ -283,7 +190,7 @@ bool EnableOne(BrowserCommandPorts& ports, const std::string& clsid, std::vector
         const RegError error = ImportRegKeys(ports.registry, *stored);
         if (error || !RegistryHolds(ports.registry, kHKeyLocalMachine, keyPath, *stored)) {
             // What arrived goes again: the key was not there, and the store keeps the object.
-            if (KeyExists(ports.registry, kHKeyLocalMachine, keyPath)) {
+            if (RegKeyExists(ports.registry, kHKeyLocalMachine, keyPath)) {
                 DeleteRegKeyTree(ports.registry, ports.prompts, ports.system, kHKeyLocalMachine, keyPath);
             }
             ShowErrorOccurred(ports.prompts, kEnableProcedure,

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "foundations/reg_backup.h"
 #include "foundations/row.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
@@ -30,10 +31,6 @@ struct BrowserCommandPorts {
 // it came from. What the deletes remove goes to the folder "backup" as
 // "Toolbar {clsid} 2026-11-23 170512.reg" and the like.
 inline constexpr const char* kHelperObjectStore = "DBHO";
-inline constexpr const char* kBackupFolder = "backup";
-// The comment of a stored key that names its registry view, and the one view written now.
-inline constexpr const char* kRegistryViewComment = " Registry view: ";
-inline constexpr const char* kRegistryView64 = "64-bit";
 
 // The store file of a helper object.
 std::string HelperObjectStorePath(const std::string& appPath, const std::string& clsid);

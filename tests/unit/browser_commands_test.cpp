@@ -7,9 +7,11 @@
 #include <map>
 
 #include "browser/browser_items.h"
+#include "fakes/command_fakes.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_file_system.h"
 #include "fakes/fake_registry.h"
+#include "fakes/fault_injection.h"
 #include "fakes/fakes.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
@@ -28,12 +30,7 @@ const std::string kAwkward = "{11111111-2222-3333-4444-555555555555}";
 const std::string kPlain = "{AAAAAAAA-0000-0000-0000-000000000001}";
 const std::string kKeptBefore = "{BBBBBBBB-0000-0000-0000-000000000002}";
 
-struct World {
-    fakes::FakeRegistry registry;
-    fakes::FakeFileSystem files;
-    fakes::FakePrompts prompts;
-    fakes::FakeSystemInfo system;
-    fakes::FakeClock clock;
+struct World : fakes::CommandFakes {
     BrowserCommandPorts ports{registry, files, prompts, system, clock, kApp};
 
     World() { files.AddFolder(kApp); }
@@ -334,11 +331,6 @@ TEST(BrowserCommands, EachDeleteAsksThenKeepsWhatItRemovesInTheBackupFolder) {
 // object is whole in the registry or in its store, and every item a delete
 // took is whole in the registry or in a backup file; nothing else changed.
 TEST(BrowserCommands, NothingIsLostWhateverFailsOrWhereverItStops) {
-    enum class Fault { RegistryCallFails, RegistryChangeFails, RegistryCrashes, FileCallFails, FileChangeFails, FilesCrash };
-    const Fault faults[] = {Fault::RegistryCallFails, Fault::RegistryChangeFails, Fault::RegistryCrashes,
-                            Fault::FileCallFails,     Fault::FileChangeFails,     Fault::FilesCrash};
-    const char* faultNames[] = {"registry call fails", "registry change fails", "crash after registry change",
-                                "file call fails",     "file change fails",     "crash after file change"};
     struct Command {
         std::string name;
         std::function<void(World&)> prepare, run;
@@ -366,49 +358,15 @@ TEST(BrowserCommands, NothingIsLostWhateverFailsOrWhereverItStops) {
         std::vector<std::vector<RegFileKey>> itemsBefore;
         for (const Deletion& d : Deletions()) itemsBefore.push_back(ItemNow(clean, d).value());
 
-        for (const Fault fault : faults) {
+        for (const fakes::Fault fault : fakes::kEveryFault) {
             for (int n = 1;; ++n) {
                 World w;
                 Populate(w);
                 command.prepare(w);
-                w.registry.changes = w.files.changes = 0;
-                const bool registry = fault <= Fault::RegistryCrashes;
-                int calls = 0;
-                bool reached = false;
-                switch (fault) {
-                    case Fault::RegistryCallFails:
-                        // A failed close would only leave a handle open.
-                        w.registry.failIf = [&](const std::string& op, const std::string&, const std::string&) {
-                            const bool hit = op != "CloseKey" && ++calls == n;
-                            reached = reached || hit;
-                            return hit;
-                        };
-                        break;
-                    case Fault::FileCallFails:
-                        w.files.failIf = [&](const std::string&, const std::string&) {
-                            const bool hit = ++calls == n;
-                            reached = reached || hit;
-                            return hit;
-                        };
-                        break;
-                    case Fault::RegistryChangeFails: w.registry.failChange = n; break;
-                    case Fault::FileChangeFails: w.files.failChange = n; break;
-                    case Fault::RegistryCrashes: w.registry.crashAfterChange = n; break;
-                    case Fault::FilesCrash: w.files.crashAfterChange = n; break;
-                }
-                bool crashed = false;
-                try {
-                    command.run(w);
-                } catch (const fakes::SimulatedCrash&) {
-                    crashed = true;
-                }
-                w.registry.failIf = nullptr;
-                w.files.failIf = nullptr;
-                w.registry.failChange = w.registry.crashAfterChange = 0;
-                w.files.failChange = w.files.crashAfterChange = 0;
+                fakes::FaultRun run(fault, n, w.registry, w.files);
+                const bool crashed = run.Run([&] { command.run(w); });
                 ++runs;
-                const std::string context = command.name + ", " + faultNames[static_cast<int>(fault)] + " " +
-                                            std::to_string(n);
+                const std::string context = command.name + ", " + run.Name();
 
                 // Only a crash may leave a key in part; a failure puts it back whole or takes it all.
                 for (const std::string& clsid : objects) {
@@ -430,12 +388,7 @@ TEST(BrowserCommands, NothingIsLostWhateverFailsOrWhereverItStops) {
                     EXPECT_EQ(w.registry.OpenHandles(), 0u) << context;
                 }
 
-                const bool stop = fault == Fault::RegistryCallFails || fault == Fault::FileCallFails
-                                      ? !reached
-                                      : fault == Fault::RegistryCrashes || fault == Fault::FilesCrash
-                                            ? !crashed
-                                            : (registry ? w.registry.changes : w.files.changes) < n;
-                if (stop) break;
+                if (run.Missed()) break;
             }
         }
     }
