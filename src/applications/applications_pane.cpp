@@ -57,7 +57,32 @@ void frmAddRemove::refreshApplicationList() {
     ShowWindow(lstvAddRemove_.hwnd(), SW_SHOW);
 }
 
-void frmAddRemove::cmdUninstall_Click() {}
+void frmAddRemove::cmdUninstall_Click() {
+    AppContext& app = App();
+    ApplicationCommandPorts ports = CommandPorts();
+    // While the uninstaller runs the window stays painted and answers, but
+    // takes no input that could start a second command.
+    HWND main = app.mainWindow;
+    bool waiting = false;
+    auto pump = [&] {
+        if (!waiting) {
+            waiting = true;
+            if (main) EnableWindow(main, FALSE);
+        }
+        MSG msg;
+        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            if (msg.message == WM_QUIT) {
+                PostQuitMessage(static_cast<int>(msg.wParam));  // for the main loop, once this is done
+                return;
+            }
+            TranslateMessage(&msg);
+            DispatchMessageA(&msg);
+        }
+    };
+    const bool changed = UninstallApplication(ports, *app.runner, lstvAddRemove_.Selected(), pump);
+    if (waiting && main) EnableWindow(main, TRUE);
+    if (changed) refreshApplicationList();
+}
 
 void frmAddRemove::cmdDelete_Click() {
     ApplicationCommandPorts ports = CommandPorts();

@@ -11,6 +11,7 @@
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
 #include "platform/win32/process_table_win32.h"
+#include "platform/win32/program_runner_win32.h"
 #include "platform/win32/registry_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "foundations/settings.h"
@@ -29,6 +30,7 @@ struct AppContext {
     Win32Clock win32Clock;
     Win32Shortcuts win32Shortcuts;
     Win32ProcessTable win32Processes;
+    Win32ProgramRunner win32Runner;
 
     HINSTANCE instance = nullptr;
     std::string appPath;  // folder of the executable, no trailing backslash
@@ -48,6 +50,7 @@ struct AppContext {
     Clock* clock = &win32Clock;
     ShortcutReader* shortcuts = &win32Shortcuts;
     ProcessTable* processes = &win32Processes;
+    ProgramRunner* runner = &win32Runner;
     Settings settings{win32Profile, ""};
 };
 
