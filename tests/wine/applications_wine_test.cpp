@@ -1,0 +1,151 @@
+// The installed applications against Wine's real registry and files.
+// applications_sources.reg adds entries of our own to the machine's Uninstall
+// and ARPCache keys, which every process of the run shares: each subkey
+// begins with "CorvaneTest", and the test takes out all such keys before and
+// after. Tests here take RESOURCE_LOCK applications_sources, and wine_version
+// for the runs as other Windows versions.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <shlwapi.h>
+
+#include <string>
+#include <vector>
+
+#include "applications/installed_applications.h"
+#include "foundations/registry.h"
+#include "foundations/text.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
+#include "platform/win32/registry_win32.h"
+#include "wine/wine_support.h"
+
+namespace corvane {
+namespace {
+
+constexpr const char* kFiles = "C:\\corvane-tests\\apps-files";
+
+bool Ours(const std::string& name) { return name.rfind("CorvaneTest", 0) == 0; }
+
+void ClearOurs() {
+    Win32Registry registry;
+    for (const char* path : {kUninstallKey, kArpCacheKey}) {
+        std::vector<std::string> names;
+        EnumRegKeys(registry, kHKeyLocalMachine, path, names);
+        HKEY key;
+        if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
+        for (const std::string& name : names) {
+            if (Ours(name)) SHDeleteKeyA(key, name.c_str());
+        }
+        RegCloseKey(key);
+    }
+}
+
+// Our entries in the machine's keys, and the programs their icons name:
+// app.exe, and café.exe, whose name the record holds in UTF-16.
+struct ApplicationsMachine {
+    ApplicationsMachine() {
+        ClearOurs();
+        wine::FreshFolder("apps-files");
+        const std::string fixture = wine::TestFolder() + "\\fixture_full.exe";
+        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\app.exe").c_str(), FALSE);
+        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\caf\xE9.exe").c_str(), FALSE);
+        EXPECT_TRUE(wine::ImportRegFile(wine::TestFolder() + "\\applications_sources.reg"));
+    }
+    ~ApplicationsMachine() { ClearOurs(); }
+};
+
+// A row as one line: key, cells, icon file and number.
+std::string Line(const Row& row) {
+    std::string line = row.key;
+    for (const std::string& cell : row.cells) line += "|" + cell;
+    return line + "|" + row.iconFile + "|" + std::to_string(row.iconIndex);
+}
+
+// What each Windows shows of the fixture's entries. Those with NoRemove 1,
+// without a name or without a command have no row.
+std::vector<std::string> Expected(const std::string& family) {
+    const std::string f = std::string(kFiles) + "\\";
+    const bool records = family != "98";
+    const bool w2k = family == "2000";
+    auto cols = [&](const char* size, const char* xpDate, const char* w2kDate, const char* frequency) {
+        return records ? std::string(size) + "|" + (w2k ? w2kDate : xpDate) + "|" + frequency : std::string("||");
+    };
+    return {
+        "CorvaneTestFull|CorvaneTest Caf\xE9 Full|" + cols("1.0", "2003-01-31", "2003-02-01", "Occasionally") + "|" +
+            f + "uninst.exe /x|" + f + "app.exe|0",
+        "CorvaneTestOverflow|CorvaneTest Overflow|" + cols("", "", "", "Rarely") + "|MsiExec.exe /X{C0A7E5E5}||0",
+        "CorvaneTestRecordIcon|CorvaneTest Record Icon|" + cols("22.5", "2004-02-29", "2004-03-01", "Frequently") +
+            "|" + f + "uninst.exe|" + (records ? f + "caf\xE9.exe" : "") + "|0",
+        "CorvaneTestShort|CorvaneTest Short||||" + f + "uninst.exe||0",
+        "CorvaneTestUnknown|CorvaneTest Unknown||||" + f + "uninst.exe||0",
+    };
+}
+
+TEST(ApplicationsUnderWine, EveryColumnFromTheRealKeysAndFiles) {
+    ApplicationsMachine machine;
+    Win32Registry registry;
+    Win32FileFacts facts;
+    Win32Clock clock;
+    ApplicationSources sources{registry, facts};
+    ASSERT_EQ(clock.DecimalSign(), ".") << "the expected sizes are written for the prefix's English locale";
+    const struct {
+        const char* version;
+        const char* family;
+    } cases[] = {
+        {"Microsoft Windows XP", "XP"},
+        {"Microsoft Windows 2000", "2000"},
+        {"Microsoft Windows 98 Second Edition", "98"},
+    };
+    for (const auto& c : cases) {
+        ApplicationListOptions options;
+        options.windowsVersionName = c.version;
+        options.decimalSign = clock.DecimalSign();
+        std::vector<std::string> ours;
+        for (const Row& row : CollectApplications(sources, options)) {
+            if (Ours(row.key)) ours.push_back(Line(row));
+        }
+        EXPECT_EQ(ours, Expected(c.family)) << c.version;
+    }
+}
+
+// The version switch reaches only processes started after it, so the walk
+// runs in a child that asks the system which Windows it is.
+TEST(ApplicationsUnderWine, AsWindows98And2000InAProcessOfTheirOwn) {
+    ApplicationsMachine machine;
+    const struct {
+        const char* wineVersion;
+        const char* family;
+    } cases[] = {
+        {"win98", "98"},
+        {"win2k", "2000"},
+        {"winxp", "XP"},
+    };
+    for (const auto& c : cases) {
+        wine::ScopedWineVersion version(c.wineVersion);
+        const wine::RunResult run = wine::Run("\"" + wine::TestFolder() + "\\applications_probe.exe\"");
+        ASSERT_EQ(run.exitCode, 0u) << c.wineVersion << "\n" << run.output;
+        EXPECT_EQ(TextLines(run.output), Expected(c.family)) << c.wineVersion;
+    }
+}
+
+TEST(ApplicationsUnderWine, ConsoleReportWritesTheirBlocks) {
+    ApplicationsMachine machine;
+    const std::string file = wine::FreshFolder("apps-report") + "\\report.txt";
+    const wine::RunResult run =
+        wine::Run("\"" + wine::FromUnixPath(CORVANE_REPORT_EXE) + "\" \"" + file + "\" /areas:addremove");
+    ASSERT_EQ(run.exitCode, 0u) << run.output;
+    const std::string report = wine::FileBytes(file);
+    const std::string f = std::string(kFiles) + "\\";
+    const std::string ours =
+        "Program Name : CorvaneTest Caf\xE9 Full\r\nCommand      : " + f + "uninst.exe /x\r\n\r\n"
+        "Program Name : CorvaneTest Overflow\r\nCommand      : MsiExec.exe /X{C0A7E5E5}\r\n\r\n"
+        "Program Name : CorvaneTest Record Icon\r\nCommand      : " + f + "uninst.exe\r\n\r\n"
+        "Program Name : CorvaneTest Short\r\nCommand      : " + f + "uninst.exe\r\n\r\n"
+        "Program Name : CorvaneTest Unknown\r\nCommand      : " + f + "uninst.exe\r\n";
+    EXPECT_NE(report.find("\r\nAdd/Remove\r\n----------\r\n"), std::string::npos) << report;
+    EXPECT_NE(report.find(ours), std::string::npos) << report;
+    EXPECT_EQ(report.find("NoRemove"), std::string::npos) << report;
+}
+
+}  // namespace
+}  // namespace corvane
