@@ -23,6 +23,7 @@
 
 #include "applications/installed_applications.h"
 #include "bench/bare_list.h"
+#include "bench/bench_registry.h"
 #include "bench/fixture_files.h"
 #include "bench/harness.h"
 #include "foundations/file_facts_cache.h"
@@ -42,38 +43,6 @@ constexpr const char* kRoot = "C:\\corvane-bench-apps";
 constexpr int kFiles = 100;
 
 std::string BenchPath(const std::string& path) { return std::string(kBenchKey) + "\\" + path; }
-
-// The real registry with HKLM moved under the bench's key.
-class BenchRegistry final : public Registry {
-public:
-    RegError OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
-        if (parent != kHKeyLocalMachine) return real_.OpenKey(parent, subKey, access, key);
-        return real_.OpenKey(kHKeyCurrentUser, BenchPath(subKey), access, key);
-    }
-    RegError CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
-        if (parent != kHKeyLocalMachine) return real_.CreateKey(parent, subKey, access, key);
-        return real_.CreateKey(kHKeyCurrentUser, BenchPath(subKey), access, key);
-    }
-    RegError CloseKey(RegKey key) override { return real_.CloseKey(key); }
-    RegError QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data, uint32_t* size) override {
-        return real_.QueryValue(key, name, type, data, size);
-    }
-    RegError EnumKey(RegKey key, uint32_t index, char* name, uint32_t* nameLength) override {
-        return real_.EnumKey(key, index, name, nameLength);
-    }
-    RegError EnumValue(RegKey key, uint32_t index, char* name, uint32_t* nameLength, uint32_t* type, uint8_t* data,
-                       uint32_t* dataSize) override {
-        return real_.EnumValue(key, index, name, nameLength, type, data, dataSize);
-    }
-    RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data, uint32_t size) override {
-        return real_.SetValue(key, name, type, data, size);
-    }
-    RegError DeleteValue(RegKey key, const std::string& name) override { return real_.DeleteValue(key, name); }
-    RegError DeleteKey(RegKey parent, const std::string& subKey) override { return real_.DeleteKey(parent, subKey); }
-
-private:
-    Win32Registry real_;
-};
 
 HKEY Create(HKEY root, const std::string& path) {
     HKEY key = nullptr;
@@ -291,7 +260,9 @@ int main(int argc, char** argv) {
     CreateDirectoryA(kRoot, nullptr);
     const std::vector<std::string> files = CopyFixturePrograms(kRoot, QuickMode() ? 10 : kFiles);
 
-    BenchRegistry registry;
+    RedirectedRegistry registry([](RegKey hive) {
+        return hive == kHKeyLocalMachine ? std::string(kBenchKey) : std::string();
+    });
     Win32FileFacts facts;
     Win32Clock clock;
     const SharedValues colours;

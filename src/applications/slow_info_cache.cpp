@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "foundations/text.h"
+#include "platform/clock.h"
 
 namespace corvane {
 
@@ -18,35 +19,6 @@ constexpr int64_t kYearPastTheLast = 7999;
 
 uint32_t Dword(uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3) {
     return b0 | static_cast<uint32_t>(b1) << 8 | static_cast<uint32_t>(b2) << 16 | static_cast<uint32_t>(b3) << 24;
-}
-
-struct Date {
-    int64_t year;
-    unsigned month;
-    unsigned day;
-};
-
-// Days since 1 January 1970 in the proleptic Gregorian calendar and back,
-// after Howard Hinnant's civil calendar algorithms.
-int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
-    y -= m <= 2;
-    const int64_t era = (y >= 0 ? y : y - 399) / 400;
-    const auto yoe = static_cast<unsigned>(y - era * 400);
-    const unsigned doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
-    const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + static_cast<int64_t>(doe) - 719468;
-}
-
-Date CivilFromDays(int64_t z) {
-    z += 719468;
-    const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-    const auto doe = static_cast<unsigned>(z - era * 146097);
-    const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-    const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-    const unsigned mp = (5 * doy + 2) / 153;
-    const unsigned d = doy - (153 * mp + 2) / 5 + 1;
-    const unsigned m = mp < 10 ? mp + 3 : mp - 9;
-    return {static_cast<int64_t>(yoe) + era * 400 + (m <= 2), m, d};
 }
 
 const int64_t kFileTimeEpoch = DaysFromCivil(1601, 1, 1);
@@ -77,7 +49,7 @@ std::string LastUsedDate(uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3, bool wi
     // The high half stands in for the low half too, as it did for the control
     // panel's readers; that moves the time by under 430 seconds.
     const uint64_t ticks = uint64_t{high} << 32 | high;
-    Date date = CivilFromDays(kFileTimeEpoch + static_cast<int64_t>(ticks / kTicksPerDay));
+    CivilDate date = CivilFromDays(kFileTimeEpoch + static_cast<int64_t>(ticks / kTicksPerDay));
     int64_t day;
     if (date.year > kLastYear) {
         // The year is replaced and the date formed anew, so a 29 February
