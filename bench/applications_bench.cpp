@@ -95,18 +95,6 @@ void MakeEntries(HKEY root, const std::string& uninstall, const std::string& cac
     }
 }
 
-void RemoveFiles() {
-    WIN32_FIND_DATAA data;
-    HANDLE find = FindFirstFileA((std::string(kRoot) + "\\*").c_str(), &data);
-    if (find != INVALID_HANDLE_VALUE) {
-        do {
-            DeleteFileA((std::string(kRoot) + "\\" + data.cFileName).c_str());
-        } while (FindNextFileA(find, &data));
-        FindClose(find);
-    }
-    RemoveDirectoryA(kRoot);
-}
-
 // The machine's own entries of the bench.
 void RemoveMachineEntries() {
     for (const char* path : {kUninstallKey, kArpCacheKey}) {
@@ -128,7 +116,7 @@ void RemoveAll() {
     SHDeleteKeyA(HKEY_CURRENT_USER, kBenchKey);
     RegDeleteKeyA(HKEY_CURRENT_USER, "Software\\CorvaneBench");  // only when no other bench has keys there
     RemoveMachineEntries();
-    RemoveFiles();
+    RemoveCopies(kRoot);
 }
 
 // ---- the bare calls ----

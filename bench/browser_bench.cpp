@@ -62,15 +62,7 @@ void SetText(HKEY key, const char* name, const std::string& text) {
 void RemoveAll() {
     SHDeleteKeyA(HKEY_CURRENT_USER, kBenchKey);
     RegDeleteKeyA(HKEY_CURRENT_USER, "Software\\CorvaneBench");  // only when no other bench has keys there
-    WIN32_FIND_DATAA data;
-    HANDLE find = FindFirstFileA((std::string(kRoot) + "\\*").c_str(), &data);
-    if (find != INVALID_HANDLE_VALUE) {
-        do {
-            DeleteFileA((std::string(kRoot) + "\\" + data.cFileName).c_str());
-        } while (FindNextFileA(find, &data));
-        FindClose(find);
-    }
-    RemoveDirectoryA(kRoot);
+    RemoveCopies(kRoot);
 }
 
 std::string ClassId(int kind, int i) {
