@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "bench/bare_list.h"
+#include "bench/bench_registry.h"
 #include "bench/fixture_files.h"
 #include "bench/harness.h"
 #include "browser/browser_items.h"
@@ -46,42 +47,6 @@ std::string BenchPath(RegKey hive) {
     return std::string(kBenchKey) + "\\" + name;
 }
 
-bool Predefined(RegKey key) {
-    return key == kHKeyLocalMachine || key == kHKeyCurrentUser || key == kHKeyClassesRoot;
-}
-
-// The real registry with the three hives moved under the bench's key.
-class BenchRegistry final : public Registry {
-public:
-    RegError OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
-        if (!Predefined(parent)) return real_.OpenKey(parent, subKey, access, key);
-        return real_.OpenKey(kHKeyCurrentUser, BenchPath(parent) + "\\" + subKey, access, key);
-    }
-    RegError CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
-        if (!Predefined(parent)) return real_.CreateKey(parent, subKey, access, key);
-        return real_.CreateKey(kHKeyCurrentUser, BenchPath(parent) + "\\" + subKey, access, key);
-    }
-    RegError CloseKey(RegKey key) override { return real_.CloseKey(key); }
-    RegError QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data, uint32_t* size) override {
-        return real_.QueryValue(key, name, type, data, size);
-    }
-    RegError EnumKey(RegKey key, uint32_t index, char* name, uint32_t* nameLength) override {
-        return real_.EnumKey(key, index, name, nameLength);
-    }
-    RegError EnumValue(RegKey key, uint32_t index, char* name, uint32_t* nameLength, uint32_t* type, uint8_t* data,
-                       uint32_t* dataSize) override {
-        return real_.EnumValue(key, index, name, nameLength, type, data, dataSize);
-    }
-    RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data, uint32_t size) override {
-        return real_.SetValue(key, name, type, data, size);
-    }
-    RegError DeleteValue(RegKey key, const std::string& name) override { return real_.DeleteValue(key, name); }
-    RegError DeleteKey(RegKey parent, const std::string& subKey) override { return real_.DeleteKey(parent, subKey); }
-
-private:
-    Win32Registry real_;
-};
-
 HKEY BenchKey(RegKey hive, const std::string& path, bool create = false) {
     HKEY key = nullptr;
     const std::string full = BenchPath(hive) + "\\" + path;
@@ -97,15 +62,7 @@ void SetText(HKEY key, const char* name, const std::string& text) {
 void RemoveAll() {
     SHDeleteKeyA(HKEY_CURRENT_USER, kBenchKey);
     RegDeleteKeyA(HKEY_CURRENT_USER, "Software\\CorvaneBench");  // only when no other bench has keys there
-    WIN32_FIND_DATAA data;
-    HANDLE find = FindFirstFileA((std::string(kRoot) + "\\*").c_str(), &data);
-    if (find != INVALID_HANDLE_VALUE) {
-        do {
-            DeleteFileA((std::string(kRoot) + "\\" + data.cFileName).c_str());
-        } while (FindNextFileA(find, &data));
-        FindClose(find);
-    }
-    RemoveDirectoryA(kRoot);
+    RemoveCopies(kRoot);
 }
 
 std::string ClassId(int kind, int i) {
@@ -244,7 +201,7 @@ int main(int argc, char** argv) {
     CreateDirectoryA(kRoot, nullptr);
     const std::vector<std::string> files = CopyFixturePrograms(kRoot, QuickMode() ? 10 : kFiles);
 
-    BenchRegistry registry;
+    RedirectedRegistry registry(BenchPath);
     Win32FileSystem fileSystem;
     Win32FileFacts facts;
     Win32Clock clock;

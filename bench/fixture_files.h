@@ -37,4 +37,17 @@ inline std::vector<std::string> CopyFixturePrograms(const std::string& folder, i
     return files;
 }
 
+// Takes out a folder of copies with the files in it.
+inline void RemoveCopies(const std::string& folder) {
+    WIN32_FIND_DATAA data;
+    HANDLE find = FindFirstFileA((folder + "\\*").c_str(), &data);
+    if (find != INVALID_HANDLE_VALUE) {
+        do {
+            DeleteFileA((folder + "\\" + data.cFileName).c_str());
+        } while (FindNextFileA(find, &data));
+        FindClose(find);
+    }
+    RemoveDirectoryA(folder.c_str());
+}
+
 }  // namespace corvane::bench

@@ -1,6 +1,7 @@
 #include "applications/applications_pane.h"
 
 #include "applications/application_commands.h"
+#include "applications/applications_report.h"
 #include "foundations/file_facts_cache.h"
 #include "res/resource.h"
 #include "ui/app_context.h"
@@ -44,7 +45,10 @@ void frmAddRemove::refreshApplicationList() {
     ShowWindow(lstvAddRemove_.hwnd(), SW_HIDE);
     FileFactsCache facts(*app.facts);
     ApplicationSources sources{*app.registry, facts};
-    lstvAddRemove_.Show(CollectApplications(sources, app.shared.WindowsVersionName));
+    ApplicationListOptions options;
+    options.windowsVersionName = app.shared.WindowsVersionName;
+    options.decimalSign = app.clock->DecimalSign();
+    lstvAddRemove_.Show(CollectApplications(sources, options));
     // Windows 95 and 98 keep no cache record: its three columns go, and the
     // command column takes their room.
     if (lstvAddRemove_.Count() > 0 && IsWindows9x(app.shared.WindowsVersionName)) {
@@ -89,7 +93,14 @@ void frmAddRemove::cmdDelete_Click() {
     if (DeleteApplicationEntry(ports, lstvAddRemove_.Selected())) refreshApplicationList();
 }
 
-void frmAddRemove::cmdReport_Click() {}
+void frmAddRemove::cmdReport_Click() {
+    AppContext& app = App();
+    // The rows in the list's present order: sorted, if the user sorted it.
+    const std::vector<Row> shown = lstvAddRemove_.InViewOrder();
+    ReportPorts ports{*app.files, *app.system, *app.clock, *app.prompts, *app.shell};
+    RunListReport(shown.empty(), kNoApplications, kAddRemoveReportTitle,
+                  [&](const std::string& file) { printReportAddRemove(ports, file, shown); });
+}
 
 HMENU frmAddRemove::PopupMenuToShow() {
     if (!lstvAddRemove_.Selected()) return nullptr;

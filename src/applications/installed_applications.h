@@ -11,6 +11,7 @@
 
 #include "applications/slow_info_cache.h"
 #include "foundations/row.h"
+#include "foundations/row_limit.h"
 #include "platform/file_facts.h"
 #include "platform/registry.h"
 
@@ -30,14 +31,29 @@ struct ApplicationSources {
     FileFacts& facts;  // whether an icon's file exists
 };
 
+// How one fill reads the rows.
+struct ApplicationListOptions {
+    // Decides the branches of Windows 95 and 98 (no record is read) and of
+    // Windows 2000 (dates a day later).
+    std::string windowsVersionName;
+    // The locale's decimal sign, for the size column.
+    std::string decimalSign = ".";
+    // Whether the rows' icons are chosen; a report shows none, so it asks
+    // the disk nothing about them.
+    bool icons = true;
+};
+
 // refreshApplicationList without a window: one row per application the
-// Uninstall key lists, in the registry's order, keyed by its subkey name.
-// `windowsVersionName` decides the branches of Windows 95 and 98 (no record)
-// and of Windows 2000 (dates a day later).
+// Uninstall key lists, in the registry's order, keyed by its subkey name, at
+// most kMaxRows of them. A row's icon is only chosen here (iconFile empty:
+// the default picture); the row list takes it out of its file.
+std::vector<Row> CollectApplications(ApplicationSources& sources, const ApplicationListOptions& options);
+// The same with "." as the decimal sign.
 std::vector<Row> CollectApplications(ApplicationSources& sources, const std::string& windowsVersionName);
 
-// The decoder of the cache record's fields, as the columns show them.
-std::string sizeText(uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3);
+// The decoder of the cache record's fields, as the columns show them (see
+// slow_info_cache.h); the size with "." as its decimal sign unless told.
+std::string sizeText(uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3, const std::string& decimalSign = ".");
 std::string frequencyText(uint8_t count);
 std::string lastUsedText(uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3, bool windows2000);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "applications/applications_report.h"
 #include "browser/browser_report.h"
 #include "foundations/file_facts_cache.h"
 #include "processes/process_report.h"
@@ -38,7 +39,7 @@ const std::vector<ReportArea>& FullReportAreas() {
         {"process", "Process", WriteProcessArea},
         {"ie", "Internet Explorer", WriteBrowserArea},
         {"startup", "Startup", WriteStartupArea},
-        {"addremove", "Add/Remove", nullptr},
+        {"addremove", "Add/Remove", WriteAddRemoveArea},
     };
     return areas;
 }

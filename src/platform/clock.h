@@ -41,6 +41,17 @@ public:
     virtual std::string DecimalSign() = 0;
 };
 
+// A day of the proleptic Gregorian calendar, as days since 1 January 1970
+// and back (Howard Hinnant's civil calendar algorithms), for dates the
+// program works out without asking the system.
+struct CivilDate {
+    int64_t year = 0;
+    unsigned month = 0;
+    unsigned day = 0;
+};
+int64_t DaysFromCivil(int64_t year, unsigned month, unsigned day);
+CivilDate CivilFromDays(int64_t days);
+
 // The system's general date format: the short date and the time, or the date
 // alone when the time is exactly midnight. FormatGeneralDate(clock, clock.Now())
 // is the present moment as the user reads it.

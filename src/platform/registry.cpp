@@ -33,6 +33,8 @@ char16_t UpperOf1252(unsigned char c) {
 
 }  // namespace
 
+char16_t UnicodeOf1252(unsigned char c) { return c >= 0x80 && c < 0xA0 ? kHigh1252[c - 0x80] : c; }
+
 std::u16string RegNameKey(std::string_view name) {
     std::u16string key;
     key.reserve(name.size());

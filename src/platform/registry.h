@@ -87,6 +87,8 @@ public:
 // Windows-1252 character is taken as its Unicode character in upper case.
 // Equal names give equal keys, and the keys sort in the system's order of subkeys.
 std::u16string RegNameKey(std::string_view name);
+// The Unicode character of one byte of the ANSI code page (Windows-1252).
+char16_t UnicodeOf1252(unsigned char c);
 bool SameRegName(std::string_view a, std::string_view b);
 
 }  // namespace corvane

@@ -13,29 +13,6 @@ constexpr int64_t kEpochDays1601 = 134'774;
 // FileTimeToSystemTime refuses times with the top bit set.
 constexpr uint64_t kLargestFileTime = 0x7FFF'FFFF'FFFF'FFFFull;
 
-// Days since 1 January 1970 of a civil date, and back (Howard Hinnant's algorithms).
-int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
-    y -= m <= 2;
-    const int64_t era = (y >= 0 ? y : y - 399) / 400;
-    const unsigned yoe = static_cast<unsigned>(y - era * 400);
-    const unsigned doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
-    const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + static_cast<int64_t>(doe) - 719468;
-}
-
-void CivilFromDays(int64_t z, int64_t& y, unsigned& m, unsigned& d) {
-    z += 719468;
-    const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-    const unsigned doe = static_cast<unsigned>(z - era * 146097);
-    const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-    y = static_cast<int64_t>(yoe) + era * 400;
-    const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-    const unsigned mp = (5 * doy + 2) / 153;
-    d = doy - (153 * mp + 2) / 5 + 1;
-    m = mp < 10 ? mp + 3 : mp - 9;
-    y += m <= 2;
-}
-
 }  // namespace
 
 FileTime MakeFileTime(int year, int month, int day, int hour, int minute, int second) {
@@ -55,13 +32,11 @@ std::optional<SystemTime> FakeClock::FileTimeToSystemTime(FileTime time) {
     const int64_t totalMs = static_cast<int64_t>(time.ticks / 10'000);
     const int64_t days = totalMs / (kSecondsPerDay * 1000);
     const int64_t msOfDay = totalMs % (kSecondsPerDay * 1000);
-    int64_t y;
-    unsigned m, d;
-    CivilFromDays(days - kEpochDays1601, y, m, d);
+    const CivilDate date = CivilFromDays(days - kEpochDays1601);
     SystemTime out;
-    out.year = static_cast<uint16_t>(y);
-    out.month = static_cast<uint16_t>(m);
-    out.day = static_cast<uint16_t>(d);
+    out.year = static_cast<uint16_t>(date.year);
+    out.month = static_cast<uint16_t>(date.month);
+    out.day = static_cast<uint16_t>(date.day);
     out.dayOfWeek = static_cast<uint16_t>((days + 1) % 7);  // 1 January 1601 was a Monday
     out.hour = static_cast<uint16_t>(msOfDay / 3'600'000);
     out.minute = static_cast<uint16_t>(msOfDay / 60'000 % 60);

@@ -1,174 +1,150 @@
-// The applications pane's two commands against Wine's real registry, file
-// system and processes: Delete Entry's backup imported by the registry
-// editor gives both keys back as reg.exe exports them, and Uninstall waits
-// for an uninstaller that hands its work to a copy of itself. Every key is
-// ours ("CorvaneTest...") below the prefix's real Uninstall and ARPCache keys.
+// The installed applications against Wine's real registry and files.
+// applications_sources.reg adds entries of our own to the machine's Uninstall
+// and ARPCache keys, which every process of the run shares: each subkey
+// begins with "CorvaneTest", and the test takes out all such keys before and
+// after. Tests here take RESOURCE_LOCK applications_sources, and wine_version
+// for the runs as other Windows versions.
 #include <gtest/gtest.h>
+#include <windows.h>
+#include <shlwapi.h>
 
-#include "applications/application_commands.h"
+#include <string>
+#include <vector>
+
 #include "applications/installed_applications.h"
-#include "contract/registry_contract.h"
-#include "fakes/fakes.h"
-#include "platform/win32/adapters.h"
+#include "foundations/registry.h"
+#include "foundations/text.h"
 #include "platform/win32/clock_win32.h"
-#include "platform/win32/file_system_win32.h"
-#include "platform/win32/program_runner_win32.h"
+#include "platform/win32/file_facts_win32.h"
 #include "platform/win32/registry_win32.h"
 #include "wine/wine_support.h"
 
 namespace corvane {
 namespace {
 
-using namespace std::string_literals;
+constexpr const char* kFiles = "C:\\corvane-tests\\apps-files";
 
-const std::string kRoot = "HKEY_LOCAL_MACHINE\\";
+bool Ours(const std::string& name) { return name.rfind("CorvaneTest", 0) == 0; }
 
-void Put(Registry& reg, const std::string& path, const std::string& name, uint32_t type, const std::string& data) {
-    RegKey key = 0;
-    ASSERT_EQ(reg.CreateKey(kHKeyLocalMachine, path, kKeyAllAccess, key), kRegOk) << path;
-    ASSERT_EQ(reg.SetValue(key, name, type, reinterpret_cast<const uint8_t*>(data.data()),
-                           static_cast<uint32_t>(data.size())),
-              kRegOk);
-    reg.CloseKey(key);
-}
-
-// The last box shown, for a failure's report.
-std::string LastText(const fakes::FakePrompts& prompts) {
-    return prompts.shown.empty() ? std::string("(none)") : prompts.shown.back().text;
-}
-
-bool Exists(Registry& reg, const std::string& path) {
-    RegKey key = 0;
-    if (reg.OpenKey(kHKeyLocalMachine, path, kKeyRead, key) != kRegOk) return false;
-    reg.CloseKey(key);
-    return true;
-}
-
-std::string RegExport(const std::string& key) {
-    const std::string file = wine::FreshFolder("applications-export") + "\\export.reg";
-    const wine::RunResult result = wine::Run("reg.exe export \"" + key + "\" \"" + file + "\" /y");
-    EXPECT_EQ(result.exitCode, 0u) << result.output;
-    return wine::FileBytes(file);
-}
-
-// Our keys out of the machine's Uninstall and ARPCache keys, before and after.
-class ApplicationsUnderWine : public ::testing::Test {
-protected:
-    void SetUp() override { Clean(); }
-    void TearDown() override { Clean(); }
-    void Clean() {
-        for (const char* parent : {kUninstallKey, kArpCacheKey}) {
-            std::vector<std::string> names;
-            RegKey key = 0;
-            if (reg.OpenKey(kHKeyLocalMachine, parent, kKeyRead, key) != kRegOk) continue;
-            for (uint32_t i = 0;; ++i) {
-                char name[256];
-                uint32_t length = sizeof name;
-                if (reg.EnumKey(key, i, name, &length) != kRegOk) break;
-                if (std::string(name, length).rfind("CorvaneTest", 0) == 0) names.emplace_back(name, length);
-            }
-            reg.CloseKey(key);
-            for (const std::string& name : names) {
-                contract::DeleteRegTree(reg, kHKeyLocalMachine, std::string(parent) + "\\" + name);
-            }
+void ClearOurs() {
+    Win32Registry registry;
+    for (const char* path : {kUninstallKey, kArpCacheKey}) {
+        std::vector<std::string> names;
+        EnumRegKeys(registry, kHKeyLocalMachine, path, names);
+        HKEY key;
+        if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
+        for (const std::string& name : names) {
+            if (Ours(name)) SHDeleteKeyA(key, name.c_str());
         }
+        RegCloseKey(key);
     }
+}
 
-    Win32Registry reg;
-    Win32FileSystem files;
-    fakes::FakePrompts prompts;
-    Win32SystemInfo system;
-    Win32Clock clock;
+// Our entries in the machine's keys, and the programs their icons name:
+// app.exe, and café.exe, whose name the record holds in UTF-16.
+struct ApplicationsMachine {
+    ApplicationsMachine() {
+        ClearOurs();
+        wine::FreshFolder("apps-files");
+        const std::string fixture = wine::TestFolder() + "\\fixture_full.exe";
+        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\app.exe").c_str(), FALSE);
+        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\caf\xE9.exe").c_str(), FALSE);
+        EXPECT_TRUE(wine::ImportRegFile(wine::TestFolder() + "\\applications_sources.reg"));
+    }
+    ~ApplicationsMachine() { ClearOurs(); }
 };
 
-TEST_F(ApplicationsUnderWine, DeleteEntryBackupImportedBringsBothKeysBackByteForByte) {
-    const std::string entry = kUninstallKey + "\\CorvaneTestDeleteEntry"s;
-    const std::string record = kArpCacheKey + "\\CorvaneTestDeleteEntry"s;
-    Put(reg, entry, "DisplayName", kRegSz, "Corvane Test Application\0"s);
-    Put(reg, entry, "UninstallString", kRegSz, "\"C:\\Program Files\\Corvane Test\\uninst.exe\" /S\0"s);
-    Put(reg, entry, "NoModify", kRegDword, "\x01\0\0\0"s);
-    Put(reg, entry, "InstallLocation", kRegExpandSz, "%ProgramFiles%\\Corvane Test\0"s);
-    Put(reg, entry, "a=b \"q\" c\\d", kRegSz, "line\r\nnext\x01" "end\0"s);
-    Put(reg, entry + "\\Patches\\One", "", kRegSz, "patch\0"s);
-    std::string slow(552, '\0');
-    for (size_t i = 0; i < slow.size(); ++i) slow[i] = static_cast<char>(i * 7);
-    Put(reg, record, "SlowInfoCache", kRegBinary, slow);
-    const std::string entryBefore = RegExport(kRoot + entry);
-    const std::string recordBefore = RegExport(kRoot + record);
-    ASSERT_FALSE(entryBefore.empty());
-    ASSERT_FALSE(recordBefore.empty());
-
-    const std::string app = wine::FreshFolder("applications-app");
-    ApplicationCommandPorts ports{reg, files, prompts, system, clock, app};
-    Row row(kAddRemoveColumns.size());
-    row.key = "CorvaneTestDeleteEntry";
-    row.cells[kAppColName] = "Corvane Test Application";
-    EXPECT_TRUE(DeleteApplicationEntry(ports, &row));
-    ASSERT_EQ(prompts.shown.size(), 1u) << LastText(prompts);
-    EXPECT_FALSE(Exists(reg, entry));
-    EXPECT_FALSE(Exists(reg, record));
-
-    const auto kept = files.List(app + "\\backup", "*.reg");
-    ASSERT_EQ(kept.size(), 1u);
-    ASSERT_TRUE(wine::ImportRegFile(app + "\\backup\\" + kept[0].name));
-    EXPECT_EQ(RegExport(kRoot + entry), entryBefore);
-    EXPECT_EQ(RegExport(kRoot + record), recordBefore);
+// A row as one line: key, cells, icon file and number.
+std::string Line(const Row& row) {
+    std::string line = row.key;
+    for (const std::string& cell : row.cells) line += "|" + cell;
+    return line + "|" + row.iconFile + "|" + std::to_string(row.iconIndex);
 }
 
-TEST_F(ApplicationsUnderWine, UninstallWaitsForTheCopyItsUninstallerStarts) {
-    const std::string folder = wine::FreshFolder("uninstall dir");
-    const std::string program = wine::PlaceFixture("fixture_uninstaller.exe", folder, "CorvaneTest Uninstall.exe");
+// What each Windows shows of the fixture's entries. Those with NoRemove 1,
+// without a name or without a command have no row.
+std::vector<std::string> Expected(const std::string& family) {
+    const std::string f = std::string(kFiles) + "\\";
+    const bool records = family != "98";
+    const bool w2k = family == "2000";
+    auto cols = [&](const char* size, const char* xpDate, const char* w2kDate, const char* frequency) {
+        return records ? std::string(size) + "|" + (w2k ? w2kDate : xpDate) + "|" + frequency : std::string("||");
+    };
+    return {
+        "CorvaneTestFull|CorvaneTest Caf\xE9 Full|" + cols("1.0", "2003-01-31", "2003-02-01", "Occasionally") + "|" +
+            f + "uninst.exe /x|" + f + "app.exe|0",
+        "CorvaneTestOverflow|CorvaneTest Overflow|" + cols("", "", "", "Rarely") + "|MsiExec.exe /X{C0A7E5E5}||0",
+        "CorvaneTestRecordIcon|CorvaneTest Record Icon|" + cols("22.5", "2004-02-29", "2004-03-01", "Frequently") +
+            "|" + f + "uninst.exe|" + (records ? f + "caf\xE9.exe" : "") + "|0",
+        "CorvaneTestShort|CorvaneTest Short||||" + f + "uninst.exe||0",
+        "CorvaneTestUnknown|CorvaneTest Unknown||||" + f + "uninst.exe||0",
+    };
+}
+
+TEST(ApplicationsUnderWine, EveryColumnFromTheRealKeysAndFiles) {
+    ApplicationsMachine machine;
+    Win32Registry registry;
+    Win32FileFacts facts;
+    Win32Clock clock;
+    ApplicationSources sources{registry, facts};
+    ASSERT_EQ(clock.DecimalSign(), ".") << "the expected sizes are written for the prefix's English locale";
     const struct {
-        const char* what;
-        std::string key;
-        std::string command;
+        const char* version;
+        const char* family;
     } cases[] = {
-        {"quoted path with a blank", "CorvaneTestQuoted", "\"" + program + "\" /remove CorvaneTestQuoted"},
-        // CreateProcess tries "C:\corvane-tests\uninstall" and the piece
-        // after it before it reaches the whole name.
-        {"unquoted path with a blank", "CorvaneTestUnquoted", program + " /remove CorvaneTestUnquoted"},
-        {"program found along the search path", "CorvaneTestSearchPath",
-         "reg.exe delete \"HKLM\\"s + kUninstallKey + "\\CorvaneTestSearchPath\" /f"},
+        {"Microsoft Windows XP", "XP"},
+        {"Microsoft Windows 2000", "2000"},
+        {"Microsoft Windows 98 Second Edition", "98"},
     };
     for (const auto& c : cases) {
-        const std::string key = kUninstallKey + "\\"s + c.key;
-        Put(reg, key, "DisplayName", kRegSz, "Corvane Test\0"s);
-        ApplicationCommandPorts ports{reg, files, prompts, system, clock, wine::FreshFolder("applications-app")};
-        Win32ProgramRunner runner;
-        Row row(kAddRemoveColumns.size());
-        row.key = c.key;
-        row.cells[kAppColName] = "Corvane Test";
-        row.cells[kAppColCommand] = c.command;
-        prompts.shown.clear();
-        int pumps = 0;
-        EXPECT_TRUE(UninstallApplication(ports, runner, &row, [&] { ++pumps; })) << c.what;
-        EXPECT_EQ(prompts.shown.size(), 1u) << c.what << ": " << LastText(prompts);
-        EXPECT_FALSE(Exists(reg, key)) << c.what << ": returned before the uninstaller was done";
-        EXPECT_GT(pumps, 0) << c.what;
+        ApplicationListOptions options;
+        options.windowsVersionName = c.version;
+        options.decimalSign = clock.DecimalSign();
+        std::vector<std::string> ours;
+        for (const Row& row : CollectApplications(sources, options)) {
+            if (Ours(row.key)) ours.push_back(Line(row));
+        }
+        EXPECT_EQ(ours, Expected(c.family)) << c.version;
     }
 }
 
-TEST_F(ApplicationsUnderWine, AnUninstallCommandThatNamesNothingChangesNothing) {
-    const std::string key = kUninstallKey + "\\CorvaneTestMissing"s;
-    Put(reg, key, "DisplayName", kRegSz, "Corvane Test\0"s);
-    ApplicationCommandPorts ports{reg, files, prompts, system, clock, wine::FreshFolder("applications-app")};
-    Win32ProgramRunner runner;
-    for (const std::string& command : {"\"C:\\corvane-tests\\nowhere\\missing.exe\" /x"s, "C:\\no such\\thing /x"s}) {
-        Row row(kAddRemoveColumns.size());
-        row.key = "CorvaneTestMissing";
-        row.cells[kAppColName] = "Corvane Test";
-        row.cells[kAppColCommand] = command;
-        prompts.shown.clear();
-        EXPECT_FALSE(UninstallApplication(ports, runner, &row, [] {})) << command;
-        ASSERT_EQ(prompts.shown.size(), 2u) << command;
-        EXPECT_EQ(prompts.shown[1].icon, PromptIcon::Critical);
-        EXPECT_NE(prompts.shown[1].text.find("cmdUninstall_Click"), std::string::npos) << prompts.shown[1].text;
-        // The system's own words for why, as FormatMessage gives them.
-        EXPECT_NE(prompts.shown[1].text.find("could not be started:\r\n" + command + "\r\n"), std::string::npos);
-        EXPECT_GT(prompts.shown[1].text.size(), prompts.shown[1].text.find(command) + command.size() + 10)
-            << prompts.shown[1].text;
-        EXPECT_TRUE(Exists(reg, key));
+// The version switch reaches only processes started after it, so the walk
+// runs in a child that asks the system which Windows it is.
+TEST(ApplicationsUnderWine, AsWindows98And2000InAProcessOfTheirOwn) {
+    ApplicationsMachine machine;
+    const struct {
+        const char* wineVersion;
+        const char* family;
+    } cases[] = {
+        {"win98", "98"},
+        {"win2k", "2000"},
+        {"winxp", "XP"},
+    };
+    for (const auto& c : cases) {
+        wine::ScopedWineVersion version(c.wineVersion);
+        const wine::RunResult run = wine::Run("\"" + wine::TestFolder() + "\\applications_probe.exe\"");
+        ASSERT_EQ(run.exitCode, 0u) << c.wineVersion << "\n" << run.output;
+        EXPECT_EQ(TextLines(run.output), Expected(c.family)) << c.wineVersion;
     }
+}
+
+TEST(ApplicationsUnderWine, ConsoleReportWritesTheirBlocks) {
+    ApplicationsMachine machine;
+    const std::string file = wine::FreshFolder("apps-report") + "\\report.txt";
+    const wine::RunResult run =
+        wine::Run("\"" + wine::FromUnixPath(CORVANE_REPORT_EXE) + "\" \"" + file + "\" /areas:addremove");
+    ASSERT_EQ(run.exitCode, 0u) << run.output;
+    const std::string report = wine::FileBytes(file);
+    const std::string f = std::string(kFiles) + "\\";
+    const std::string ours =
+        "Program Name : CorvaneTest Caf\xE9 Full\r\nCommand      : " + f + "uninst.exe /x\r\n\r\n"
+        "Program Name : CorvaneTest Overflow\r\nCommand      : MsiExec.exe /X{C0A7E5E5}\r\n\r\n"
+        "Program Name : CorvaneTest Record Icon\r\nCommand      : " + f + "uninst.exe\r\n\r\n"
+        "Program Name : CorvaneTest Short\r\nCommand      : " + f + "uninst.exe\r\n\r\n"
+        "Program Name : CorvaneTest Unknown\r\nCommand      : " + f + "uninst.exe\r\n";
+    EXPECT_NE(report.find("\r\nAdd/Remove\r\n----------\r\n"), std::string::npos) << report;
+    EXPECT_NE(report.find(ours), std::string::npos) << report;
+    EXPECT_EQ(report.find("NoRemove"), std::string::npos) << report;
 }
 
 }  // namespace
