@@ -17,42 +17,15 @@
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/registry_win32.h"
+#include "wine/applications_machine.h"
 #include "wine/wine_support.h"
 
 namespace corvane {
 namespace {
 
-constexpr const char* kFiles = "C:\\corvane-tests\\apps-files";
-
-bool Ours(const std::string& name) { return name.rfind("CorvaneTest", 0) == 0; }
-
-void ClearOurs() {
-    Win32Registry registry;
-    for (const char* path : {kUninstallKey, kArpCacheKey}) {
-        std::vector<std::string> names;
-        EnumRegKeys(registry, kHKeyLocalMachine, path, names);
-        HKEY key;
-        if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
-        for (const std::string& name : names) {
-            if (Ours(name)) SHDeleteKeyA(key, name.c_str());
-        }
-        RegCloseKey(key);
-    }
-}
-
-// Our entries in the machine's keys, and the programs their icons name:
-// app.exe, and café.exe, whose name the record holds in UTF-16.
-struct ApplicationsMachine {
-    ApplicationsMachine() {
-        ClearOurs();
-        wine::FreshFolder("apps-files");
-        const std::string fixture = wine::TestFolder() + "\\fixture_full.exe";
-        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\app.exe").c_str(), FALSE);
-        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\caf\xE9.exe").c_str(), FALSE);
-        EXPECT_TRUE(wine::ImportRegFile(wine::TestFolder() + "\\applications_sources.reg"));
-    }
-    ~ApplicationsMachine() { ClearOurs(); }
-};
+using wine::ApplicationsMachine;
+using wine::kFiles;
+using wine::Ours;
 
 // A row as one line: key, cells, icon file and number.
 std::string Line(const Row& row) {

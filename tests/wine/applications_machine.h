@@ -1,0 +1,54 @@
+#pragma once
+// The machine's Uninstall and ARPCache keys of the test prefix, with entries
+// of our own from applications_sources.reg and the programs their icons
+// name. Every subkey of ours begins with "CorvaneTest"; what an earlier run
+// left is taken out first, and everything goes again with the object. Tests
+// that use it take RESOURCE_LOCK applications_sources.
+#include <windows.h>
+#include <shlwapi.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "applications/installed_applications.h"
+#include "foundations/registry.h"
+#include "platform/win32/registry_win32.h"
+#include "wine/wine_support.h"
+
+namespace corvane::wine {
+
+inline constexpr const char* kFiles = "C:\\corvane-tests\\apps-files";
+
+inline bool Ours(const std::string& name) { return name.rfind("CorvaneTest", 0) == 0; }
+
+inline void ClearOurs() {
+    Win32Registry registry;
+    for (const char* path : {kUninstallKey, kArpCacheKey}) {
+        std::vector<std::string> names;
+        EnumRegKeys(registry, kHKeyLocalMachine, path, names);
+        HKEY key;
+        if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
+        for (const std::string& name : names) {
+            if (Ours(name)) SHDeleteKeyA(key, name.c_str());
+        }
+        RegCloseKey(key);
+    }
+}
+
+// Our entries in the machine's keys, and the programs their icons name:
+// app.exe, and café.exe, whose name the record holds in UTF-16.
+struct ApplicationsMachine {
+    ApplicationsMachine() {
+        ClearOurs();
+        FreshFolder("apps-files");
+        const std::string fixture = TestFolder() + "\\fixture_full.exe";
+        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\app.exe").c_str(), FALSE);
+        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\caf\xE9.exe").c_str(), FALSE);
+        EXPECT_TRUE(ImportRegFile(TestFolder() + "\\applications_sources.reg"));
+    }
+    ~ApplicationsMachine() { ClearOurs(); }
+};
+
+}  // namespace corvane::wine
