@@ -70,17 +70,12 @@ void AddFileRow(BrowserSources& sources, std::vector<Row>& rows, const FileRow& 
     row.iconIndex = item.iconIndex;
     if (item.exists) {
         clsProcess info(sources.facts, sources.clock);
-        info.GetFileDescription(item.path);
-        const auto found = sources.facts.Find(item.path);
-        if (!found || found->isFolder) {
+        static constexpr FileColumns kColumns{kBrowserColSize, kBrowserColCreated, kBrowserColCompany,
+                                              kBrowserColProduct, kBrowserColFileDescription};
+        if (!FillFileColumns(row.cells, kColumns, info, sources.facts, sources.clock.DecimalSign(), item.path)) {
             rows.push_back(std::move(row));
             return;
         }
-        row.cells[kBrowserColSize] = FormatKilobytes(found->size, sources.clock.DecimalSign());
-        row.cells[kBrowserColCreated] = info.getItem(kCreatedOn);
-        row.cells[kBrowserColCompany] = info.getItem(kCompanyName);
-        row.cells[kBrowserColProduct] = info.getItem(kProductName);
-        row.cells[kBrowserColFileDescription] = info.getItem(kFileDescription);
     }
     row.cells[kBrowserColPath] = PathFolder(item.path);
     row.mark = item.mark;

@@ -94,6 +94,19 @@ std::string FormatShortDate(const SystemTime& time, const std::string& separator
     return std::string(month) + separator + day + separator + year;
 }
 
+bool FillFileColumns(std::vector<std::string>& cells, const FileColumns& at, clsProcess& info, FileFacts& facts,
+                     const std::string& decimalSign, const std::string& path) {
+    info.GetFileDescription(path);
+    const auto found = facts.Find(path);
+    if (!found || found->isFolder) return false;
+    cells[at.size] = FormatKilobytes(found->size, decimalSign);
+    cells[at.created] = info.getItem(kCreatedOn);
+    cells[at.company] = info.getItem(kCompanyName);
+    cells[at.product] = info.getItem(kProductName);
+    cells[at.description] = info.getItem(kFileDescription);
+    return true;
+}
+
 std::string FormatKilobytes(uint64_t bytes, const std::string& decimalSign) {
     // In whole tenths, so no binary fraction can tip a rounding.
     const uint64_t tenths = bytes / 1024 * 10 + ((bytes % 1024) * 10 + 512) / 1024;

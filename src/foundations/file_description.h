@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/clock.h"
 #include "foundations/text.h"
@@ -57,6 +58,18 @@ private:
     void ReadVersionStrings(const std::string& path);
     std::string CreationDate(const std::string& path);
 };
+
+// Where a list keeps the five columns that every list with files shows.
+struct FileColumns {
+    size_t size, created, company, product, description;
+};
+
+// Fills those columns of `cells` for `path`, a file that exists: its length
+// in KB, its date, company, product and description, as `info` reads them
+// through `facts`. A file that cannot be measured (no search record, or a
+// folder) fills none and gives false; the row then keeps what it has.
+bool FillFileColumns(std::vector<std::string>& cells, const FileColumns& at, clsProcess& info, FileFacts& facts,
+                     const std::string& decimalSign, const std::string& path);
 
 // The language key of a translation table's first entry: its language and
 // code page words as eight upper-case hexadecimal digits; bytes 09 04 B0 04

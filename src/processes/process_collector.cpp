@@ -91,15 +91,10 @@ ProcessRow BuildRow(ProcessSources& sources, clsProcess& objFileInfo, const Refe
     // The mark is decided before the file is looked at, and shown only on a row built whole.
     const bool suspicious = isListedProcess(lists.colSusProcess, LowerAnsi(name));
     if (sources.facts.Exists(path)) {
-        objFileInfo.GetFileDescription(path);
         row.iconFile = path;
-        const auto found = sources.facts.Find(path);
-        if (!found) return row;  // a file that cannot be measured ends its row here
-        row.cells[kColSize] = FormatKilobytes(found->size, decimalSign);
-        row.cells[kColCreated] = objFileInfo.getItem(kCreatedOn);
-        row.cells[kColCompany] = objFileInfo.getItem(kCompanyName);
-        row.cells[kColProduct] = objFileInfo.getItem(kProductName);
-        row.cells[kColDescription] = objFileInfo.getItem(kFileDescription);
+        static constexpr FileColumns kColumns{kColSize, kColCreated, kColCompany, kColProduct, kColDescription};
+        // A file that cannot be measured ends its row here.
+        if (!FillFileColumns(row.cells, kColumns, objFileInfo, sources.facts, decimalSign, path)) return row;
     }
     row.cells[kColPath] = PathFolder(path);
     row.mark = suspicious ? RowMark::Suspicious : RowMark::None;

@@ -104,18 +104,13 @@ void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupLis
         suspicious = isListedProcess(places.suspectList, LowerAnsi(fileName));
         OneSearch facts(sources.facts);
         clsProcess info(facts, sources.clock);
-        info.GetFileDescription(path);
         row.cells[kStartupColFileName] = fileName;
-        const auto found = facts.Find(path);
-        if (!found || found->isFolder) {
+        static constexpr FileColumns kColumns{kStartupColSize, kStartupColCreated, kStartupColCompany,
+                                              kStartupColProduct, kStartupColDescription};
+        if (!FillFileColumns(row.cells, kColumns, info, facts, sources.clock.DecimalSign(), path)) {
             list.rows.push_back(std::move(row));
             return;
         }
-        row.cells[kStartupColSize] = FormatKilobytes(found->size, sources.clock.DecimalSign());
-        row.cells[kStartupColCreated] = info.getItem(kCreatedOn);
-        row.cells[kStartupColCompany] = info.getItem(kCompanyName);
-        row.cells[kStartupColProduct] = info.getItem(kProductName);
-        row.cells[kStartupColDescription] = info.getItem(kFileDescription);
         row.cells[kStartupColPath] = PathFolder(path);
     }
     row.mark = MarkOf(suspicious, enabled);
