@@ -121,13 +121,6 @@ void RemoveAll() {
 
 // ---- the bare calls ----
 
-std::string ReadText(HKEY key, const char* name) {
-    char data[1024] = {};
-    DWORD size = sizeof data - 1, type = 0;
-    if (RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE*>(data), &size) != ERROR_SUCCESS) return "";
-    return data;
-}
-
 void BareCollectAndShow(HWND list, HIMAGELIST images) {
     std::vector<BareRow> rows;
     HKEY uninstall = nullptr, cache = nullptr;

@@ -28,6 +28,14 @@ inline HIMAGELIST MakeImages(HWND list) {
 
 // ---- the bare calls ----
 
+// A value of an open key as text; empty when it cannot be read.
+inline std::string ReadText(HKEY key, const char* name) {
+    char data[1024] = {};
+    DWORD size = sizeof data - 1, type = 0;
+    if (RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE*>(data), &size) != ERROR_SUCCESS) return "";
+    return data;
+}
+
 inline constexpr const char* kNames[12] = {"ProductName",  "ProductVersion",   "FileDescription", "FileVersion",
                                     "InternalName", "OriginalFilename", "Comments",        "CompanyName",
                                     "LegalCopyright", "LegalTrademarks", "PrivateBuild",   "SpecialBuild"};

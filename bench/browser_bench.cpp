@@ -109,12 +109,7 @@ void MakeItems(int helpers, int toolbars, int buttons, const std::vector<std::st
 
 // ---- the bare calls ----
 
-std::string ReadText(HKEY key, const char* name) {
-    char data[1024] = {};
-    DWORD size = sizeof data - 1, type = 0;
-    if (RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE*>(data), &size) != ERROR_SUCCESS) return "";
-    return data;
-}
+using bench::ReadText;
 
 std::string ReadText(RegKey hive, const std::string& path, const char* name) {
     HKEY key = BenchKey(hive, path);

@@ -94,7 +94,7 @@ RegKey HiveOfScope(const std::string& scope);
 
 // The URL tab's eight fields, in the order the tab shows them.
 struct BrowserUrlField {
-    const char* field;  // the text box, as the design names it
+    const char* field;  // the text box that shows the field
     const char* label;
     RegKey hive;
     const char* key;

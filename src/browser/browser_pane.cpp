@@ -312,8 +312,7 @@ void frmIE::Form_Load() {
     PlacePane(hwnd());
 
     AppContext& app = App();
-    FileFactsCache facts(*app.facts);
-    BrowserSources sources = SourcesOver(facts);
+    BrowserSources sources = SourcesOver(*app.facts);
     places_ = LoadBrowserPlaces(sources, app.appPath);
     SetInfoText(0);
 

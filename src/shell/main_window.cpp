@@ -35,7 +35,7 @@ constexpr const char* kMainClass = "CorvaneMain";
 constexpr const char* kBarClass = "CorvaneBar";
 constexpr const char* kClientClass = "CorvaneClient";
 
-// The design's sizes in twips; the screen's resolution turns them into
+// The window's sizes in twips; the screen's resolution turns them into
 // pixels, so the bars, the buttons and the panes grow together.
 constexpr int kClientWidthTwips = 10875;
 constexpr int kClientHeightTwips = 7590;

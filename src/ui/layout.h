@@ -4,7 +4,7 @@
 namespace corvane {
 
 // Dialog templates are laid out in dialog units, which grow and shrink with
-// the dialog's font, while the design gives the windows fixed sizes in twips.
+// the dialog's font, while the windows have fixed sizes in twips.
 // These two functions reconcile them: the window takes its size in twips at
 // the screen's resolution, every control is scaled by the same factor from
 // where the template put it, and when a control's text would no longer fit

@@ -24,7 +24,7 @@ constexpr const char* kXp = "Microsoft Windows XP";
 
 // A cache record as the control panel leaves it: `size` bytes, each field
 // given as the bytes it holds, little-endian.
-struct RecordSpec {
+struct RecordFields {
     size_t size = kSlowInfoCacheSize;
     uint8_t nameFlag = 1;
     std::vector<uint8_t> sizeBytes = {0x00, 0x00, 0x10, 0x00, 0, 0, 0, 0};  // one MiB
@@ -32,26 +32,26 @@ struct RecordSpec {
     uint8_t frequency = 5;
     std::u16string imagePath;
 
-    RecordSpec& Size(size_t n) { return size = n, *this; }
-    RecordSpec& NameFlag(uint8_t b) { return nameFlag = b, *this; }
-    RecordSpec& SizeBytes(std::vector<uint8_t> b) { return sizeBytes = std::move(b), *this; }
-    RecordSpec& LastUsed(std::vector<uint8_t> b) { return lastUsed = std::move(b), *this; }
-    RecordSpec& Frequency(uint8_t b) { return frequency = b, *this; }
-    RecordSpec& ImagePath(std::u16string p) { return imagePath = std::move(p), *this; }
+    RecordFields& Size(size_t n) { return size = n, *this; }
+    RecordFields& NameFlag(uint8_t b) { return nameFlag = b, *this; }
+    RecordFields& SizeBytes(std::vector<uint8_t> b) { return sizeBytes = std::move(b), *this; }
+    RecordFields& LastUsed(std::vector<uint8_t> b) { return lastUsed = std::move(b), *this; }
+    RecordFields& Frequency(uint8_t b) { return frequency = b, *this; }
+    RecordFields& ImagePath(std::u16string p) { return imagePath = std::move(p), *this; }
 };
 
-std::string MakeRecord(const RecordSpec& spec) {
-    std::string bytes(spec.size, '\0');
+std::string MakeRecord(const RecordFields& fields) {
+    std::string bytes(fields.size, '\0');
     auto put = [&](size_t at, const std::vector<uint8_t>& what) {
         for (size_t i = 0; i < what.size() && at + i < bytes.size(); ++i) bytes[at + i] = static_cast<char>(what[i]);
     };
-    put(kSlowInfoNameFlag, {spec.nameFlag});
-    put(kSlowInfoSize, spec.sizeBytes);
-    put(kSlowInfoLastUsed, spec.lastUsed);
-    put(kSlowInfoFrequency, {spec.frequency});
-    for (size_t i = 0; i < spec.imagePath.size(); ++i) {
-        put(kSlowInfoImagePath + 2 * i, {static_cast<uint8_t>(spec.imagePath[i] & 0xFF),
-                                         static_cast<uint8_t>(spec.imagePath[i] >> 8)});
+    put(kSlowInfoNameFlag, {fields.nameFlag});
+    put(kSlowInfoSize, fields.sizeBytes);
+    put(kSlowInfoLastUsed, fields.lastUsed);
+    put(kSlowInfoFrequency, {fields.frequency});
+    for (size_t i = 0; i < fields.imagePath.size(); ++i) {
+        put(kSlowInfoImagePath + 2 * i, {static_cast<uint8_t>(fields.imagePath[i] & 0xFF),
+                                         static_cast<uint8_t>(fields.imagePath[i] >> 8)});
     }
     return bytes;
 }
@@ -135,26 +135,26 @@ TEST(SlowInfoCache, DateFromTheHighHalfAloneStandingInForTheLowHalf) {
 TEST(SlowInfoCache, UnknownFieldsAndTheHalvesNotReadLeaveTheirColumns) {
     const struct {
         const char* what;
-        RecordSpec spec;
+        RecordFields fields;
         SlowInfoTexts texts;
     } cases[] = {
         {"a whole record", {}, {"1.0", "2003-01-31", "Occasionally"}},
-        {"size unknown (byte 11 at 255)", RecordSpec().SizeBytes({0, 0, 0x10, 0xff}), {"", "2003-01-31", "Occasionally"}},
-        {"size overflowing (byte 11 at 128)", RecordSpec().SizeBytes({0, 0, 0x10, 0x80}), {"", "2003-01-31", "Occasionally"}},
-        {"the size's high half is not read", RecordSpec().SizeBytes({0, 0, 0x10, 0, 1, 2, 3, 4}),
+        {"size unknown (byte 11 at 255)", RecordFields().SizeBytes({0, 0, 0x10, 0xff}), {"", "2003-01-31", "Occasionally"}},
+        {"size overflowing (byte 11 at 128)", RecordFields().SizeBytes({0, 0, 0x10, 0x80}), {"", "2003-01-31", "Occasionally"}},
+        {"the size's high half is not read", RecordFields().SizeBytes({0, 0, 0x10, 0, 1, 2, 3, 4}),
          {"1.0", "2003-01-31", "Occasionally"}},
-        {"time unknown (byte 23 at 255)", RecordSpec().LastUsed({0, 0, 0, 0, 0x21, 0xc9, 0xc2, 0xff}),
+        {"time unknown (byte 23 at 255)", RecordFields().LastUsed({0, 0, 0, 0, 0x21, 0xc9, 0xc2, 0xff}),
          {"1.0", "", "Occasionally"}},
-        {"time unknown (byte 23 at 0)", RecordSpec().LastUsed({0, 0, 0, 0, 0x21, 0xc9, 0xc2, 0x00}),
+        {"time unknown (byte 23 at 0)", RecordFields().LastUsed({0, 0, 0, 0, 0x21, 0xc9, 0xc2, 0x00}),
          {"1.0", "", "Occasionally"}},
-        {"the time's low half is not read", RecordSpec().LastUsed({0xff, 0xff, 0xff, 0xff, 0x21, 0xc9, 0xc2, 0x01}),
+        {"the time's low half is not read", RecordFields().LastUsed({0xff, 0xff, 0xff, 0xff, 0x21, 0xc9, 0xc2, 0x01}),
          {"1.0", "2003-01-31", "Occasionally"}},
-        {"count unknown (255)", RecordSpec().Frequency(255), {"1.0", "2003-01-31", ""}},
-        {"count 2", RecordSpec().Frequency(2), {"1.0", "2003-01-31", "Rarely"}},
-        {"count 11", RecordSpec().Frequency(11), {"1.0", "2003-01-31", "Frequently"}},
+        {"count unknown (255)", RecordFields().Frequency(255), {"1.0", "2003-01-31", ""}},
+        {"count 2", RecordFields().Frequency(2), {"1.0", "2003-01-31", "Rarely"}},
+        {"count 11", RecordFields().Frequency(11), {"1.0", "2003-01-31", "Frequently"}},
     };
     for (const auto& c : cases) {
-        const std::string record = MakeRecord(c.spec);
+        const std::string record = MakeRecord(c.fields);
         const SlowInfoTexts texts = DecodeSlowInfoCache(Fields(record), false, ".");
         EXPECT_EQ(texts.size, c.texts.size) << c.what;
         EXPECT_EQ(texts.lastUsed, c.texts.lastUsed) << c.what;
@@ -180,7 +180,7 @@ TEST(SlowInfoCache, ImagePathInTheAnsiCodePage) {
         {"to the end", 1, full, std::string(262, 'x')},
     };
     for (const auto& c : cases) {
-        const std::string record = MakeRecord(RecordSpec().NameFlag(c.nameFlag).ImagePath(c.path));
+        const std::string record = MakeRecord(RecordFields().NameFlag(c.nameFlag).ImagePath(c.path));
         EXPECT_EQ(SlowInfoImagePath(Fields(record)), c.ansi) << c.what;
     }
 }
@@ -212,7 +212,7 @@ struct Expected {
 
 TEST(CollectApplications, EachEntryAsTheControlPanelShowedIt) {
     const std::string good = "C:\\Apps\\good.exe";
-    const std::string record = MakeRecord(RecordSpec().ImagePath(u"C:\\Apps\\good.exe"));
+    const std::string record = MakeRecord(RecordFields().ImagePath(u"C:\\Apps\\good.exe"));
     const std::vector<std::string> recordCells = {"App", "1.0", "2003-01-31", "Occasionally", "C:\\Apps\\uninst.exe"};
     const std::vector<std::string> bareCells = {"App", "", "", "", "C:\\Apps\\uninst.exe"};
     const struct {
@@ -239,7 +239,7 @@ TEST(CollectApplications, EachEntryAsTheControlPanelShowedIt) {
          {recordCells, good, 0}},
         {"the record's name flag is 0",
          [&](Machine& m) {
-             m.AddRecord("A", MakeRecord(RecordSpec().NameFlag(0).ImagePath(u"C:\\Apps\\good.exe")));
+             m.AddRecord("A", MakeRecord(RecordFields().NameFlag(0).ImagePath(u"C:\\Apps\\good.exe")));
              m.AddFile(good);
          },
          {recordCells, "", 0}},
@@ -320,7 +320,7 @@ TEST(CollectApplications, TheWindowsVersionDecidesWhetherAndHowTheRecordIsRead) 
     for (const auto& c : cases) {
         Machine m;
         m.AddApp("A");
-        m.AddRecord("A", MakeRecord(RecordSpec().ImagePath(u"C:\\Apps\\good.exe")));
+        m.AddRecord("A", MakeRecord(RecordFields().ImagePath(u"C:\\Apps\\good.exe")));
         m.AddFile("C:\\Apps\\good.exe");
         bool cacheTouched = false;
         m.registry.failIf = [&](const std::string&, const std::string& key, const std::string&) {
@@ -341,8 +341,8 @@ TEST(CollectApplications, RowsInTheRegistrysOrderEachWithItsOwnRecord) {
     m.AddApp("Zeta", "Last");
     m.AddApp("alpha", "First", "a.exe /u");
     m.AddApp("Mid", "Middle");
-    m.AddRecord("Mid", MakeRecord(RecordSpec().SizeBytes({0, 0, 0x20, 0}).Frequency(20)));
-    m.AddRecord("alpha", MakeRecord(RecordSpec().Frequency(1)));
+    m.AddRecord("Mid", MakeRecord(RecordFields().SizeBytes({0, 0, 0x20, 0}).Frequency(20)));
+    m.AddRecord("alpha", MakeRecord(RecordFields().Frequency(1)));
     ApplicationListOptions options;
     options.windowsVersionName = kXp;
     options.decimalSign = ",";
@@ -415,7 +415,7 @@ TEST(AddRemoveReport, FullReportAreaCollectsAnewWithoutLookingForIcons) {
     m.registry.PutString(kUninstall + "A"s, "DisplayIcon", "C:\\Apps\\good.exe");
     m.AddApp("B", "Hidden");
     m.registry.PutDword(kUninstall + "B"s, "NoRemove", 1);
-    m.AddRecord("A", MakeRecord(RecordSpec().ImagePath(u"C:\\Apps\\good.exe")));
+    m.AddRecord("A", MakeRecord(RecordFields().ImagePath(u"C:\\Apps\\good.exe")));
     FullReportPlatform platform{w.report};
     platform.registry = &m.registry;
     platform.facts = &m.facts;
