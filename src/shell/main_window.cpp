@@ -71,8 +71,6 @@ HWND Child(HWND parent, const char* className, const char* text, DWORD style, in
 
 }  // namespace
 
-std::span<const PaneEntry> PaneTable() { return kPanes; }
-
 const PaneEntry* FindPane(const std::string& name) {
     for (const PaneEntry& pane : kPanes) {
         if (name == pane.name) return &pane;

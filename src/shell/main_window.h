@@ -2,7 +2,6 @@
 #include <windows.h>
 
 #include <memory>
-#include <span>
 #include <string>
 
 #include "ui/pane.h"
@@ -21,8 +20,6 @@ struct PaneEntry {
     std::unique_ptr<Pane> (*make)();
 };
 
-// The panes, top to bottom as their buttons stand; the first shows at start-up.
-std::span<const PaneEntry> PaneTable();
 // The row of `name`, or null.
 const PaneEntry* FindPane(const std::string& name);
 
