@@ -39,7 +39,10 @@ public:
         return real_.SetValue(key, name, type, data, size);
     }
     RegError DeleteValue(RegKey key, const std::string& name) override { return real_.DeleteValue(key, name); }
-    RegError DeleteKey(RegKey parent, const std::string& subKey) override { return real_.DeleteKey(parent, subKey); }
+    RegError DeleteKey(RegKey parent, const std::string& subKey, uint32_t view = 0) override {
+        const std::string moved = Moved(parent, subKey);
+        return moved.empty() ? real_.DeleteKey(parent, subKey, view) : real_.DeleteKey(kHKeyCurrentUser, moved, view);
+    }
 
 private:
     std::function<std::string(RegKey)> place_;

@@ -33,6 +33,13 @@ inline constexpr uint32_t kKeyRead = 0x20019;
 inline constexpr uint32_t kKeyAllAccess = 0xF003F;
 // What RegOpenKeyA and RegCreateKeyA ask for: every right the caller may have.
 inline constexpr uint32_t kMaximumAllowed = 0x02000000;
+// The registry view, added to an access mask. On a 64-bit system 32-bit
+// programs see HKLM\Software (and the classes) through a view of their own;
+// these ask for one view or the other whatever the caller's own bitness.
+// Zero is the caller's own view.
+inline constexpr uint32_t kKeyWow64_64Key = 0x0100;
+inline constexpr uint32_t kKeyWow64_32Key = 0x0200;
+inline constexpr uint32_t kKeyWow64Views = kKeyWow64_64Key | kKeyWow64_32Key;
 
 // Value types.
 inline constexpr uint32_t kRegNone = 0;
@@ -79,8 +86,9 @@ public:
                               uint32_t size) = 0;
     // RegDeleteValueA.
     virtual RegError DeleteValue(RegKey key, const std::string& name) = 0;
-    // RegDeleteKeyA: a key that still has subkeys is refused.
-    virtual RegError DeleteKey(RegKey parent, const std::string& subKey) = 0;
+    // RegDeleteKeyExA in the view `view` (kKeyWow64_32Key, kKeyWow64_64Key or
+    // 0 for the caller's own): a key that still has subkeys is refused.
+    virtual RegError DeleteKey(RegKey parent, const std::string& subKey, uint32_t view = 0) = 0;
 };
 
 // Registry names compare without regard to case, as the system does it: each

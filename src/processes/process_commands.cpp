@@ -52,7 +52,6 @@ std::string BackupRecordPath(const std::string& appPath, const std::string& stam
     return BackupFolder(appPath) + stamp + ".prc";
 }
 
-std::string BackupRecord(const std::string& path, const std::string& date) { return path + '\x01' + date + "\r\n"; }
 
 bool killProcess(ProcessCommandPorts& ports, const SelectedProcess& row) {
     const auto id = static_cast<uint32_t>(DecodeNumberKey(row.key));

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "foundations/delete_on_reboot.h"
+#include "processes/backup_store.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
 #include "platform/process_table.h"
@@ -53,9 +54,6 @@ std::string BackupStamp(int year, int month, int day, int hour, int minute, int 
 std::string BackupFolder(const std::string& appPath);
 std::string BackupCopyPath(const std::string& appPath, const std::string& stamp);
 std::string BackupRecordPath(const std::string& appPath, const std::string& stamp);
-
-// The one line of a .prc record: the path, U+0001 and the date, ended by CR LF.
-std::string BackupRecord(const std::string& path, const std::string& date);
 
 // Copies `path` into the store as a .bup and writes its .prc; `strBackupStamp`
 // receives the pair's stamp. True when the deletion may go on: the pair is

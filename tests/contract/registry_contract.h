@@ -188,4 +188,40 @@ inline void CheckRegistryContract(Registry& reg, const std::string& root) {
     EXPECT_EQ(reg.OpenKey(kHKeyCurrentUser, root, kKeyRead, key), kErrorFileNotFound);
 }
 
+// The two views of a 64-bit system. `name` is a key of the suite's own to make
+// below HKLM\Software; it must not exist in either view.
+inline void CheckRegistryViewContract(Registry& reg, const std::string& name) {
+    const std::string path = "Software\\" + name;
+    const std::string redirected = "Software\\Wow6432Node\\" + name;
+    RegKey key = 0;
+    ASSERT_EQ(reg.CreateKey(kHKeyLocalMachine, path + "\\Inner", kKeyAllAccess | kKeyWow64_32Key, key), kRegOk);
+    const std::string text = "thirty-two";
+    EXPECT_EQ(reg.SetValue(key, "Where", kRegSz, reinterpret_cast<const uint8_t*>(text.c_str()),
+                           static_cast<uint32_t>(text.size() + 1)),
+              kRegOk);
+    reg.CloseKey(key);
+
+    // The 32-bit key lies under Wow6432Node, and the 64-bit view of its own path is empty.
+    EXPECT_EQ(reg.OpenKey(kHKeyLocalMachine, redirected + "\\Inner", kKeyRead | kKeyWow64_64Key, key), kRegOk);
+    reg.CloseKey(key);
+    EXPECT_EQ(reg.OpenKey(kHKeyLocalMachine, path, kKeyRead | kKeyWow64_64Key, key), kErrorFileNotFound);
+    // A key opened in the 32-bit view reaches its subkeys by their plain names.
+    RegKey top = 0;
+    ASSERT_EQ(reg.OpenKey(kHKeyLocalMachine, path, kKeyRead | kKeyWow64_32Key, top), kRegOk);
+    EXPECT_EQ(reg.OpenKey(top, "Inner", kKeyRead, key), kRegOk);
+    char data[32] = {};
+    uint32_t size = sizeof data;
+    uint32_t type = 0;
+    EXPECT_EQ(reg.QueryValue(key, "Where", &type, reinterpret_cast<uint8_t*>(data), &size), kRegOk);
+    EXPECT_STREQ(data, "thirty-two");
+    reg.CloseKey(key);
+    reg.CloseKey(top);
+
+    // A delete in the other view does not reach it; one in its own view does.
+    EXPECT_EQ(reg.DeleteKey(kHKeyLocalMachine, path + "\\Inner", kKeyWow64_64Key), kErrorFileNotFound);
+    EXPECT_EQ(reg.DeleteKey(kHKeyLocalMachine, path + "\\Inner", kKeyWow64_32Key), kRegOk);
+    EXPECT_EQ(reg.DeleteKey(kHKeyLocalMachine, path, kKeyWow64_32Key), kRegOk);
+    EXPECT_EQ(reg.OpenKey(kHKeyLocalMachine, redirected, kKeyRead | kKeyWow64_64Key, key), kErrorFileNotFound);
+}
+
 }  // namespace corvane::contract

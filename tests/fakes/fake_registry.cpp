@@ -35,7 +35,31 @@ std::vector<std::string> SplitPath(const std::string& path) {
 
 bool LessName(const std::string& a, const std::string& b) { return RegNameKey(a) < RegNameKey(b); }
 
+std::string JoinPath(const std::vector<std::string>& parts) {
+    std::string path;
+    for (const std::string& part : parts) path += (path.empty() ? "" : "\\") + part;
+    return path;
+}
+
 }  // namespace
+
+std::string FakeRegistry::ViewPath(const std::string& parentPath, const std::string& subKey, uint32_t access) {
+    const std::string joined = subKey.empty() ? parentPath : parentPath + "\\" + subKey;
+    if (!(access & kKeyWow64_32Key)) return joined;
+    std::vector<std::string> parts = SplitPath(joined);
+    // Where the 32-bit view's own branch begins: after HKCR, HKLM\Software
+    // or HKLM\Software\Classes. A path already inside it stays as it is.
+    size_t at = 0;
+    if (!parts.empty() && (SameRegName(parts[0], "HKCR") || SameRegName(parts[0], "HKEY_CLASSES_ROOT"))) {
+        at = 1;
+    } else if (parts.size() >= 2 && (SameRegName(parts[0], "HKLM") || SameRegName(parts[0], "HKEY_LOCAL_MACHINE")) &&
+               SameRegName(parts[1], "Software")) {
+        at = parts.size() >= 3 && SameRegName(parts[2], "Classes") ? 3 : 2;
+    }
+    if (at == 0 || at >= parts.size() || SameRegName(parts[at], "Wow6432Node")) return joined;
+    parts.insert(parts.begin() + static_cast<std::ptrdiff_t>(at), "Wow6432Node");
+    return JoinPath(parts);
+}
 
 FakeRegistry::FakeRegistry() {
     for (int i = 0; i < 3; ++i) {
@@ -191,14 +215,11 @@ RegError FakeRegistry::OpenKey(RegKey parent, const std::string& subKey, uint32_
     Handle at;
     if (RegError error = Resolve(parent, at)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
-    const std::string path = subKey.empty() ? at.node->path : at.node->path + "\\" + subKey;
+    const std::string path = ViewPath(at.node->path, subKey, access);
     if (RegError error = Enter("OpenKey", path, "", false)) return error;
-    std::shared_ptr<Node> node = at.node;
-    for (const std::string& part : SplitPath(subKey)) {
-        node = FindSubkey(*node, part);
-        if (!node) return kErrorFileNotFound;
-    }
-    key = NewHandle(node, access);
+    std::shared_ptr<Node> node = NodeAt(path);
+    if (!node) return kErrorFileNotFound;
+    key = NewHandle(node, access & ~kKeyWow64Views);
     return kRegOk;
 }
 
@@ -208,14 +229,9 @@ RegError FakeRegistry::CreateKey(RegKey parent, const std::string& subKey, uint3
     Handle at;
     if (RegError error = Resolve(parent, at)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
-    const std::string path = subKey.empty() ? at.node->path : at.node->path + "\\" + subKey;
+    const std::string path = ViewPath(at.node->path, subKey, access);
     if (RegError error = Enter("CreateKey", path, "", true)) return error;
-    std::shared_ptr<Node> node = at.node;
-    for (const std::string& part : SplitPath(subKey)) {
-        auto sub = FindSubkey(*node, part);
-        node = sub ? sub : AddSubkey(node, part);
-    }
-    key = NewHandle(node, access);
+    key = NewHandle(MakeNode(path), access & ~kKeyWow64Views);
     return kRegOk;
 }
 
@@ -320,16 +336,13 @@ RegError FakeRegistry::DeleteValue(RegKey key, const std::string& name) {
     return kRegOk;
 }
 
-RegError FakeRegistry::DeleteKey(RegKey parent, const std::string& subKey) {
+RegError FakeRegistry::DeleteKey(RegKey parent, const std::string& subKey, uint32_t view) {
     ++calls["DeleteKey"];
     Handle at;
     if (RegError error = Resolve(parent, at)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
-    std::shared_ptr<Node> node = at.node;
-    for (const std::string& part : SplitPath(subKey)) {
-        node = FindSubkey(*node, part);
-        if (!node) return kErrorFileNotFound;
-    }
+    std::shared_ptr<Node> node = NodeAt(ViewPath(at.node->path, subKey, view));
+    if (!node) return kErrorFileNotFound;
     // A root cannot go, nor a key that still has subkeys.
     auto above = node->parent.lock();
     if (!above || !node->subkeys.empty()) return kErrorAccessDenied;

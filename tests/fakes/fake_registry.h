@@ -11,6 +11,12 @@
 // ERROR_KEY_DELETED. Values enumerate in the order they were first set, as
 // Windows does; Wine gives them sorted like the subkeys, and `valueOrder`
 // makes the fake do the same (the contract suite checks it that way).
+//
+// It keeps one 64-bit system's registry views too: a key opened, created or
+// deleted with kKeyWow64_32Key below HKLM\Software lies under
+// HKLM\Software\Wow6432Node (below HKLM\Software\Classes, under
+// HKLM\Software\Classes\Wow6432Node), and below HKCR under HKCR\Wow6432Node,
+// as a 64-bit Windows keeps them. Tests set up the 32-bit view by those paths.
 #include <functional>
 #include <map>
 #include <memory>
@@ -77,7 +83,7 @@ public:
     RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data,
                       uint32_t size) override;
     RegError DeleteValue(RegKey key, const std::string& name) override;
-    RegError DeleteKey(RegKey parent, const std::string& subKey) override;
+    RegError DeleteKey(RegKey parent, const std::string& subKey, uint32_t view = 0) override;
 
 private:
     struct NamedValue {
@@ -108,6 +114,8 @@ private:
     // change faults. A non-zero result is the failure to return.
     RegError Enter(const char* op, const std::string& keyPath, const std::string& valueName, bool change);
     std::shared_ptr<Node> NodeAt(const std::string& path) const;
+    // The full path of `subKey` below the handle's key as the view of `access` places it.
+    static std::string ViewPath(const std::string& parentPath, const std::string& subKey, uint32_t access);
     std::shared_ptr<Node> MakeNode(const std::string& path);
     std::vector<const NamedValue*> OrderedValues(const Node& node) const;
     static NamedValue* FindValue(Node& node, const std::string& name);

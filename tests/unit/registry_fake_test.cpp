@@ -13,6 +13,18 @@ TEST(RegistryContract, Fake) {
     EXPECT_EQ(reg.OpenHandles(), 0u);
 }
 
+TEST(RegistryViewContract, Fake) {
+    FakeRegistry reg;
+    contract::CheckRegistryViewContract(reg, "CorvaneTestsViews");
+    EXPECT_EQ(reg.OpenHandles(), 0u);
+    // The classes have a 32-bit branch of their own too.
+    RegKey key = 0;
+    ASSERT_EQ(reg.CreateKey(kHKeyClassesRoot, "CLSID\\{X}", kKeyAllAccess | kKeyWow64_32Key, key), kRegOk);
+    reg.CloseKey(key);
+    EXPECT_TRUE(reg.KeyExists("HKCR\\Wow6432Node\\CLSID\\{X}"));
+    EXPECT_FALSE(reg.KeyExists("HKCR\\CLSID\\{X}"));
+}
+
 TEST(FakeRegistry, ValuesKeepTheOrderTheyWereFirstSetIn) {
     FakeRegistry reg;
     reg.PutString("HKCU\\Run", "zeta", "1");

@@ -23,6 +23,14 @@ TEST(RegistryContract, Win32) {
     contract::CheckRegistryContract(reg, root);
 }
 
+// A 64-bit prefix keeps both views; the key is the test's own below HKLM\Software.
+TEST(RegistryViewContract, Win32) {
+    Win32Registry reg;
+    reg.DeleteKey(kHKeyLocalMachine, "Software\\CorvaneTestsViews\\Inner", kKeyWow64_32Key);
+    reg.DeleteKey(kHKeyLocalMachine, "Software\\CorvaneTestsViews", kKeyWow64_32Key);
+    contract::CheckRegistryViewContract(reg, "CorvaneTestsViews");
+}
+
 class RegistryUnderWine : public ::testing::Test {
 protected:
     void SetUp() override {

@@ -72,8 +72,9 @@ RegError Win32Registry::DeleteValue(RegKey key, const std::string& name) {
     return RegDeleteValueA(ToHkey(key), name.c_str());
 }
 
-RegError Win32Registry::DeleteKey(RegKey parent, const std::string& subKey) {
-    return RegDeleteKeyA(ToHkey(parent), subKey.c_str());
+RegError Win32Registry::DeleteKey(RegKey parent, const std::string& subKey, uint32_t view) {
+    if (view == 0) return RegDeleteKeyA(ToHkey(parent), subKey.c_str());
+    return RegDeleteKeyExA(ToHkey(parent), subKey.c_str(), view & kKeyWow64Views, 0);
 }
 
 }  // namespace corvane

@@ -17,7 +17,7 @@ public:
     RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data,
                       uint32_t size) override;
     RegError DeleteValue(RegKey key, const std::string& name) override;
-    RegError DeleteKey(RegKey parent, const std::string& subKey) override;
+    RegError DeleteKey(RegKey parent, const std::string& subKey, uint32_t view = 0) override;
 };
 
 }  // namespace corvane
