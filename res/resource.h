@@ -149,6 +149,22 @@
 #define IDC_FMLEGEND 1500
 #define IDC_FMBACKUP 1501
 #define IDC_FMREPORT 1502
+#define IDC_PICSUSPICIOUS 1503
+#define IDC_PICDISABLED 1504
+#define IDC_PICSUSDIS 1505
+#define IDC_LBLRISKPROCESS0 1506  // lblRiskProcess(0) ... (2), beside the three boxes
+#define IDC_LBLRISKPROCESS1 1507
+#define IDC_LBLRISKPROCESS2 1508
+#define IDC_CHKFONTBOLD 1509
+#define IDC_LSTVBACKUP 1510
+#define IDC_CMDRESTORE 1511
+#define IDC_OPTIONS_DELETE 1512  // cmdDelete of the options pane
+#define IDC_CHKDELETE 1513
+#define IDC_CHKPROCESS 1514
+#define IDC_CHKIE 1515
+#define IDC_CHKSTARTUP 1516
+#define IDC_CHKADDREMOVE 1517
+#define IDC_OPTIONS_REPORT 1518  // cmdReport of the options pane
 // File detail dialog, frmviewInfo (1000-1099). Each value control's design name follows its id.
 #define IDD_VIEWINFO                  1000
 #define IDC_VIEWINFO_ICON             1001  // picIcon

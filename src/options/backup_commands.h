@@ -22,13 +22,23 @@ struct BackupCommandPorts {
 
 // The list's columns: "Deleted On", "File Name", "Path".
 enum BackupColumn { kBackupColDate = 0, kBackupColFileName = 1, kBackupColFolder = 2 };
+inline constexpr const char* kBackupColumns[] = {"Deleted On", "File Name", "Path"};
 
-// refreshBackupList's rows: one per listed backup, keyed by the record's name.
+// The messages of the two commands.
+inline constexpr const char* kRestoreTargetBusy = "There is already an application running with same name and path.";
+inline constexpr const char* kRestored = "File restored successfully";
+inline constexpr const char* kNotRestored = "File Could not be restored";
+
+// refreshBackupList's rows: one per listed backup, in the store's order,
+// keyed by the record's name.
 std::vector<Row> BackupRows(FileSystem& files, const std::string& appPath);
 
-// cmdrestore: puts the row's copy back at its folder and file name. With
-// `deleteAfter` (chkDelete) a restored backup's pair is deleted. True when the
-// list is to be read again. No row, nothing.
+// cmdrestore: puts the row's copy back at its folder and file name. A file
+// already there is deleted first, or, when it cannot be, the restore stops
+// with nothing changed. The copy goes to a temporary name beside the target
+// and is then moved over it in one step, so the target is never a part-
+// written program. With `deleteAfter` (chkDelete) a restored backup's pair
+// is deleted. True when the list is to be read again. No row, nothing.
 bool RestoreBackup(BackupCommandPorts& ports, const Row* selected, bool deleteAfter);
 
 // cmdDelete: asks, then deletes the row's record and copy. True when the list

@@ -12,6 +12,13 @@
 
 namespace corvane {
 
+// The store's folder, with its trailing backslash. The program writes and
+// lists it by this one name; the file system does not tell case apart.
+std::string BackupFolder(const std::string& appPath);
+// The pair of one stamp, as the delete command writes it.
+std::string BackupCopyPath(const std::string& appPath, const std::string& stamp);
+std::string BackupRecordPath(const std::string& appPath, const std::string& stamp);
+
 // The one line of a .prc record: the path, U+0001 and the date, ended by CR LF.
 std::string BackupRecord(const std::string& path, const std::string& date);
 
@@ -39,5 +46,9 @@ std::vector<BackupEntry> ListBackups(FileSystem& files, const std::string& appPa
 // The .bup name that goes with a record's name: ".prc" at its end, in any
 // case, replaced by ".bup".
 std::string BackupCopyName(const std::string& recordName);
+
+// The folder and file name of a record's path: up to and including its last
+// backslash, and what stands behind it. A path with no backslash is all name.
+void SplitBackupPath(const std::string& path, std::string& folder, std::string& fileName);
 
 }  // namespace corvane

@@ -42,16 +42,6 @@ std::string BackupStamp(int year, int month, int day, int hour, int minute, int 
            "_" + std::to_string(hour) + "_" + std::to_string(minute) + "_" + std::to_string(second);
 }
 
-std::string BackupFolder(const std::string& appPath) { return appPath + "\\Backup\\"; }
-
-std::string BackupCopyPath(const std::string& appPath, const std::string& stamp) {
-    return BackupFolder(appPath) + stamp + ".bup";
-}
-
-std::string BackupRecordPath(const std::string& appPath, const std::string& stamp) {
-    return BackupFolder(appPath) + stamp + ".prc";
-}
-
 
 bool killProcess(ProcessCommandPorts& ports, const SelectedProcess& row) {
     const auto id = static_cast<uint32_t>(DecodeNumberKey(row.key));

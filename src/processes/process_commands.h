@@ -50,10 +50,6 @@ bool cmdDelete_Click(ProcessCommandPorts& ports, const SelectedProcess* selected
 // and second, joined by "_" with no leading zeros. 5 March 2004 14:07:09 is "3_5_65_14_7_9".
 std::string BackupStamp(int year, int month, int day, int hour, int minute, int second);
 
-// The store's folder as the delete command writes to it, and the pair of one stamp.
-std::string BackupFolder(const std::string& appPath);
-std::string BackupCopyPath(const std::string& appPath, const std::string& stamp);
-std::string BackupRecordPath(const std::string& appPath, const std::string& stamp);
 
 // Copies `path` into the store as a .bup and writes its .prc; `strBackupStamp`
 // receives the pair's stamp. True when the deletion may go on: the pair is

@@ -153,6 +153,11 @@ INT_PTR CALLBACK Pane::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
                 pane->Form_Unload();
                 for (RowList* list : pane->lists_) list->Detach();
                 return FALSE;
+            case WM_CTLCOLORSTATIC:
+                if (HBRUSH brush = pane->StaticBrush(reinterpret_cast<HWND>(lParam), reinterpret_cast<HDC>(wParam))) {
+                    return reinterpret_cast<INT_PTR>(brush);
+                }
+                break;
             case WM_NCDESTROY:
                 SetWindowLongPtrA(hwnd, DWLP_USER, 0);
                 pane->hwnd_ = nullptr;

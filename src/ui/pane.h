@@ -57,6 +57,9 @@ protected:
     // Commands that are no button or menu item of the table: option
     // buttons, and notifications such as a text box's change.
     virtual void OnCommand(int /*id*/, int /*code*/) {}
+    // The brush of a static control (WM_CTLCOLORSTATIC), for a pane whose
+    // controls show colours of their own; null: the pane's white ground.
+    virtual HBRUSH StaticBrush(HWND /*control*/, HDC /*dc*/) { return nullptr; }
 
     // The table of commands and the lists whose notifications the pane passes on.
     void Bind(PaneCommand command) { commands_.push_back(std::move(command)); }

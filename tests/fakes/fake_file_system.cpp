@@ -172,8 +172,21 @@ SysError FakeFileSystem::Copy(const std::string& from, const std::string& to, bo
     if (it == nodes_.end() || it->second.isFolder) return kFileNotFound;
     if (!ParentExists(to)) return kPathNotFound;
     if (Exists(to) && (!overwrite || IsFolder(to))) return kFileExists;
-    if (SysError error = Change("Copy", to)) return error;
     const std::string content = it->second.content;
+    const auto leavePart = [&] {
+        if (copiesLeaveParts) nodes_[Key(to)] = Node{to, false, content.substr(0, content.size() / 2)};
+    };
+    SysError error = kNoError;
+    try {
+        error = Change("Copy", to);
+    } catch (const SimulatedCrash&) {
+        leavePart();
+        throw;
+    }
+    if (error) {
+        leavePart();
+        return error;
+    }
     nodes_[Key(to)] = Node{to, false, content};
     return kNoError;
 }

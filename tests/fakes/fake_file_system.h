@@ -37,6 +37,10 @@ public:
     int crashAfterChange = 0;
     SysError failError = 5;  // ERROR_ACCESS_DENIED
     std::function<bool(const std::string& op, const std::string& path)> failIf;
+    // A copy that fails or is cut off by a crash leaves the first half of the
+    // file at its target, as a real copy stopped part-way (a full disk, a
+    // power cut) may.
+    bool copiesLeaveParts = false;
 
     bool Exists(const std::string& path) override;
     bool IsFolder(const std::string& path) override;

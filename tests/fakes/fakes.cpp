@@ -90,7 +90,10 @@ std::optional<std::string> FakePrompts::SaveFile(const std::string& filter, bool
     return Next(saveAnswers);
 }
 
-std::optional<int32_t> FakePrompts::PickColor(int32_t) { return std::nullopt; }
+std::optional<int32_t> FakePrompts::PickColor(int32_t initial) {
+    colorDialogs.push_back(initial);
+    return Next(colorAnswers);
+}
 
 namespace {
 

@@ -63,6 +63,8 @@ public:
     std::deque<PromptAnswer> answers;
     std::vector<SaveDialog> saveDialogs;
     std::deque<std::optional<std::string>> saveAnswers;
+    std::vector<int32_t> colorDialogs;  // the colour each colour dialog opened on
+    std::deque<std::optional<int32_t>> colorAnswers;
     PromptAnswer Message(const std::string& text, const std::string& title, PromptIcon icon,
                          PromptButtons buttons) override;
     std::optional<std::string> SaveFile(const std::string& filter, bool overwritePrompt) override;

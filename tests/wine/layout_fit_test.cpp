@@ -173,6 +173,18 @@ TEST_F(LayoutFitUnderWine, EveryPaneFitsTheMainWindow) {
         ExpectChildrenInside(pane, what);
         ExpectButtonTextsWhole(pane, what);
     }
+    // The legend's labels stand on one line beside their boxes.
+    SendMessageA(hwnd_, WM_COMMAND, MAKEWPARAM(IDC_CMDOPTIONS, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(GetDlgItem(hwnd_, IDC_PICLEFT), IDC_CMDOPTIONS)));
+    Pump();
+    for (int id : {IDC_LBLRISKPROCESS0, IDC_LBLRISKPROCESS1, IDC_LBLRISKPROCESS2}) {
+        HWND label = GetDlgItem(form_->activePane(), id);
+        RECT r;
+        GetClientRect(label, &r);
+        const SIZE size = DrawnSize(label, TextOf(label));
+        EXPECT_TRUE(size.cx <= r.right && size.cy <= r.bottom)
+            << config_ << ", frmOptions: " << Describe(label) << " needs " << size.cx << " x " << size.cy;
+    }
 }
 
 struct AboutSeen {
