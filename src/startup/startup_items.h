@@ -95,7 +95,7 @@ struct StartupPlaces {
     std::string commonStartupFolder;  // "Common Startup" of the machine's Shell Folders
     std::string userStartupFolder;    // "Startup" of the user's Shell Folders
     std::vector<std::string> suspectList;
-    std::string runKeyPath = kRunKeyPath;  // the same below both hives
+    std::string runKeyPath = kRunKeyPath;  // the same below both hives and in both views
 };
 
 // The two startup folders from the Shell Folders keys and the suspect list
