@@ -20,14 +20,14 @@ constexpr const char* kScopes[] = {kLocHKLM, kLocHKLM32, kLocHKCU};
 bool IsRunLocation(const std::string& location) {
     return location == kLocHKLM || location == kLocHKLM32 || location == kLocHKCU;
 }
+bool IsFolderLocation(const std::string& location) {
+    return location == kLocStartupLM || location == kLocStartupCU;
+}
 
 // The registry as the Run key of `location` is reached: a 32-bit item goes
 // out of and back into the 32-bit view only, never the other.
 RegistryInView RunKeyRegistry(CommandPorts& ports, const std::string& location) {
     return RegistryInView(ports.registry, ViewOf(location));
-}
-bool IsFolderLocation(const std::string& location) {
-    return location == kLocStartupLM || location == kLocStartupCU;
 }
 
 void ShowError(CommandPorts& ports, const char* command, const std::string& description) {
