@@ -37,7 +37,8 @@ std::optional<StartupApproval> ParseStartupApproval(std::span<const uint8_t> dat
 std::string WindowsSettingText(Clock& clock, const StartupApproval& approval);
 
 // Where the choices for the items of a Location code lie: the hive and the
-// key below it. Nothing for a code without one.
+// key below it. Nothing for a code without one. The user's Run32 is never
+// read: the user's Run key has one view only, so it names no item here.
 struct ApprovalPlace {
     RegKey hive;
     std::string keyPath;
