@@ -3,7 +3,9 @@
 namespace corvane {
 
 std::string RunStorePath(const std::string& appPath, const std::string& scope) {
-    return appPath + (scope == "HKLM" ? "\\DHKLMRunKey.run" : "\\DHKCURunKey.run");
+    if (scope == "HKLM") return appPath + "\\DHKLMRunKey.run";
+    if (scope == "32-bit LM") return appPath + "\\DHKLM32RunKey.run";
+    return appPath + "\\DHKCURunKey.run";
 }
 
 std::vector<StoreLine> ParseRunStore(const std::string& content, const std::string& scope) {

@@ -1,5 +1,6 @@
 #pragma once
-// The stores of disabled run-key items: DHKLMRunKey.run and DHKCURunKey.run
+// The stores of disabled run-key items: DHKLMRunKey.run, DHKLM32RunKey.run
+// (the machine's Run key in the 32-bit registry view) and DHKCURunKey.run
 // beside the program. One line per item: the value's name, the character of
 // code 1, its command, the character of code 1, and the hive's code, ended by
 // CR LF, in the system's ANSI code page, no header.
@@ -16,7 +17,7 @@ struct StoreLine {
     std::string location;
 };
 
-// The store file of a hive code ("HKLM", "HKCU") in the program's folder.
+// The store file of a hive code ("HKLM", "32-bit LM", "HKCU") in the program's folder.
 std::string RunStorePath(const std::string& appPath, const std::string& scope);
 
 // The lines of a store file that belong to `scope`, read as the pane reads

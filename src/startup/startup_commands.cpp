@@ -8,17 +8,26 @@
 #include "foundations/registry.h"
 #include "foundations/report_banner.h"
 #include "foundations/app_identity.h"
+#include "startup/registry_view.h"
 #include "startup/run_key_store.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr const char* kScopes[] = {kLocHKLM, kLocHKCU};
+constexpr const char* kScopes[] = {kLocHKLM, kLocHKLM32, kLocHKCU};
 
-bool IsRunLocation(const std::string& location) { return location == kLocHKLM || location == kLocHKCU; }
+bool IsRunLocation(const std::string& location) {
+    return location == kLocHKLM || location == kLocHKLM32 || location == kLocHKCU;
+}
 bool IsFolderLocation(const std::string& location) {
     return location == kLocStartupLM || location == kLocStartupCU;
+}
+
+// The registry as the Run key of `location` is reached: a 32-bit item goes
+// out of and back into the 32-bit view only, never the other.
+RegistryInView RunKeyRegistry(CommandPorts& ports, const std::string& location) {
+    return RegistryInView(ports.registry, ViewOf(location));
 }
 
 void ShowError(CommandPorts& ports, const char* command, const std::string& description) {
@@ -159,8 +168,9 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
             // The store will hold the command the list shows; a value that
             // has changed since is left alone rather than lost.
             bool cut = false;
-            if (RunValueText(ports.registry, HiveOf(location), places.runKeyPath, row.cells[kStartupColName], nullptr,
-                             &cut) != row.cells[kStartupColCommand]) {
+            RegistryInView registry = RunKeyRegistry(ports, location);
+            if (RunValueText(registry, HiveOf(location), places.runKeyPath, row.cells[kStartupColName], nullptr, &cut) !=
+                row.cells[kStartupColCommand]) {
                 changed.push_back(row.cells[kStartupColName]);
                 continue;
             }
@@ -212,8 +222,8 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
         const std::string& location = row.cells[kStartupColLocation];
         const std::string& name = row.cells[kStartupColName];
         if (IsRunLocation(location)) {
-            if (DeleteRegValue(ports.registry, ports.prompts, ports.system, HiveOf(location), places.runKeyPath,
-                               name)) {
+            RegistryInView registry = RunKeyRegistry(ports, location);
+            if (DeleteRegValue(registry, ports.prompts, ports.system, HiveOf(location), places.runKeyPath, name)) {
                 row.cells[kStartupColEnabled] = "False";
                 hiveChanged[location] = true;
             }
@@ -254,13 +264,14 @@ CommandEnd EnableCheckedItems(CommandPorts& ports, const StartupPlaces& places, 
         const std::string& name = row.cells[kStartupColName];
         if (IsRunLocation(location)) {
             const RegKey hive = HiveOf(location);
-            if (!SaveRegString(ports.registry, ports.prompts, ports.system, hive, places.runKeyPath, name,
+            RegistryInView registry = RunKeyRegistry(ports, location);
+            if (!SaveRegString(registry, ports.prompts, ports.system, hive, places.runKeyPath, name,
                                row.cells[kStartupColCommand])) {
                 continue;
             }
             // The writer vouches only for the key: the line leaves the store
             // once the value is seen in the Run key.
-            if (!RunKeyHolds(ports.registry, hive, places.runKeyPath, name, row.cells[kStartupColCommand])) {
+            if (!RunKeyHolds(registry, hive, places.runKeyPath, name, row.cells[kStartupColCommand])) {
                 unwritten.push_back(name);
                 continue;
             }
@@ -297,8 +308,8 @@ CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, 
     }
     if (IsRunLocation(location)) {
         if (IsLive(row)) {
-            return DeleteRegValue(ports.registry, ports.prompts, ports.system, HiveOf(location), places.runKeyPath,
-                                  name)
+            RegistryInView registry = RunKeyRegistry(ports, location);
+            return DeleteRegValue(registry, ports.prompts, ports.system, HiveOf(location), places.runKeyPath, name)
                        ? CommandEnd::Refresh
                        : CommandEnd::Nothing;
         }

@@ -7,8 +7,10 @@
 #include "foundations/functions.h"
 #include "foundations/registry.h"
 #include "foundations/settings.h"
-#include "startup/run_key_store.h"
 #include "foundations/reference_list.h"
+#include "startup/registry_view.h"
+#include "startup/run_key_store.h"
+#include "startup/startup_approved.h"
 
 namespace corvane {
 
@@ -187,7 +189,8 @@ void AddFolderItem(StartupSources& sources, const StartupPlaces& places, Startup
 
 void LoadRunKeyItems(StartupSources& sources, const StartupPlaces& places, StartupList& list, RegKey hive,
                      const std::string& location) {
-    for (const RegValueEntry& entry : EnumRegValues(sources.registry, hive, places.runKeyPath)) {
+    RegistryInView registry(sources.registry, ViewOf(location));
+    for (const RegValueEntry& entry : EnumRegValues(registry, hive, places.runKeyPath)) {
         AddRunItem(sources, places, list, entry.name, entry.Text(), location, true);
     }
 }
@@ -257,15 +260,20 @@ struct Selection {
 const std::vector<Selection>& Selections() {
     using K = SourceKind;
     static const std::vector<Selection> selections = {
+        // The 32-bit view's Run key stands beside the machine's own wherever
+        // that is read, and its store beside the machine's store.
         {"All",
          "Startup Items (Current Selection: All Items)",
-         {{K::RunKey, kLocHKLM}, {K::Folder, kLocStartupLM}, {K::RunKey, kLocHKCU}, {K::Folder, kLocStartupCU},
-          {K::RunStore, kLocHKLM}, {K::RunStore, kLocHKCU}, {K::StoreFolder, kLocStartupLM},
-          {K::StoreFolder, kLocStartupCU}}},
+         {{K::RunKey, kLocHKLM}, {K::RunKey, kLocHKLM32}, {K::Folder, kLocStartupLM}, {K::RunKey, kLocHKCU},
+          {K::Folder, kLocStartupCU}, {K::RunStore, kLocHKLM}, {K::RunStore, kLocHKLM32}, {K::RunStore, kLocHKCU},
+          {K::StoreFolder, kLocStartupLM}, {K::StoreFolder, kLocStartupCU}}},
         {"LM",
          "Startup Items (Current Selection: Local Machine)",
-         {{K::RunKey, kLocHKLM}, {K::Folder, kLocStartupLM}, {K::RunStore, kLocHKLM}, {K::StoreFolder, kLocStartupLM}}},
-        {"HKLM", "Startup Items (Current Selection: Local Machine Regitry)", {{K::RunKey, kLocHKLM}, {K::RunStore, kLocHKLM}}},
+         {{K::RunKey, kLocHKLM}, {K::RunKey, kLocHKLM32}, {K::Folder, kLocStartupLM}, {K::RunStore, kLocHKLM},
+          {K::RunStore, kLocHKLM32}, {K::StoreFolder, kLocStartupLM}}},
+        {"HKLM",
+         "Startup Items (Current Selection: Local Machine Regitry)",
+         {{K::RunKey, kLocHKLM}, {K::RunKey, kLocHKLM32}, {K::RunStore, kLocHKLM}, {K::RunStore, kLocHKLM32}}},
         {"LMStartup",
          "Startup Items (Current Selection: Local Machine Startup Folder)",
          {{K::Folder, kLocStartupLM}, {K::StoreFolder, kLocStartupLM}}},
@@ -278,6 +286,18 @@ const std::vector<Selection>& Selections() {
          {{K::Folder, kLocStartupCU}, {K::StoreFolder, kLocStartupCU}}},
     };
     return selections;
+}
+
+// Fills the Windows Setting column of the live rows from `first` on, all of
+// `location`. The store rows are not marked: Windows starts nothing from a store.
+void MarkDisabledByWindows(StartupSources& sources, StartupList& list, size_t first, const std::string& location) {
+    if (first == list.rows.size()) return;
+    const WindowsDisabled disabled = WindowsDisabled::Read(sources.registry, sources.clock, location);
+    if (disabled.Empty()) return;
+    for (size_t i = first; i < list.rows.size(); ++i) {
+        StartupRow& row = list.rows[i];
+        row.cells[kStartupColWindows] = disabled.TextOf(row.cells[kStartupColName]);
+    }
 }
 
 const Selection* FindSelection(const std::string& key) {
@@ -300,12 +320,15 @@ StartupList CollectStartupItems(StartupSources& sources, const StartupPlaces& pl
     if (!selection) return list;
     for (const SourceStep& step : selection->steps) {
         const std::string location = step.location;
+        const size_t first = list.rows.size();
         switch (step.kind) {
             case SourceKind::RunKey:
                 LoadRunKeyItems(sources, places, list, HiveOf(location), location);
+                MarkDisabledByWindows(sources, list, first, location);
                 break;
             case SourceKind::Folder:
                 LoadFolderItems(sources, places, list, LiveFolderOf(places, location), location, true);
+                MarkDisabledByWindows(sources, list, first, location);
                 break;
             case SourceKind::RunStore:
                 LoadDisabledRunItems(sources, places, list, RunStorePath(places.appPath, location), location);
@@ -320,13 +343,18 @@ StartupList CollectStartupItems(StartupSources& sources, const StartupPlaces& pl
 
 std::string LocationCaption(const std::string& code) {
     if (code == kLocHKLM) return "Local Machine Run Key";
+    if (code == kLocHKLM32) return "Local Machine Run Key (32-bit)";
     if (code == kLocHKCU) return "Current User Run Key";
     if (code == kLocStartupLM) return "All Users Startup Folder";
     if (code == kLocStartupCU) return "Current User Startup Folder";
     return "";
 }
 
-RegKey HiveOf(const std::string& location) { return location == kLocHKLM ? kHKeyLocalMachine : kHKeyCurrentUser; }
+RegKey HiveOf(const std::string& location) {
+    return location == kLocHKLM || location == kLocHKLM32 ? kHKeyLocalMachine : kHKeyCurrentUser;
+}
+
+uint32_t ViewOf(const std::string& location) { return location == kLocHKLM32 ? kKeyWow64_32Key : 0; }
 
 std::string StoreFolderOf(const StartupPlaces& places, const std::string& location) {
     return places.appPath + "\\" + (location == kLocStartupLM ? kLMStoreFolder : kCUStoreFolder);

@@ -1,7 +1,8 @@
 #pragma once
-// The startup items without a window: the two Run keys, the two startup
-// folders and the stores of what the user disabled, turned into the rows that
-// the startup pane shows, its commands read back and its report writes.
+// The startup items without a window: the Run keys (the machine's in both
+// registry views of a 64-bit system), the two startup folders and the stores
+// of what the user disabled, turned into the rows that the startup pane
+// shows, its commands read back and its report writes.
 #include <array>
 #include <cstdint>
 #include <map>
@@ -28,15 +29,22 @@ inline constexpr const char* kLocHKLM = "HKLM";
 inline constexpr const char* kLocHKCU = "HKCU";
 inline constexpr const char* kLocStartupLM = "Startup LM";
 inline constexpr const char* kLocStartupCU = "Startup CU";
+// The machine's Run key in the 32-bit registry view, where a 64-bit Windows
+// keeps what 32-bit programs register. The code holds no "HKLM", so a store
+// rewrite of the 64-bit key, which takes every Location containing its code,
+// never takes these rows.
+inline constexpr const char* kLocHKLM32 = "32-bit LM";
 
 // The store folders of disabled shortcuts, in the program's folder.
 inline constexpr const char* kLMStoreFolder = "DLMStartup";
 inline constexpr const char* kCUStoreFolder = "DCUStartup";
 
-// The columns of the list, in order: the row's text and sub-items 1 to 10.
-inline constexpr std::array<const char*, 11> kStartupColumns = {
+// The columns of the list, in order: the row's text and sub-items 1 to 11.
+// "Windows Setting" tells of an item that Windows itself no longer starts
+// (startup_approved.h); its Enabled still says "True".
+inline constexpr std::array<const char*, 12> kStartupColumns = {
     "Name",         "Enabled",      "Location",    "Command",     "File Name", "File Size [Kb]",
-    "Created On",   "Company Name", "Prodcut Name", "Description", "Path"};
+    "Created On",   "Company Name", "Prodcut Name", "Description", "Path",      "Windows Setting"};
 enum StartupColumn : int {
     kStartupColName = 0,
     kStartupColEnabled,
@@ -49,6 +57,7 @@ enum StartupColumn : int {
     kStartupColProduct,
     kStartupColDescription,
     kStartupColPath,
+    kStartupColWindows,
 };
 
 // A startup row has no key; its cells are by StartupColumn.
@@ -86,7 +95,7 @@ struct StartupPlaces {
     std::string commonStartupFolder;  // "Common Startup" of the machine's Shell Folders
     std::string userStartupFolder;    // "Startup" of the user's Shell Folders
     std::vector<std::string> suspectList;
-    std::string runKeyPath = kRunKeyPath;  // the same below both hives
+    std::string runKeyPath = kRunKeyPath;  // the same below both hives and in both views
 };
 
 // The two startup folders from the Shell Folders keys and the suspect list
@@ -108,7 +117,8 @@ std::string CommandToPath(const std::string& command);
 void AddRunItem(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
                 const std::string& command, const std::string& location, bool enabled);
 
-// The sources. `hive` is kHKeyLocalMachine or kHKeyCurrentUser.
+// The sources. `hive` is kHKeyLocalMachine or kHKeyCurrentUser; the key is
+// read in the registry view of `location` (ViewOf).
 void LoadRunKeyItems(StartupSources& sources, const StartupPlaces& places, StartupList& list, RegKey hive,
                      const std::string& location);
 void LoadDisabledRunItems(StartupSources& sources, const StartupPlaces& places, StartupList& list,
@@ -145,8 +155,10 @@ StartupList CollectStartupItems(StartupSources& sources, const StartupPlaces& pl
 // The readable name of a Location code; empty for any other text.
 std::string LocationCaption(const std::string& code);
 
-// The hive, store folder and startup folder of a Location code.
+// The hive, registry view, store folder and startup folder of a Location code.
 RegKey HiveOf(const std::string& location);
+// kKeyWow64_32Key for "32-bit LM", 0 (the program's own view) for the others.
+uint32_t ViewOf(const std::string& location);
 std::string StoreFolderOf(const StartupPlaces& places, const std::string& location);
 std::string LiveFolderOf(const StartupPlaces& places, const std::string& location);
 

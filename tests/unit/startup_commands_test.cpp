@@ -13,6 +13,7 @@ using namespace testing_startup;
 const std::string kApp_ = kApp;
 const std::string kLMStore = kApp_ + "\\DHKLMRunKey.run";
 const std::string kCUStore = kApp_ + "\\DHKCURunKey.run";
+const std::string kLM32Store = kApp_ + "\\DHKLM32RunKey.run";
 
 // An item of the test machine and where it may rightly be.
 struct Item {
@@ -23,8 +24,12 @@ struct Item {
     bool Shortcut() const { return location.rfind("Startup", 0) == 0; }
 };
 
-std::string RunPath(const std::string& location) { return location == "HKLM" ? kLMRun : kCURun; }
-std::string StorePath(const std::string& location) { return location == "HKLM" ? kLMStore : kCUStore; }
+std::string RunPath(const std::string& location) {
+    return location == "HKLM" ? kLMRun : location == "32-bit LM" ? kLMRun32 : kCURun;
+}
+std::string StorePath(const std::string& location) {
+    return location == "HKLM" ? kLMStore : location == "32-bit LM" ? kLM32Store : kCUStore;
+}
 std::string LivePath(const Item& item) {
     return std::string(item.location == "Startup LM" ? kCommonStartup : kUserStartup) + "\\" + item.name;
 }
@@ -61,10 +66,11 @@ void ExpectStoreWellFormed(World& w, const std::string& location) {
 }
 
 // Each item is in its source or its store, and the stores read back whole.
+// `deleted` is the Name and Location, "Name|Location", of the item the user deleted.
 void ExpectNothingLost(World& w, const std::vector<Item>& items, const std::string& deleted,
                        const std::string& context) {
     for (const Item& item : items) {
-        if (item.name == deleted) continue;
+        if (item.name + "|" + item.location == deleted) continue;
         if (item.Shortcut()) {
             EXPECT_TRUE(w.files.Content(LivePath(item)) == item.bytes || w.files.Content(StoredPath(item)) == item.bytes)
                 << item.name << " lost: " << context;
@@ -73,12 +79,14 @@ void ExpectNothingLost(World& w, const std::vector<Item>& items, const std::stri
         }
     }
     ExpectStoreWellFormed(w, "HKLM");
+    ExpectStoreWellFormed(w, "32-bit LM");
     ExpectStoreWellFormed(w, "HKCU");
 }
 
 // Two live and one disabled item in each Run key, one live and one disabled
-// shortcut in each folder.
-std::vector<Item> Populate(World& w) {
+// shortcut in each folder; with `bothViews`, the same in the 32-bit view's
+// Run key, and a 64-bit value of the name of a 32-bit one.
+std::vector<Item> Populate(World& w, bool bothViews = false) {
     w.AddProgram("C:\\Tools\\alpha.exe");
     w.environment.variables["WINDIR"] = "C:\\Windows";
     std::vector<Item> items = {
@@ -93,6 +101,11 @@ std::vector<Item> Populate(World& w) {
         {"three.lnk", "", "Startup LM", fakes::FakeShortcutBytes("C:\\Tools\\alpha.exe", "/three")},
         {"four.lnk", "", "Startup CU", fakes::FakeShortcutBytes("C:\\Tools\\alpha.exe", "/four")},
     };
+    if (bothViews) {
+        items.push_back({"Beta", "C:\\x86\\beta.exe", "32-bit LM", ""});
+        items.push_back({"Eta", "C:\\x86\\eta.exe /x", "32-bit LM", ""});
+        items.push_back({"Old 32", "C:\\x86\\old.exe", "32-bit LM", ""});
+    }
     for (const Item& item : items) {
         const bool disabled = item.name.rfind("Old", 0) == 0 || item.name == "three.lnk" || item.name == "four.lnk";
         if (item.Shortcut()) {
@@ -145,6 +158,79 @@ TEST(StartupCommands, DisableThenEnableGivesEveryItemBackByteForByte) {
     EXPECT_EQ(w.files.Content(kLMStore), "");
     EXPECT_EQ(w.files.Content(kCUStore), "");
     EXPECT_TRUE(w.prompts.shown.empty());
+}
+
+// A value of the 32-bit view goes to a store of its own and comes back to
+// that view only, as REG_SZ; the 64-bit value of the same name, and the
+// 64-bit key's store, are never touched.
+TEST(StartupCommands, The32BitViewsValuesKeepToTheirViewAndTheirStore) {
+    World w;
+    w.registry.PutString(kLMRun, "Same", "C:\\sixty-four.exe");
+    w.registry.Put(kLMRun32, "Same", kRegExpandSz, std::string("%ProgramFiles%\\x86.exe\0", 23));
+    w.registry.PutString(kLMRun32, "Other", "C:\\other.exe");
+    const std::string lmStore = FormatStoreLine("Old", "C:\\old.exe", "HKLM");
+    w.files.AddFile(kLMStore, lmStore);
+    auto checkView = [](StartupList list, const std::string& enabled) {
+        for (StartupRow& row : list.rows) {
+            row.checked = row.cells[kStartupColLocation] == "32-bit LM" && row.cells[kStartupColEnabled] == enabled;
+        }
+        return list;
+    };
+    auto sixtyFourUntouched = [&](const char* when) {
+        EXPECT_EQ(w.registry.ValueNames(kLMRun), std::vector<std::string>{"Same"}) << when;
+        EXPECT_EQ(w.registry.Value(kLMRun, "Same")->data, std::string("C:\\sixty-four.exe") + '\0') << when;
+        EXPECT_EQ(w.files.Content(kLMStore), lmStore) << when;
+    };
+
+    StartupList list = checkView(w.Collect("HKLM"), "True");
+    EXPECT_EQ(DisableCheckedItems(w.ports, w.Places(), list), CommandEnd::Refresh);
+    EXPECT_TRUE(w.registry.ValueNames(kLMRun32).empty());
+    EXPECT_EQ(w.files.Content(kLM32Store), FormatStoreLine("Same", "%ProgramFiles%\\x86.exe", "32-bit LM") +
+                                               FormatStoreLine("Other", "C:\\other.exe", "32-bit LM"));
+    sixtyFourUntouched("disabled");
+
+    list = checkView(w.Collect("LM"), "False");
+    EXPECT_EQ(EnableCheckedItems(w.ports, w.Places(), list), CommandEnd::Refresh);
+    EXPECT_EQ(w.registry.ValueNames(kLMRun32), (std::vector<std::string>{"Same", "Other"}));
+    const auto back = w.registry.Value(kLMRun32, "Same");
+    EXPECT_EQ(back->type, kRegSz);
+    EXPECT_EQ(back->data, std::string("%ProgramFiles%\\x86.exe") + '\0');
+    EXPECT_EQ(w.files.Content(kLM32Store), "");
+    sixtyFourUntouched("enabled again");
+
+    // Delete takes the 32-bit value, live or stored, and nothing of the 64-bit side.
+    auto rowOf = [](const StartupList& rows, const std::string& name, const std::string& location) {
+        for (size_t i = 0; i < rows.rows.size(); ++i) {
+            if (rows.rows[i].cells[kStartupColName] == name && rows.rows[i].cells[kStartupColLocation] == location) {
+                return static_cast<int>(i);
+            }
+        }
+        return -1;
+    };
+    list = w.Collect();
+    EXPECT_EQ(DeleteSelectedItem(w.ports, w.Places(), list, rowOf(list, "Same", "32-bit LM")), CommandEnd::Refresh);
+    EXPECT_EQ(w.registry.ValueNames(kLMRun32), std::vector<std::string>{"Other"});
+    list = checkView(w.Collect(), "True");
+    DisableCheckedItems(w.ports, w.Places(), list);
+    list = w.Collect();
+    EXPECT_EQ(DeleteSelectedItem(w.ports, w.Places(), list, rowOf(list, "Other", "32-bit LM")), CommandEnd::Refresh);
+    EXPECT_EQ(w.files.Content(kLM32Store), "");
+    EXPECT_TRUE(w.registry.ValueNames(kLMRun32).empty());
+    sixtyFourUntouched("after the deletes");
+    EXPECT_TRUE(w.prompts.shown.size() == 2u) << "the two questions of the deletes, nothing else";
+}
+
+// Disabling the 64-bit key's items rewrites its store from the rows whose
+// Location holds "HKLM": the 32-bit view's disabled rows stay out of it.
+TEST(StartupCommands, TheMachinesStoreNeverTakesThe32BitViewsLines) {
+    World w;
+    w.registry.PutString(kLMRun, "Live", "C:\\live.exe");
+    w.files.AddFile(kLM32Store, FormatStoreLine("Stored 32", "C:\\x86\\s.exe", "32-bit LM"));
+    StartupList list = w.Collect("All");
+    for (StartupRow& row : list.rows) row.checked = row.cells[kStartupColName] == "Live";
+    EXPECT_EQ(DisableCheckedItems(w.ports, w.Places(), list), CommandEnd::Refresh);
+    EXPECT_EQ(w.files.Content(kLMStore), FormatStoreLine("Live", "C:\\live.exe", "HKLM"));
+    EXPECT_EQ(w.files.Content(kLM32Store), FormatStoreLine("Stored 32", "C:\\x86\\s.exe", "32-bit LM"));
 }
 
 TEST(StartupCommands, WhatIsNotCheckedOrAlreadyThereIsPassedOver) {
@@ -347,14 +433,15 @@ TEST(StartupCommands, NoItemIsLostWhateverFailsOrWhereverItStops) {
     };
     {
         World w;
-        Populate(w);
+        Populate(w, true);
         const StartupList list = w.Collect();
         for (size_t i = 0; i < list.rows.size(); ++i) {
-            commands.push_back({"delete " + list.rows[i].cells[kStartupColName],
+            const std::string item = list.rows[i].cells[kStartupColName] + "|" + list.rows[i].cells[kStartupColLocation];
+            commands.push_back({"delete " + item,
                                 [i](World& w, StartupList& l) {
                                     DeleteSelectedItem(w.ports, w.Places(), l, static_cast<int>(i));
                                 },
-                                list.rows[i].cells[kStartupColName]});
+                                item});
         }
     }
     int runs = 0;
@@ -362,7 +449,7 @@ TEST(StartupCommands, NoItemIsLostWhateverFailsOrWhereverItStops) {
         for (const Fault fault : faults) {
             for (int n = 1;; ++n) {
                 World w;
-                const std::vector<Item> items = Populate(w);
+                const std::vector<Item> items = Populate(w, true);
                 StartupList list = CheckAll(w.Collect());
                 const bool registry = fault == Fault::RegistryFails || fault == Fault::RegistryCrashes;
                 const bool crash = fault == Fault::RegistryCrashes || fault == Fault::FilesCrash;

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <map>
+#include <optional>
+
 #include "contract/shortcuts_contract.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_report.h"
 #include "foundations/reference_list.h"
+#include "startup/startup_approved.h"
 #include "startup_world.h"
 
 namespace corvane {
@@ -59,14 +63,14 @@ TEST(StartupRows, RunKeyItemsResolvedFilledAndColoured) {
     ASSERT_EQ(list.rows.size(), 5u);
     using Cells = std::vector<std::string>;
     EXPECT_EQ(list.rows[0].cells, (Cells{"Alpha", "True", "HKLM", "\"C:\\Tools\\alpha.exe\" /min", "alpha.exe", "3.5",
-                                         "01/31/2003", "Maker", "Product", "What it does", "C:\\Tools\\"}));
+                                         "01/31/2003", "Maker", "Product", "What it does", "C:\\Tools\\", ""}));
     EXPECT_EQ(list.rows[0].mark, RowMark::None);
     EXPECT_EQ(list.rows[0].iconFile, "C:\\Tools\\alpha.exe");
     // The variable is expanded for the lookup only; the name is lowered before the list is asked.
     EXPECT_EQ(list.rows[1].cells[kStartupColCommand], "%WINDIR%\\Evil.exe");
     EXPECT_EQ(list.rows[1].cells[kStartupColFileName], "Evil.exe");
     EXPECT_EQ(list.rows[1].mark, RowMark::Suspicious);
-    EXPECT_EQ(list.rows[2].cells, (Cells{"Missing", "True", "HKCU", "C:\\Nowhere\\gone.exe", "", "", "", "", "", "", ""}));
+    EXPECT_EQ(list.rows[2].cells, (Cells{"Missing", "True", "HKCU", "C:\\Nowhere\\gone.exe", "", "", "", "", "", "", "", ""}));
     EXPECT_EQ(list.rows[2].iconFile, "");
     EXPECT_EQ(list.rows[3].cells[kStartupColPath], "C:\\Lib\\");
     EXPECT_EQ(list.rows[4].cells[kStartupColCommand], "42");
@@ -130,6 +134,9 @@ TEST(StartupRows, NodesAskTheirSourcesInOrderAndNameTheSelection) {
     w.files.AddFile(std::string(kApp) + "\\DHKCURunKey.run", FormatStoreLine("cu off", "C:\\p.exe", "HKCU"));
     w.AddShortcut(std::string(kApp) + "\\DLMStartup\\lm off.lnk", "C:\\p.exe");
     w.AddShortcut(std::string(kApp) + "\\DCUStartup\\cu off.lnk", "C:\\p.exe");
+    // The machine's Run key in the 32-bit view, and its store.
+    w.registry.PutString(kLMRun32, "lm32", "C:\\p.exe");
+    w.files.AddFile(std::string(kApp) + "\\DHKLM32RunKey.run", FormatStoreLine("lm32 off", "C:\\p.exe", "32-bit LM"));
 
     const struct {
         const char* key;
@@ -138,9 +145,11 @@ TEST(StartupRows, NodesAskTheirSourcesInOrderAndNameTheSelection) {
     } cases[] = {
         {"All",
          "Startup Items (Current Selection: All Items)",
-         {"lm", "lm.lnk", "cu", "cu.lnk", "lm off", "cu off", "lm off.lnk", "cu off.lnk"}},
-        {"LM", "Startup Items (Current Selection: Local Machine)", {"lm", "lm.lnk", "lm off", "lm off.lnk"}},
-        {"HKLM", "Startup Items (Current Selection: Local Machine Regitry)", {"lm", "lm off"}},
+         {"lm", "lm32", "lm.lnk", "cu", "cu.lnk", "lm off", "lm32 off", "cu off", "lm off.lnk", "cu off.lnk"}},
+        {"LM",
+         "Startup Items (Current Selection: Local Machine)",
+         {"lm", "lm32", "lm.lnk", "lm off", "lm32 off", "lm off.lnk"}},
+        {"HKLM", "Startup Items (Current Selection: Local Machine Regitry)", {"lm", "lm32", "lm off", "lm32 off"}},
         {"LMStartup", "Startup Items (Current Selection: Local Machine Startup Folder)", {"lm.lnk", "lm off.lnk"}},
         {"CU", "Startup Items (Current Selection: Current User)", {"cu", "cu.lnk", "cu off", "cu off.lnk"}},
         {"HKCU", "Startup Items (Current Selection: Current User Registry)", {"cu", "cu off"}},
@@ -219,7 +228,12 @@ TEST(StartupReport, OneBlockPerRowInTheListsOrder) {
     w.AddProgram("C:\\Tools\\alpha.exe");
     w.registry.PutString(kLMRun, "Alpha", "C:\\Tools\\alpha.exe /min");
     w.files.AddFile(std::string(kApp) + "\\DHKCURunKey.run", FormatStoreLine("Gone", "C:\\gone.exe", "HKCU"));
+    w.registry.PutString(kLMRun32, "Tool32", "C:\\x86\\tool.exe");
+    // What Windows disabled has no line of its own: the block keeps its shape.
+    w.registry.Put(std::string(kLMApproved) + "\\Run32", "Tool32", kRegBinary,
+                   ApprovalBytes(0x03, fakes::MakeFileTime(2024, 3, 5, 12)));
     const StartupList list = w.Collect("All");
+    ASSERT_EQ(list.rows[1].cells[kStartupColWindows], "Disabled by Windows on 2024-03-05");
     EXPECT_EQ(StartupReportBody(list.rows),
               "Startup Item : Alpha\r\n"
               "Enabled      : True\r\n"
@@ -233,6 +247,18 @@ TEST(StartupReport, OneBlockPerRowInTheListsOrder) {
               "Description  : What it does\r\n"
               "Path         : C:\\Tools\\\r\n"
               "\r\n"
+              "Startup Item : Tool32\r\n"
+              "Enabled      : True\r\n"
+              "Location     : Local Machine Run Key (32-bit)\r\n"
+              "Command      : C:\\x86\\tool.exe\r\n"
+              "File Name    : \r\n"
+              "Size (Kb)    : \r\n"
+              "Created on   : \r\n"
+              "Company Name : \r\n"
+              "Product Name : \r\n"
+              "Description  : \r\n"
+              "Path         : \r\n"
+              "\r\n"
               "Startup Item : Gone\r\n"
               "Enabled      : False\r\n"
               "Location     : Current User Run Key\r\n"
@@ -244,6 +270,136 @@ TEST(StartupReport, OneBlockPerRowInTheListsOrder) {
               "Product Name : \r\n"
               "Description  : \r\n"
               "Path         : \r\n");
+}
+
+// The value Windows keeps for an item it was told not to start: the low bit
+// of the flags decides, whatever else is set, and only 12 bytes count.
+TEST(StartupApproval, FlagsByTheirLowBitThenTheTimeOfTheChange) {
+    const FileTime when = fakes::MakeFileTime(2024, 3, 5, 12);
+    // 1 January 1970 UTC as Windows writes it: 116,444,736,000,000,000 ticks, little-endian.
+    const std::string epochDisabled("\x03\x00\x00\x00\x00\x80\x3E\xD5\xDE\xB1\x9D\x01", 12);
+    const struct {
+        std::string bytes;
+        std::optional<bool> disabled;
+        uint64_t ticks;
+        const char* why;
+    } cases[] = {
+        {ApprovalBytes(0x02, when), false, when.ticks, "02: enabled"},
+        {ApprovalBytes(0x03, when), true, when.ticks, "03: disabled"},
+        {ApprovalBytes(0x06, when), false, when.ticks, "06: enabled, though it is not 02"},
+        {ApprovalBytes(0x07, when), true, when.ticks, "07: disabled"},
+        {ApprovalBytes(0x0102, when), false, when.ticks, "bit 8 is not bit 0"},
+        {ApprovalBytes(0x01000002, when), false, when.ticks, "nor is bit 24"},
+        {ApprovalBytes(0xFFFFFFFF, when), true, when.ticks, "every bit"},
+        {epochDisabled, true, 116444736000000000ull, "the time is little-endian, behind the flags"},
+        {ApprovalBytes(0x03, when).substr(0, 11), std::nullopt, 0, "11 bytes"},
+        {ApprovalBytes(0x03, when) + '\0', std::nullopt, 0, "13 bytes"},
+        {ApprovalBytes(0x03, when).substr(0, 4), std::nullopt, 0, "the flags without a time"},
+        {"", std::nullopt, 0, "empty"},
+    };
+    for (const auto& c : cases) {
+        const auto* data = reinterpret_cast<const uint8_t*>(c.bytes.data());
+        const std::optional<StartupApproval> approval = ParseStartupApproval({data, c.bytes.size()});
+        ASSERT_EQ(approval.has_value(), c.disabled.has_value()) << c.why;
+        if (!approval) continue;
+        EXPECT_EQ(approval->disabled, *c.disabled) << c.why;
+        EXPECT_EQ(approval->changed.ticks, c.ticks) << c.why;
+    }
+}
+
+// The column gives the local date of the change, as the user's clock reads it.
+TEST(StartupApproval, TheColumnNamesTheLocalDayOfTheChange) {
+    const struct {
+        bool disabled;
+        FileTime changed;
+        int64_t offsetMinutes;
+        bool clockFails;
+        const char* expected;
+    } cases[] = {
+        {true, fakes::MakeFileTime(2024, 3, 5, 12), 0, false, "Disabled by Windows on 2024-03-05"},
+        {true, fakes::MakeFileTime(2023, 12, 31, 23, 30), 60, false, "Disabled by Windows on 2024-01-01"},
+        {true, fakes::MakeFileTime(2024, 3, 1, 0, 30), -60, false, "Disabled by Windows on 2024-02-29"},
+        {true, fakes::MakeFileTime(1970, 1, 1), 0, false, "Disabled by Windows on 1970-01-01"},
+        {false, fakes::MakeFileTime(2024, 3, 5, 12), 0, false, ""},
+        {true, FileTime{0}, 0, false, "Disabled by Windows"},
+        {true, FileTime{0xFFFFFFFFFFFFFFFFull}, 0, false, "Disabled by Windows"},
+        {true, fakes::MakeFileTime(2024, 3, 5, 12), 0, true, "Disabled by Windows"},
+    };
+    for (const auto& c : cases) {
+        fakes::FakeClock clock;
+        clock.utcOffsetMinutes = c.offsetMinutes;
+        clock.failConversions = c.clockFails;
+        EXPECT_EQ(WindowsSettingText(clock, {c.disabled, c.changed}), c.expected) << c.expected;
+    }
+}
+
+// Run applies to each hive's Run values, Run32 to the 32-bit view's, and
+// StartupFolder to the shortcuts of its hive's folder; a choice never
+// crosses to another place, and an item in a store is never marked.
+TEST(StartupRows, WhatWindowsDisabledIsNamedBesideTheItemsOfItsOwnPlace) {
+    World w;
+    w.clock.utcOffsetMinutes = 60;
+    w.AddProgram("C:\\p.exe");
+    for (const char* name : {"a", "b", "c", "d", "e", "Alpha", "shared"}) w.registry.PutString(kLMRun, name, "C:\\p.exe");
+    for (const char* name : {"shared", "only32"}) w.registry.PutString(kLMRun32, name, "C:\\p.exe");
+    for (const char* name : {"a", "cu"}) w.registry.PutString(kCURun, name, "C:\\p.exe");
+    w.AddShortcut(std::string(kCommonStartup) + "\\lm.lnk", "C:\\p.exe");
+    w.AddShortcut(std::string(kCommonStartup) + "\\LM2.lnk", "C:\\p.exe");
+    w.AddShortcut(std::string(kUserStartup) + "\\cu.lnk", "C:\\p.exe");
+    w.files.AddFile(std::string(kApp) + "\\DHKLMRunKey.run", FormatStoreLine("a", "C:\\p.exe", "HKLM"));
+
+    const FileTime march = fakes::MakeFileTime(2024, 3, 5, 12);
+    const FileTime newYear = fakes::MakeFileTime(2023, 12, 31, 23, 30);  // 2024-01-01 at UTC+1
+    const std::string lm = kLMApproved, cu = kCUApproved;
+    const struct {
+        std::string key;
+        const char* name;
+        std::string bytes;
+    } choices[] = {
+        {lm + "\\Run", "a", ApprovalBytes(0x03, march)},
+        {lm + "\\Run", "b", ApprovalBytes(0x06, march)},
+        {lm + "\\Run", "c", ApprovalBytes(0x07, newYear)},
+        {lm + "\\Run", "d", ApprovalBytes(0x02, march)},
+        {lm + "\\Run", "e", ApprovalBytes(0x03, march).substr(0, 11)},
+        {lm + "\\Run", "ALPHA", ApprovalBytes(0x03, march)},
+        {lm + "\\Run", "shared", ApprovalBytes(0x03, march)},
+        {lm + "\\Run", "only32", ApprovalBytes(0x03, march)},
+        {lm + "\\Run", "lm.lnk", ApprovalBytes(0x03, march)},
+        {lm + "\\Run32", "shared", ApprovalBytes(0x02, march)},
+        {lm + "\\Run32", "only32", ApprovalBytes(0x07, newYear)},
+        {lm + "\\StartupFolder", "lm.lnk", ApprovalBytes(0x03, march)},
+        {lm + "\\StartupFolder", "lm2.LNK", ApprovalBytes(0x07, march)},
+        {lm + "\\StartupFolder", "cu.lnk", ApprovalBytes(0x03, march)},
+        {cu + "\\Run", "cu", ApprovalBytes(0x03, march)},
+        {cu + "\\Run", "a", ApprovalBytes(0x02, march)},
+        {cu + "\\Run32", "a", ApprovalBytes(0x03, march)},
+        {cu + "\\StartupFolder", "cu.lnk", ApprovalBytes(0x07, newYear)},
+    };
+    for (const auto& c : choices) w.registry.Put(c.key, c.name, kRegBinary, c.bytes);
+
+    const std::string inMarch = "Disabled by Windows on 2024-03-05", onNewYear = "Disabled by Windows on 2024-01-01";
+    const std::map<std::string, std::string> expected = {
+        {"a|HKLM|True", inMarch},      {"b|HKLM|True", ""},
+        {"c|HKLM|True", onNewYear},    {"d|HKLM|True", ""},
+        {"e|HKLM|True", ""},           {"Alpha|HKLM|True", inMarch},
+        {"shared|HKLM|True", inMarch}, {"shared|32-bit LM|True", ""},
+        {"only32|32-bit LM|True", onNewYear},
+        {"a|HKCU|True", ""},           {"cu|HKCU|True", inMarch},
+        {"lm.lnk|Startup LM|True", inMarch}, {"LM2.lnk|Startup LM|True", inMarch},
+        {"cu.lnk|Startup CU|True", onNewYear},
+        {"a|HKLM|False", ""},
+    };
+    std::map<std::string, std::string> got;
+    for (const StartupRow& row : w.Collect("All").rows) {
+        got[row.cells[kStartupColName] + "|" + row.cells[kStartupColLocation] + "|" + row.cells[kStartupColEnabled]] =
+            row.cells[kStartupColWindows];
+        EXPECT_EQ(row.cells[kStartupColEnabled] == "True", IsLive(row)) << "Windows' choice leaves Enabled alone";
+    }
+    EXPECT_EQ(got, expected);
+    // A node that reads one place marks it the same way.
+    const StartupList folder = w.Collect("CUStartup");
+    ASSERT_EQ(folder.rows.size(), 1u);
+    EXPECT_EQ(folder.rows[0].cells[kStartupColWindows], onNewYear);
 }
 
 TEST(StartupRows, EveryRunValueIsListedWhateverItsNameOrData) {

@@ -1,6 +1,8 @@
 #pragma once
 // A machine in memory for the startup tests: both Run keys, both startup
 // folders, the program's folder with its stores, and the files the items run.
+// The machine is a 64-bit Windows: the fake registry keeps the 32-bit view
+// of HKLM\Software under Wow6432Node, where kLMRun32 reaches its Run key.
 #include <string>
 
 #include "fakes/fake_clock.h"
@@ -19,6 +21,18 @@ inline constexpr const char* kCommonStartup = "C:\\All Users\\Start Menu\\Progra
 inline constexpr const char* kUserStartup = "C:\\Me\\Start Menu\\Programs\\Startup";
 inline constexpr const char* kLMRun = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 inline constexpr const char* kCURun = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+inline constexpr const char* kLMRun32 = "HKLM\\Software\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Run";
+// Where Windows 8 and later keep the user's choices of what starts.
+inline constexpr const char* kLMApproved = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved";
+inline constexpr const char* kCUApproved = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved";
+
+// A StartupApproved value: four bytes of flags, then the FILETIME of the change.
+inline std::string ApprovalBytes(uint32_t flags, FileTime changed) {
+    std::string bytes;
+    for (int i = 0; i < 4; ++i) bytes += static_cast<char>((flags >> (8 * i)) & 0xFF);
+    for (int i = 0; i < 8; ++i) bytes += static_cast<char>((changed.ticks >> (8 * i)) & 0xFF);
+    return bytes;
+}
 
 struct World {
     fakes::FakeRegistry registry;

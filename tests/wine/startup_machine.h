@@ -2,9 +2,11 @@
 // The startup sources of the Wine prefix made ready for a test: values of
 // our own in both Run keys (startup_run.reg), shortcuts of our own in both
 // startup folders, the programs they start, and a program folder of its own
-// with the suspicious list. Every name starts with "CorvaneTest", and what
-// an earlier run left is removed first. Tests that use it take
-// RESOURCE_LOCK startup_sources.
+// with the suspicious list. Tests add values of the machine's Run key in the
+// 32-bit view (SetRun32) and Windows' choices under StartupApproved
+// (SetApproval) as they need them. Every name starts with "CorvaneTest", and
+// what an earlier run left is removed first, in both views and under
+// StartupApproved. Tests that use it take RESOURCE_LOCK startup_sources.
 #include <windows.h>
 #include <shlobj.h>
 
@@ -20,6 +22,10 @@
 namespace corvane::wine {
 
 inline constexpr const char* kStartupFiles = "C:\\corvane-tests\\startup-files";
+inline constexpr const char* kApprovedKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved\\";
+
+// Deletes the values of ours under `path` in the view `view`.
+inline void DeleteOurValues(HKEY hive, const std::string& path, REGSAM view);
 
 struct StartupMachine {
     std::string app;            // the program's folder for the test
@@ -29,18 +35,16 @@ struct StartupMachine {
 
     static bool Ours(const std::string& name) { return name.rfind("CorvaneTest", 0) == 0; }
 
-    // Removes every value and shortcut of ours from the live sources.
+    // Removes every value and shortcut of ours from the live sources and
+    // every choice of ours from StartupApproved.
     void Clear() {
-        Win32Registry registry;
-        for (RegKey hive : {kHKeyLocalMachine, kHKeyCurrentUser}) {
-            HKEY key;
-            if (RegOpenKeyExA(reinterpret_cast<HKEY>(hive), kRunKeyPath, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) {
-                continue;
+        DeleteOurValues(HKEY_LOCAL_MACHINE, kRunKeyPath, 0);
+        DeleteOurValues(HKEY_LOCAL_MACHINE, kRunKeyPath, KEY_WOW64_32KEY);
+        DeleteOurValues(HKEY_CURRENT_USER, kRunKeyPath, 0);
+        for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+            for (const char* place : {"Run", "Run32", "StartupFolder"}) {
+                DeleteOurValues(hive, std::string(kApprovedKey) + place, 0);
             }
-            for (const RegValueEntry& entry : EnumRegValues(registry, hive, kRunKeyPath)) {
-                if (Ours(entry.name)) RegDeleteValueA(key, entry.name.c_str());
-            }
-            RegCloseKey(key);
         }
         for (const std::string& folder : {commonStartup, userStartup}) {
             if (folder.empty()) continue;
@@ -88,12 +92,50 @@ struct StartupMachine {
     }
 
     ~StartupMachine() { Clear(); }
+
+    // A value of the machine's Run key in the 32-bit view, written as a
+    // 32-bit program's installer writes it.
+    static bool SetRun32(const std::string& name, const std::string& command) {
+        return SetValue(HKEY_LOCAL_MACHINE, kRunKeyPath, KEY_WOW64_32KEY, name, REG_SZ, command + '\0');
+    }
+    // Windows' choice for an item: `place` is "Run", "Run32" or "StartupFolder".
+    static bool SetApproval(HKEY hive, const std::string& place, const std::string& name, const std::string& bytes) {
+        return SetValue(hive, std::string(kApprovedKey) + place, 0, name, REG_BINARY, bytes);
+    }
+    static bool SetValue(HKEY hive, const std::string& path, REGSAM view, const std::string& name, DWORD type,
+                         const std::string& bytes) {
+        HKEY key;
+        if (RegCreateKeyExA(hive, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | view, nullptr, &key, nullptr) !=
+            ERROR_SUCCESS) {
+            return false;
+        }
+        const LONG result = RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
+                                           static_cast<DWORD>(bytes.size()));
+        RegCloseKey(key);
+        return result == ERROR_SUCCESS;
+    }
 };
 
-// The raw bytes and type of a value, or an empty text and type 0 when it is missing.
-inline std::pair<std::string, DWORD> RawValue(HKEY hive, const std::string& name) {
+inline void DeleteOurValues(HKEY hive, const std::string& path, REGSAM view) {
     HKEY key;
-    if (RegOpenKeyExA(hive, kRunKeyPath, 0, KEY_READ, &key) != ERROR_SUCCESS) return {};
+    if (RegOpenKeyExA(hive, path.c_str(), 0, KEY_ALL_ACCESS | view, &key) != ERROR_SUCCESS) return;
+    std::vector<std::string> ours;
+    for (DWORD index = 0;; ++index) {
+        char name[16384];
+        DWORD length = sizeof name;
+        const LONG result = RegEnumValueA(key, index, name, &length, nullptr, nullptr, nullptr, nullptr);
+        if (result == ERROR_NO_MORE_ITEMS) break;
+        if (result == ERROR_SUCCESS && StartupMachine::Ours(std::string(name, length))) ours.emplace_back(name, length);
+    }
+    for (const std::string& name : ours) RegDeleteValueA(key, name.c_str());
+    RegCloseKey(key);
+}
+
+// The raw bytes and type of a Run value, in the view `view`, or an empty
+// text and type 0 when it is missing.
+inline std::pair<std::string, DWORD> RawValue(HKEY hive, const std::string& name, REGSAM view = 0) {
+    HKEY key;
+    if (RegOpenKeyExA(hive, kRunKeyPath, 0, KEY_READ | view, &key) != ERROR_SUCCESS) return {};
     DWORD type = 0, size = 0;
     std::string data;
     if (RegQueryValueExA(key, name.c_str(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS) {

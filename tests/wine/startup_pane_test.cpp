@@ -6,6 +6,8 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <cstring>
+
 #include "fakes/fakes.h"
 #include "res/resource.h"
 #include "ui/app_context.h"
@@ -277,6 +279,73 @@ TEST_F(StartupPaneUnderWine, DisableEnableDeleteAndTheOtherCommands) {
                         "Location     : Local Machine Run Key\r\n"),
               std::string::npos);
     EXPECT_EQ(shell_.opened.back(), report);
+}
+
+// A 32-bit program's Run value shows under the machine's nodes with its own
+// Location, and what Windows disabled is named in the last column, sized to
+// its text.
+TEST_F(StartupPaneUnderWine, The32BitViewAndWhatWindowsDisabled) {
+    ASSERT_TRUE(wine::StartupMachine::SetRun32("CorvaneTest Wow", machine_.full + " /x86"));
+    SYSTEMTIME noon{2024, 3, 2, 5, 12, 0, 0, 0};
+    FILETIME changed;
+    ASSERT_TRUE(SystemTimeToFileTime(&noon, &changed));
+    std::string off(12, '\0');
+    off[0] = 0x03;
+    memcpy(&off[4], &changed, sizeof changed);
+    ASSERT_TRUE(wine::StartupMachine::SetApproval(HKEY_LOCAL_MACHINE, "Run32", "CorvaneTest Wow", off));
+    Open();
+
+    HWND header = reinterpret_cast<HWND>(SendMessageA(list_, LVM_GETHEADER, 0, 0));
+    ASSERT_EQ(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0), 12);
+    char caption[64] = {};
+    LVCOLUMNA column{};
+    column.mask = LVCF_TEXT;
+    column.pszText = caption;
+    column.cchTextMax = sizeof caption;
+    SendMessageA(list_, LVM_GETCOLUMNA, kStartupColWindows, reinterpret_cast<LPARAM>(&column));
+    EXPECT_STREQ(caption, "Windows Setting");
+
+    const int wow = Item("CorvaneTest Wow");
+    ASSERT_GE(wow, 0);
+    EXPECT_EQ(GetItemText(list_, wow, kStartupColLocation), "32-bit LM");
+    EXPECT_EQ(GetItemText(list_, wow, kStartupColFileName), "full.exe");
+    const std::string text = "Disabled by Windows on 2024-03-05";
+    EXPECT_EQ(GetItemText(list_, wow, kStartupColWindows), text);
+    EXPECT_EQ(GetItemText(list_, Item("CorvaneTest Plain"), kStartupColWindows), "");
+    const int width = static_cast<int>(SendMessageA(list_, LVM_GETCOLUMNWIDTH, kStartupColWindows, 0));
+    EXPECT_GE(width, static_cast<int>(SendMessageA(list_, LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(text.c_str()))))
+        << "the column is as wide as its text";
+
+    // The machine's nodes show it; the user's do not.
+    HTREEITEM items[7] = {};
+    items[0] = reinterpret_cast<HTREEITEM>(SendMessageA(tree_, TVM_GETNEXTITEM, TVGN_ROOT, 0));
+    for (int i = 1; i < 7; ++i) {
+        items[i] = reinterpret_cast<HTREEITEM>(SendMessageA(tree_, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE,
+                                                            reinterpret_cast<LPARAM>(items[i - 1])));
+    }
+    for (const int node : {1, 2, 3, 4, 5, 6}) {
+        SelectNode(tree_, items[node]);
+        Pump();
+        EXPECT_EQ(Item("CorvaneTest Wow") >= 0, node == 1 || node == 2) << Caption();
+    }
+
+    // Disabled and enabled through the pane, it stays in the 32-bit view.
+    SelectNode(tree_, items[2]);
+    Pump();
+    Check(Item("CorvaneTest Wow"));
+    Click(IDC_STARTUP_DISABLE);
+    EXPECT_TRUE(prompts_.shown.empty());
+    const int stored = Item("CorvaneTest Wow", "False");
+    ASSERT_GE(stored, 0);
+    EXPECT_EQ(GetItemText(list_, stored, kStartupColLocation), "32-bit LM");
+    EXPECT_EQ(GetItemText(list_, stored, kStartupColWindows), "") << "a stored item is Corvane's to start, not Windows'";
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Wow", KEY_WOW64_32KEY).second, 0u);
+    Check(stored);
+    Click(IDC_STARTUP_ENABLE);
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Wow", KEY_WOW64_32KEY).first,
+              machine_.full + " /x86" + '\0');
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Wow", KEY_WOW64_64KEY).second, 0u);
+    EXPECT_EQ(GetItemText(list_, Item("CorvaneTest Wow"), kStartupColWindows), text);
 }
 
 // Store files as a user's editor may leave them: the pane reads what the

@@ -2,7 +2,9 @@
 // and version resources.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <map>
+#include <optional>
 
 #include "contract/shortcuts_contract.h"
 #include "fakes/fakes.h"
@@ -164,6 +166,163 @@ TEST(StartupUnderWine, DisableThenEnableGivesBackTheValueAndTheShortcutByteForBy
     EXPECT_EQ(wine::FileBytes(machine.app + "\\DHKLMRunKey.run"), "");
     EXPECT_NE(GetFileAttributesA((machine.app + "\\DHKLMRunKey.run").c_str()), INVALID_FILE_ATTRIBUTES)
         << "an emptied store stays, with length 0";
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes) {
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    DWORD written = 0;
+    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    CloseHandle(file);
+}
+
+// `reg query` of a value of the machine's Run key in one view: its output
+// when the value is there, nothing when it is not.
+std::optional<std::string> RegQuery(const std::string& name, const char* view) {
+    const wine::RunResult run = wine::Run("reg query \"HKLM\\" + std::string(kRunKeyPath) + "\" /v \"" + name + "\" " + view);
+    if (run.exitCode != 0) return std::nullopt;
+    return run.output;
+}
+
+// A 32-bit program's Run value is listed beside the 64-bit ones under the
+// machine's nodes, goes to its own store, and comes back to the 32-bit view
+// only; the 64-bit value of the same name is never touched, and the stores
+// that were there before read as they did.
+TEST(StartupUnderWine, The32BitViewsRunValuesKeepToTheirView) {
+    wine::StartupMachine machine;
+    machine.Setup();
+    const std::string wow = "\"" + machine.full + "\" /x86";
+    ASSERT_TRUE(wine::StartupMachine::SetRun32("CorvaneTest Wow", wow));
+    ASSERT_TRUE(wine::StartupMachine::SetRun32("CorvaneTest Quoted", machine.plain + " /32"));
+    const auto sixtyFour = wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Quoted", KEY_WOW64_64KEY);
+    ASSERT_EQ(sixtyFour.second, static_cast<DWORD>(REG_SZ));
+    const std::string before64 = FormatStoreLine("CorvaneTest Before", machine.plain, "HKLM");
+    const std::string beforeCU = FormatStoreLine("CorvaneTest Before CU", machine.full + " -x", "HKCU");
+    WriteBytes(machine.app + "\\DHKLMRunKey.run", before64);
+    WriteBytes(machine.app + "\\DHKCURunKey.run", beforeCU);
+
+    Live live;
+    const StartupPlaces places = LoadStartupPlaces(live.sources, machine.app);
+    MakeStoreFolders(live.files, machine.app);
+    auto locationsOf = [&](const std::string& node) {
+        std::map<std::string, std::string> found;  // "name|enabled" -> location, of the rows not of the 64-bit key
+        for (const StartupRow& row : CollectStartupItems(live.sources, places, node).rows) {
+            const std::string& location = row.cells[kStartupColLocation];
+            if (wine::StartupMachine::Ours(row.cells[kStartupColName]) && location != "HKLM" && location != "HKCU" &&
+                location.rfind("Startup", 0) != 0) {
+                found[row.cells[kStartupColName] + "|" + row.cells[kStartupColEnabled]] = location;
+            }
+        }
+        return found;
+    };
+    const std::map<std::string, std::string> both = {{"CorvaneTest Quoted|True", "32-bit LM"},
+                                                     {"CorvaneTest Wow|True", "32-bit LM"}};
+    for (const char* node : {"All", "LM", "HKLM"}) EXPECT_EQ(locationsOf(node), both) << node;
+    for (const char* node : {"LMStartup", "CU", "HKCU", "CUStartup"}) EXPECT_TRUE(locationsOf(node).empty()) << node;
+    const auto rows = live.Rows(places);
+    EXPECT_EQ(rows.at("CorvaneTest Before|False").cells[kStartupColLocation], "HKLM");
+    EXPECT_EQ(rows.at("CorvaneTest Before|False").cells[kStartupColFileName], "plain.exe");
+    EXPECT_EQ(rows.at("CorvaneTest Before CU|False").cells[kStartupColCommand], machine.full + " -x");
+
+    StartupList list = CollectStartupItems(live.sources, places, "All");
+    bool found = false;
+    for (StartupRow& row : list.rows) {
+        row.checked = row.cells[kStartupColLocation] == "32-bit LM" && wine::StartupMachine::Ours(row.cells[0]);
+        if (row.checked && row.cells[kStartupColName] == "CorvaneTest Wow") {
+            found = true;
+            EXPECT_EQ(row.cells[kStartupColFileName], "full.exe");
+            EXPECT_EQ(row.cells[kStartupColCommand], wow);
+        }
+    }
+    ASSERT_TRUE(found);
+    ASSERT_EQ(DisableCheckedItems(live.ports, places, list), CommandEnd::Refresh);
+    EXPECT_TRUE(live.prompts.shown.empty());
+    EXPECT_FALSE(RegQuery("CorvaneTest Wow", "/reg:32"));
+    EXPECT_FALSE(RegQuery("CorvaneTest Quoted", "/reg:32"));
+    const auto after64 = RegQuery("CorvaneTest Quoted", "/reg:64");
+    ASSERT_TRUE(after64) << "the 64-bit value of the same name stays";
+    EXPECT_NE(after64->find("\"" + machine.full + "\" /min"), std::string::npos) << *after64;
+    EXPECT_EQ(wine::FileBytes(machine.app + "\\DHKLM32RunKey.run"),
+              FormatStoreLine("CorvaneTest Quoted", machine.plain + " /32", "32-bit LM") +
+                  FormatStoreLine("CorvaneTest Wow", wow, "32-bit LM"))
+        << "in the list's order, which is Wine's sorted order of values";
+    EXPECT_EQ(wine::FileBytes(machine.app + "\\DHKLMRunKey.run"), before64);
+    EXPECT_EQ(wine::FileBytes(machine.app + "\\DHKCURunKey.run"), beforeCU);
+
+    list = CollectStartupItems(live.sources, places, "HKLM");
+    for (StartupRow& row : list.rows) {
+        row.checked = row.cells[kStartupColLocation] == "32-bit LM" && row.cells[kStartupColEnabled] == "False";
+    }
+    ASSERT_EQ(EnableCheckedItems(live.ports, places, list), CommandEnd::Refresh);
+    EXPECT_TRUE(live.prompts.shown.empty());
+    const auto back = RegQuery("CorvaneTest Wow", "/reg:32");
+    ASSERT_TRUE(back);
+    EXPECT_NE(back->find("REG_SZ"), std::string::npos) << *back;
+    EXPECT_FALSE(RegQuery("CorvaneTest Wow", "/reg:64")) << "never written to the other view";
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Wow", KEY_WOW64_32KEY).first, wow + '\0');
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Quoted", KEY_WOW64_32KEY).first,
+              machine.plain + " /32" + '\0');
+    EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Quoted", KEY_WOW64_64KEY), sixtyFour);
+    EXPECT_EQ(wine::FileBytes(machine.app + "\\DHKLM32RunKey.run"), "");
+    EXPECT_EQ(wine::FileBytes(machine.app + "\\DHKLMRunKey.run"), before64);
+}
+
+// Windows' choices under StartupApproved, as Task Manager leaves them: Run
+// for each hive's Run values, Run32 for the 32-bit view's, StartupFolder for
+// the shortcuts of the hive's folder. The flags are read by their low bit and
+// a value of another length is passed over.
+TEST(StartupUnderWine, WhatWindowsDisabledIsNamedInItsColumn) {
+    wine::StartupMachine machine;
+    machine.Setup();
+    ASSERT_TRUE(wine::StartupMachine::SetRun32("CorvaneTest Wow", machine.full));
+    ASSERT_TRUE(wine::StartupMachine::SetRun32("CorvaneTest Wow On", machine.full));
+    // 5 March 2024, noon UTC: the same day in every time zone Wine may be set to.
+    SYSTEMTIME noon{2024, 3, 2, 5, 12, 0, 0, 0};
+    FILETIME changed;
+    ASSERT_TRUE(SystemTimeToFileTime(&noon, &changed));
+    auto approval = [&](uint8_t flags) {
+        std::string bytes(12, '\0');
+        bytes[0] = static_cast<char>(flags);
+        memcpy(&bytes[4], &changed, sizeof changed);
+        return bytes;
+    };
+    const struct {
+        HKEY hive;
+        const char* place;
+        const char* name;
+        std::string bytes;
+    } choices[] = {
+        {HKEY_LOCAL_MACHINE, "Run", "CorvaneTest Quoted", approval(0x03)},
+        {HKEY_LOCAL_MACHINE, "Run", "CorvaneTest Plain", approval(0x06)},
+        {HKEY_LOCAL_MACHINE, "Run", "CorvaneTest Missing", approval(0x02)},
+        {HKEY_LOCAL_MACHINE, "Run", "CorvaneTest Wow", approval(0x03)},  // Run is not the 32-bit view's
+        {HKEY_LOCAL_MACHINE, "Run32", "CorvaneTest Wow", approval(0x07)},
+        {HKEY_LOCAL_MACHINE, "Run32", "CorvaneTest Wow On", approval(0x02)},
+        {HKEY_CURRENT_USER, "Run", "CorvaneTest Evil", approval(0x03).substr(0, 8)},
+        {HKEY_CURRENT_USER, "Run", "CorvaneTest Spaced", approval(0x07)},
+        {HKEY_LOCAL_MACHINE, "StartupFolder", "CorvaneTest LM.lnk", approval(0x03)},
+        {HKEY_CURRENT_USER, "StartupFolder", "CorvaneTest CU.lnk", approval(0x06)},
+    };
+    for (const auto& c : choices) ASSERT_TRUE(wine::StartupMachine::SetApproval(c.hive, c.place, c.name, c.bytes)) << c.name;
+
+    Live live;
+    const StartupPlaces places = LoadStartupPlaces(live.sources, machine.app);
+    std::map<std::string, std::string> texts;  // "name|location" -> the column
+    for (const StartupRow& row : CollectStartupItems(live.sources, places, "All").rows) {
+        if (!wine::StartupMachine::Ours(row.cells[kStartupColName])) continue;
+        texts[row.cells[kStartupColName] + "|" + row.cells[kStartupColLocation]] = row.cells[kStartupColWindows];
+        EXPECT_EQ(row.cells[kStartupColEnabled], "True") << "the item itself stays where it is";
+    }
+    const std::string off = "Disabled by Windows on 2024-03-05";
+    const std::map<std::string, std::string> expected = {
+        {"CorvaneTest Quoted|HKLM", off},     {"CorvaneTest Plain|HKLM", ""},
+        {"CorvaneTest Missing|HKLM", ""},     {"CorvaneTest Caf\xE9|HKLM", ""},
+        {"CorvaneTest Wow|32-bit LM", off},   {"CorvaneTest Wow On|32-bit LM", ""},
+        {"CorvaneTest Env|HKCU", ""},         {"CorvaneTest Env Args|HKCU", ""},
+        {"CorvaneTest Rundll|HKCU", ""},      {"CorvaneTest Spaced|HKCU", off},
+        {"CorvaneTest Evil|HKCU", ""},        {"CorvaneTest LM.lnk|Startup LM", off},
+        {"CorvaneTest CU.lnk|Startup CU", ""},
+    };
+    EXPECT_EQ(texts, expected);
 }
 
 // CorvaneReport.exe collects the startup area anew and writes the blocks the
