@@ -11,6 +11,7 @@
 // 64-bit system keeps it. The system folder is C:\corvane-bench-other\Windows.
 #include <windows.h>
 #include <commctrl.h>
+#include <shlobj.h>
 #include <shlwapi.h>
 
 #include <algorithm>

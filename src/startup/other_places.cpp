@@ -1,6 +1,7 @@
 #include "startup/other_places.h"
 
 #include <array>
+#include <functional>
 #include <cctype>
 
 #include "foundations/functions.h"
@@ -99,13 +100,6 @@ bool HasExtension(const std::string& name) {
     return dot != std::string::npos && dot + 1 < name.size();
 }
 
-// The places of one key in the 64-bit view, the 32-bit view, and the user's hive.
-struct ViewedKey {
-    RegKey hive;
-    uint32_t view;
-    const char* location;
-};
-
 RegValueList ValuesAt(Registry& registry, RegKey hive, const std::string& path, uint32_t view) {
     RegKey key = 0;
     if (registry.OpenKey(hive, path, kKeyRead | view, key) != kRegOk) return {};
@@ -153,26 +147,17 @@ public:
     }
 
     void All() {
-        const std::array<uint32_t, 2> machineViews = {kKeyWow64_64Key, kKeyWow64_32Key};
-        const ViewedKey runOnce[] = {{kHKeyLocalMachine, machineViews[0], kLocRunOnceLM},
-                                     {kHKeyLocalMachine, machineViews[1], kLocRunOnceLM32},
-                                     {kHKeyCurrentUser, 0, kLocRunOnceCU}};
-        for (const ViewedKey& place : runOnce) CommandValues(place, kRunOnceKey);
-        const ViewedKey runOnceEx[] = {{kHKeyLocalMachine, machineViews[0], kLocRunOnceExLM},
-                                       {kHKeyLocalMachine, machineViews[1], kLocRunOnceExLM32},
-                                       {kHKeyCurrentUser, 0, kLocRunOnceExCU}};
-        for (const ViewedKey& place : runOnceEx) RunOnceEx(place);
-        const ViewedKey policyRun[] = {{kHKeyLocalMachine, machineViews[0], kLocPolicyRunLM},
-                                       {kHKeyLocalMachine, machineViews[1], kLocPolicyRunLM32},
-                                       {kHKeyCurrentUser, 0, kLocPolicyRunCU}};
-        for (const ViewedKey& place : policyRun) CommandValues(place, kPolicyRunKey);
+        Views([this](RegKey hive, uint32_t view) { return CommandValues(hive, view, kRunOnceKey); }, kLocRunOnceLM,
+              kLocRunOnceLM32, kLocRunOnceCU);
+        Views([this](RegKey hive, uint32_t view) { return RunOnceEx(hive, view); }, kLocRunOnceExLM, kLocRunOnceExLM32,
+              kLocRunOnceExCU);
+        Views([this](RegKey hive, uint32_t view) { return CommandValues(hive, view, kPolicyRunKey); }, kLocPolicyRunLM,
+              kLocPolicyRunLM32, kLocPolicyRunCU);
         Winlogon();
-        ActiveSetup({kHKeyLocalMachine, machineViews[0], kLocActiveSetup});
-        ActiveSetup({kHKeyLocalMachine, machineViews[1], kLocActiveSetup32});
-        AppInit({kHKeyLocalMachine, machineViews[0], kLocAppInit});
-        AppInit({kHKeyLocalMachine, machineViews[1], kLocAppInit32});
-        Debuggers({kHKeyLocalMachine, machineViews[0], kLocDebugger});
-        Debuggers({kHKeyLocalMachine, machineViews[1], kLocDebugger32});
+        Views([this](RegKey hive, uint32_t view) { return ActiveSetup(hive, view); }, kLocActiveSetup,
+              kLocActiveSetup32);
+        Views([this](RegKey hive, uint32_t view) { return AppInit(hive, view); }, kLocAppInit, kLocAppInit32);
+        Views([this](RegKey hive, uint32_t view) { return Debuggers(hive, view); }, kLocDebugger, kLocDebugger32);
         Tasks(systemRoot_ + "\\System32\\Tasks", "", 0);
         Services();
         Msconfig("startupreg", kLocMsconfigReg);
@@ -180,6 +165,30 @@ public:
     }
 
 private:
+    // An entry of a registry place: its name, its command as it stands, and
+    // the text that names its program.
+    struct Found {
+        std::string name, command, program;
+        bool operator==(const Found&) const = default;
+    };
+    using Reader = std::function<std::vector<Found>(RegKey hive, uint32_t view)>;
+
+    // A place of the machine's Software key in both views, and of the user's
+    // when `user` is given. Some keys are shared by both views (the system
+    // keeps one key for both, as it does for the policies): the 32-bit view
+    // is listed only when it holds other entries than the 64-bit one.
+    void Views(const Reader& read, const char* native, const char* wow, const char* user = nullptr) {
+        const std::vector<Found> wide = read(kHKeyLocalMachine, kKeyWow64_64Key);
+        const std::vector<Found> narrow = read(kHKeyLocalMachine, kKeyWow64_32Key);
+        Emit(wide, native);
+        if (narrow != wide) Emit(narrow, wow);
+        if (user) Emit(read(kHKeyCurrentUser, 0), user);
+    }
+
+    void Emit(const std::vector<Found>& found, const char* location) {
+        for (const Found& entry : found) Row(entry.name, entry.command, location, true, FileOf(entry.program));
+    }
+
     bool Exists(const std::string& path) { return !path.empty() && sources_.facts.Exists(path); }
 
     // The file a command runs: by the run items' rule when that finds a
@@ -201,20 +210,25 @@ private:
         Row(name, command, location, enabled, FileOf(command));
     }
 
-    void CommandValues(const ViewedKey& place, const char* key) {
-        for (const RegValueEntry& entry : ValuesAt(sources_.registry, place.hive, key, place.view)) {
-            Row(entry.name, TextOf(entry), place.location);
+    // A value without a command starts nothing.
+    std::vector<Found> CommandValues(RegKey hive, uint32_t view, const char* key) {
+        std::vector<Found> found;
+        for (const RegValueEntry& entry : ValuesAt(sources_.registry, hive, key, view)) {
+            const std::string command = TextOf(entry);
+            if (!Trim(command).empty()) found.push_back({entry.name, command, command});
         }
+        return found;
     }
 
     // RunOnceEx: a subkey per section, a value per entry, "file|function|arguments"
     // or "||command line"; the section's default value is its title.
-    void RunOnceEx(const ViewedKey& place) {
-        for (const std::string& section : SubkeysAt(sources_.registry, place.hive, kRunOnceExKey, place.view)) {
+    std::vector<Found> RunOnceEx(RegKey hive, uint32_t view) {
+        std::vector<Found> found;
+        for (const std::string& section : SubkeysAt(sources_.registry, hive, kRunOnceExKey, view)) {
             const std::string path = std::string(kRunOnceExKey) + "\\" + section;
-            for (const RegValueEntry& entry : ValuesAt(sources_.registry, place.hive, path, place.view)) {
-                if (entry.name.empty()) continue;
+            for (const RegValueEntry& entry : ValuesAt(sources_.registry, hive, path, view)) {
                 const std::string command = TextOf(entry);
+                if (entry.name.empty() || Trim(command).empty()) continue;
                 std::string program = command;
                 if (const size_t bar = command.find('|'); bar != std::string::npos) {
                     program = command.substr(0, bar);
@@ -223,9 +237,10 @@ private:
                         program = second == std::string::npos ? std::string() : command.substr(second + 1);
                     }
                 }
-                Row(section + "\\" + entry.name, command, place.location, true, FileOf(program));
+                found.push_back({section + "\\" + entry.name, command, program});
             }
         }
+        return found;
     }
 
     void Winlogon() {
@@ -249,39 +264,43 @@ private:
         }
     }
 
-    void ActiveSetup(const ViewedKey& place) {
-        for (const std::string& component : SubkeysAt(sources_.registry, place.hive, kActiveSetupKey, place.view)) {
+    std::vector<Found> ActiveSetup(RegKey hive, uint32_t view) {
+        std::vector<Found> found;
+        for (const std::string& component : SubkeysAt(sources_.registry, hive, kActiveSetupKey, view)) {
             const RegValueList values =
-                ValuesAt(sources_.registry, place.hive, std::string(kActiveSetupKey) + "\\" + component, place.view);
+                ValuesAt(sources_.registry, hive, std::string(kActiveSetupKey) + "\\" + component, view);
             const std::string stub = ValueText(values, "StubPath");
             if (Trim(stub).empty()) continue;
             const std::string title = ValueText(values, "");
-            Row(Trim(title).empty() ? component : title, stub, place.location);
+            found.push_back({Trim(title).empty() ? component : title, stub, stub});
         }
+        return found;
     }
 
     // AppInit_DLLs: DLL paths apart by blanks or commas.
-    void AppInit(const ViewedKey& place) {
-        const std::string dlls = ValueText(ValuesAt(sources_.registry, place.hive, kWindowsKey, place.view),
-                                           "AppInit_DLLs");
+    std::vector<Found> AppInit(RegKey hive, uint32_t view) {
+        std::vector<Found> found;
+        const std::string dlls = ValueText(ValuesAt(sources_.registry, hive, kWindowsKey, view), "AppInit_DLLs");
         std::string part;
         for (size_t i = 0; i <= dlls.size(); ++i) {
             if (i == dlls.size() || dlls[i] == ' ' || dlls[i] == ',') {
-                if (!part.empty()) Row("AppInit_DLLs", part, place.location);
+                if (!part.empty()) found.push_back({"AppInit_DLLs", part, part});
                 part.clear();
             } else {
                 part.push_back(dlls[i]);
             }
         }
+        return found;
     }
 
-    void Debuggers(const ViewedKey& place) {
-        for (const std::string& program : SubkeysAt(sources_.registry, place.hive, kDebuggerKey, place.view)) {
+    std::vector<Found> Debuggers(RegKey hive, uint32_t view) {
+        std::vector<Found> found;
+        for (const std::string& program : SubkeysAt(sources_.registry, hive, kDebuggerKey, view)) {
             const std::string debugger = ValueText(
-                ValuesAt(sources_.registry, place.hive, std::string(kDebuggerKey) + "\\" + program, place.view),
-                "Debugger");
-            if (!Trim(debugger).empty()) Row(program, debugger, place.location);
+                ValuesAt(sources_.registry, hive, std::string(kDebuggerKey) + "\\" + program, view), "Debugger");
+            if (!Trim(debugger).empty()) found.push_back({program, debugger, debugger});
         }
+        return found;
     }
 
     // The task files of a folder and its subfolders; a task's name is its

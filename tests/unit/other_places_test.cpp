@@ -73,6 +73,7 @@ TEST(OtherPlaces, EachPlaceGivesItsRowsInOrder) {
     w.registry.PutString(std::string(kLMSoft) + "\\RunOnce", "Once", "C:\\Tools\\once.exe /setup");
     w.registry.PutString(std::string(kLM32Soft) + "\\RunOnce", "Once32", "\"C:\\Tools\\once32.exe\"");
     w.registry.PutString(std::string(kCUSoft) + "\\RunOnce", "User", "C:\\Tools\\user.exe");
+    w.registry.PutString(std::string(kCUSoft) + "\\RunOnce", "Blank", " ");
     w.registry.PutString(std::string(kLMSoft) + "\\RunOnceEx\\0001", "", "Section title");
     w.registry.PutString(std::string(kLMSoft) + "\\RunOnceEx\\0001", "1", "C:\\Lib\\ex.dll|Install|x");
     w.registry.PutString(std::string(kLMSoft) + "\\Policies\\Explorer\\Run", "Policy", "C:\\Tools\\policy.exe");
@@ -142,6 +143,28 @@ TEST(OtherPlaces, EachPlaceGivesItsRowsInOrder) {
     EXPECT_TRUE(w.Collect("All").rows.empty());
     EXPECT_EQ(StartupNodeCaption(kOtherPlacesKey), "Startup Items (Current Selection: Other Places)");
     EXPECT_EQ(StartupNodeCaption("HKLM"), SelectionCaption("HKLM"));
+}
+
+// A key the system shares between the views reads the same in both: it is
+// listed once, under the 64-bit view; a 32-bit view of its own is listed
+// even where it holds what the 64-bit view holds and more.
+TEST(OtherPlaces, ASharedKeyIsListedOnce) {
+    OtherWorld w;
+    for (const char* software : {kLMSoft, kLM32Soft}) {
+        w.registry.PutString(std::string(software) + "\\Policies\\Explorer\\Run", "Shared", "C:\\a.exe");
+        w.registry.PutString(std::string(software) + "\\RunOnce", "Both", "C:\\b.exe");
+    }
+    w.registry.PutString(std::string(kLM32Soft) + "\\RunOnce", "More", "C:\\c.exe");
+    w.registry.PutString(std::string(kNT) + "\\Image File Execution Options\\x.exe", "Debugger", "d.exe");
+    w.registry.PutString(std::string(kNT32) + "\\Image File Execution Options\\x.exe", "Debugger", "d.exe");
+    using Pair = std::pair<std::string, std::string>;
+    std::vector<Pair> rows;
+    for (const StartupRow& row : w.Others().rows) rows.emplace_back(row.cells[kStartupColName], row.cells[kStartupColLocation]);
+    EXPECT_EQ(rows, (std::vector<Pair>{{"Both", "RunOnce LM"},
+                                       {"Both", "RunOnce LM 32-bit"},
+                                       {"More", "RunOnce LM 32-bit"},
+                                       {"Shared", "Policies Run LM"},
+                                       {"x.exe", "IFEO Debugger"}}));
 }
 
 TEST(OtherPlaces, MarkedAgainstTheSuspectListByFileName) {

@@ -10,6 +10,7 @@
 // RunOnce values and start the services, so the server must not restart
 // meanwhile. Tests that use it take RESOURCE_LOCK startup_sources.
 #include <windows.h>
+#include <shlobj.h>
 #include <shlwapi.h>
 
 #include <optional>
@@ -85,7 +86,7 @@ struct OtherPlacesMachine {
              }) {
             SHDeleteKeyA(HKEY_LOCAL_MACHINE, key);
         }
-        if (Text(kWinlogon, "Taskman").value_or("").find("CorvaneTest") != std::string::npos) {
+        if (Text(kWinlogon, "Taskman").value_or("").find("other-files") != std::string::npos) {
             DeleteValue(HKEY_LOCAL_MACHINE, kWinlogon, "Taskman");
         }
         const std::optional<std::string> appInit = Text(kWindows32, "AppInit_DLLs");
