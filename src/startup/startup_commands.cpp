@@ -8,6 +8,7 @@
 #include "foundations/registry.h"
 #include "foundations/report_banner.h"
 #include "foundations/app_identity.h"
+#include "startup/other_places.h"
 #include "startup/registry_view.h"
 #include "startup/run_key_store.h"
 
@@ -301,6 +302,11 @@ CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, 
     const StartupRow row = list.rows[static_cast<size_t>(selected)];
     const std::string& name = row.cells[kStartupColName];
     const std::string& location = row.cells[kStartupColLocation];
+    if (IsOtherPlace(location)) {
+        ports.prompts.Message(OtherPlaceNotDeleted(name, location), kAppTitle, PromptIcon::Information,
+                              PromptButtons::Ok);
+        return CommandEnd::Nothing;
+    }
     const std::string question = "Are you sure you want to delete selected Startup Item?\r\n\r\n" + name +
                                  "\r\n\r\nStartup items are not backed up.";
     if (ports.prompts.Message(question, kAppTitle, PromptIcon::Question, PromptButtons::YesNo) == PromptAnswer::No) {

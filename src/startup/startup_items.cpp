@@ -7,6 +7,7 @@
 #include "foundations/functions.h"
 #include "foundations/registry.h"
 #include "foundations/settings.h"
+#include "startup/other_places.h"
 #include "foundations/reference_list.h"
 #include "startup/registry_view.h"
 #include "startup/run_key_store.h"
@@ -165,6 +166,13 @@ void AddRunItem(StartupSources& sources, const StartupPlaces& places, StartupLis
     if (path.find('%') != std::string::npos) path = ExpandEnvString(sources.environment, path);
     // A run item shows the first icon of its file, or the generic picture when there is no file.
     const bool exists = sources.facts.Exists(path);
+    AddItemRow(sources, places, list, name, command, location, enabled, path, exists, exists ? path : std::string(), 0);
+}
+
+void AddFileItem(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
+                 const std::string& command, const std::string& location, bool enabled, const std::string& path) {
+    if (!RoomFor(list)) return;
+    const bool exists = !path.empty() && sources.facts.Exists(path);
     AddItemRow(sources, places, list, name, command, location, enabled, path, exists, exists ? path : std::string(), 0);
 }
 
@@ -347,7 +355,7 @@ std::string LocationCaption(const std::string& code) {
     if (code == kLocHKCU) return "Current User Run Key";
     if (code == kLocStartupLM) return "All Users Startup Folder";
     if (code == kLocStartupCU) return "Current User Startup Folder";
-    return "";
+    return OtherPlaceCaption(code);
 }
 
 RegKey HiveOf(const std::string& location) {

@@ -116,6 +116,10 @@ std::string CommandToPath(const std::string& command);
 // The row makers. `enabled` says which state the row shows.
 void AddRunItem(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
                 const std::string& command, const std::string& location, bool enabled);
+// A row for the file `path`, which the caller worked out from the command
+// by a rule of its own; filled, iconed and marked as a run item is.
+void AddFileItem(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
+                 const std::string& command, const std::string& location, bool enabled, const std::string& path);
 
 // The sources. `hive` is kHKeyLocalMachine or kHKeyCurrentUser; the key is
 // read in the registry view of `location` (ViewOf).

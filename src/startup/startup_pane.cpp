@@ -6,6 +6,7 @@
 
 #include "foundations/file_facts_cache.h"
 #include "res/resource.h"
+#include "startup/other_places.h"
 #include "startup/startup_report.h"
 #include "ui/app_context.h"
 #include "ui/list_commands.h"
@@ -14,6 +15,9 @@
 namespace corvane {
 
 namespace {
+
+// The Other Places node's tag, apart from the indexes of the other nodes.
+constexpr LPARAM kOtherPlacesParam = 0x4F50;
 
 StartupSources Sources() {
     AppContext& app = App();
@@ -76,6 +80,8 @@ void frmStartup::BuildSourceTree() {
         nodes_[node.key] = InsertNode(tvwStartup_, parent, node.text, node.image - 1, static_cast<LPARAM>(i));
     }
     for (const char* key : {"LM", "CU", "All"}) ExpandNode(tvwStartup_, nodes_[key]);
+    // Other Places: a root of its own after "All Items", its rows read only.
+    nodes_[kOtherPlacesKey] = InsertNode(tvwStartup_, nullptr, kOtherPlacesText, kOtherPlacesImage - 1, kOtherPlacesParam);
 }
 
 void frmStartup::SelectNodeQuietly(const std::string& key) {
@@ -87,7 +93,9 @@ void frmStartup::SelectNodeQuietly(const std::string& key) {
 std::string frmStartup::SelectedNodeKey() const {
     const HTREEITEM node = GetSelectedNode(tvwStartup_);
     if (!node) return {};
-    return kStartupNodes.at(static_cast<size_t>(GetNodeParam(tvwStartup_, node))).key;
+    const LPARAM param = GetNodeParam(tvwStartup_, node);
+    if (param == kOtherPlacesParam) return kOtherPlacesKey;
+    return kStartupNodes.at(static_cast<size_t>(param)).key;
 }
 
 void frmStartup::NodeClick(const std::string& key) {
@@ -98,10 +106,10 @@ void frmStartup::NodeClick(const std::string& key) {
     AppContext& app = App();
     FileFactsCache facts(*app.facts);
     StartupSources sources{*app.registry, *app.files, facts, *app.clock, *app.environment, *app.shortcuts};
-    StartupList collected = CollectStartupItems(sources, places_, key);
+    StartupList collected = CollectStartupNode(sources, places_, key);
     stores_ = std::move(collected.stores);
     full_ = collected.full;
-    SetDlgItemTextA(hwnd(), IDC_STARTUP_FRAME, SelectionCaption(key).c_str());
+    SetDlgItemTextA(hwnd(), IDC_STARTUP_FRAME, StartupNodeCaption(key).c_str());
     lstvStartup_.Show(std::move(collected.rows));
     CurrentNodeKey_ = key;
     SetCursor(previous);

@@ -1,6 +1,7 @@
 #include "startup/startup_report.h"
 
 #include "foundations/app_identity.h"
+#include "startup/other_places.h"
 
 namespace corvane {
 
@@ -33,8 +34,20 @@ std::string StartupReportBody(const std::vector<StartupRow>& rows) {
     return body;
 }
 
+std::string StartupReportText(const std::vector<StartupRow>& rows) {
+    std::vector<StartupRow> sources, others;
+    for (const StartupRow& row : rows) {
+        (IsOtherPlace(row.cells[kStartupColLocation]) ? others : sources).push_back(row);
+    }
+    std::string text = StartupReportBody(sources);
+    if (others.empty()) return text;
+    if (!text.empty()) text += "\r\n";
+    const std::string heading = kOtherPlacesHeading;
+    return text + heading + "\r\n" + std::string(heading.size(), '-') + "\r\n" + StartupReportBody(others);
+}
+
 bool printReportStartup(ReportPorts& ports, const std::string& file, const std::vector<StartupRow>& rows) {
-    if (const SysError error = ports.files.Append(file, StartupReportBody(rows))) {
+    if (const SysError error = ports.files.Append(file, StartupReportText(rows))) {
         ShowErrorOccurred(ports.prompts, "Startup printReport", ErrorDescription(ports.system, error));
         return false;
     }
@@ -47,7 +60,11 @@ bool WriteStartupArea(FullReportPlatform& platform, const std::string& file) {
     StartupSources sources{*platform.registry, report.files, *platform.facts, report.clock, *platform.environment,
                            *platform.shortcuts};
     const StartupPlaces places = LoadStartupPlaces(sources, platform.appPath);
-    const StartupList list = CollectStartupItems(sources, places, "All");
+    StartupList list = CollectStartupItems(sources, places, "All");
+    StartupList others;
+    LoadOtherPlaces(sources, places, others);
+    list.rows.insert(list.rows.end(), std::make_move_iterator(others.rows.begin()),
+                     std::make_move_iterator(others.rows.end()));
     return printReportStartup(report, file, list.rows);
 }
 

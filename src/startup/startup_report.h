@@ -19,11 +19,16 @@ std::string StartupReportBlock(const StartupRow& row);
 // The blocks of all rows, an empty line between two blocks and none after the last.
 std::string StartupReportBody(const std::vector<StartupRow>& rows);
 
-// Appends the body to `file`; on failure tells the user and gives false.
+// The whole text of a report of `rows`: the blocks of the rows of the Run
+// keys, startup folders and stores, then, when there are any, the rows of the
+// other places under the heading "Other Places", an empty line between.
+std::string StartupReportText(const std::vector<StartupRow>& rows);
+
+// Appends the text to `file`; on failure tells the user and gives false.
 bool printReportStartup(ReportPorts& ports, const std::string& file, const std::vector<StartupRow>& rows);
 
 // The full report's area: every item of every source and store, collected
-// anew as the tree's "All Items" shows them. Without the area's ports in
+// anew as the tree's "All Items" shows them, then the other places. Without the area's ports in
 // `platform` it writes no block.
 bool WriteStartupArea(FullReportPlatform& platform, const std::string& file);
 

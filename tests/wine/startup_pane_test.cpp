@@ -13,10 +13,12 @@
 #include "ui/app_context.h"
 #include "shell/main_window.h"
 #include "wine/gui_support.h"
+#include "startup/other_places.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_pane.h"
 #include "ui/list_view.h"
 #include "ui/tree_view.h"
+#include "wine/other_places_machine.h"
 #include "wine/startup_machine.h"
 
 namespace corvane {
@@ -158,7 +160,7 @@ TEST_F(StartupPaneUnderWine, TreeCaptionsColumnsAndColours) {
               FormatStoreLine("CorvaneTest Stored Evil", machine_.evil + " /x", "HKCU") +
                   FormatStoreLine("CorvaneTest Stored Gone", "C:\\gone.exe", "HKCU"));
     Open();
-    EXPECT_EQ(SendMessageA(tree_, TVM_GETCOUNT, 0, 0), 7);
+    EXPECT_EQ(SendMessageA(tree_, TVM_GETCOUNT, 0, 0), 8) << "seven nodes of the sources and Other Places";
     EXPECT_EQ(Caption(), "Startup Items (Current Selection: All Items)");
     EXPECT_EQ(GetFileAttributesA((machine_.app + "\\DLMStartup").c_str()), static_cast<DWORD>(FILE_ATTRIBUTE_DIRECTORY));
 
@@ -346,6 +348,77 @@ TEST_F(StartupPaneUnderWine, The32BitViewAndWhatWindowsDisabled) {
               machine_.full + " /x86" + '\0');
     EXPECT_EQ(wine::RawValue(HKEY_LOCAL_MACHINE, "CorvaneTest Wow", KEY_WOW64_64KEY).second, 0u);
     EXPECT_EQ(GetItemText(list_, Item("CorvaneTest Wow"), kStartupColWindows), text);
+}
+
+// Other Places: a root of its own after "All Items"; its rows have their
+// files and folders, and no command changes their places.
+TEST_F(StartupPaneUnderWine, OtherPlacesAreShownAndLeftAlone) {
+    wine::OtherPlacesMachine other;
+    other.Setup();
+    WriteFile(machine_.app + "\\SusProcess.qdl", "evil.exe\r\n");
+    Open();
+    const HTREEITEM all = reinterpret_cast<HTREEITEM>(SendMessageA(tree_, TVM_GETNEXTITEM, TVGN_ROOT, 0));
+    const HTREEITEM node =
+        reinterpret_cast<HTREEITEM>(SendMessageA(tree_, TVM_GETNEXTITEM, TVGN_NEXT, reinterpret_cast<LPARAM>(all)));
+    ASSERT_NE(node, nullptr);
+    char text[64] = {};
+    TVITEMA item{};
+    item.mask = TVIF_TEXT;
+    item.hItem = node;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    SendMessageA(tree_, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    EXPECT_STREQ(text, "Other Places");
+    SelectNode(tree_, node);
+    Pump();
+    EXPECT_EQ(Caption(), "Startup Items (Current Selection: Other Places)");
+    ASSERT_GT(GetItemCount(list_), 0);
+    for (int i = 0; i < GetItemCount(list_); ++i) {
+        EXPECT_TRUE(IsOtherPlace(GetItemText(list_, i, kStartupColLocation))) << GetItemText(list_, i, kStartupColName);
+    }
+
+    const int service = Item("CorvaneTestSvc");
+    const int taken = Item("CorvaneTest Taken", "False");
+    ASSERT_GE(service, 0);
+    ASSERT_GE(taken, 0);
+    EXPECT_EQ(GetItemText(list_, service, kStartupColLocation), "Service");
+    EXPECT_EQ(Drawn(taken, 0).first, static_cast<COLORREF>(App().shared.SusDisColor));
+
+    // Disable and Enable pass over the rows; Delete says why it does nothing.
+    Check(service);
+    Check(taken);
+    Click(IDC_STARTUP_DISABLE);
+    Click(IDC_STARTUP_ENABLE);
+    EXPECT_TRUE(prompts_.shown.empty());
+    Select(Item("CorvaneTestSvc"));
+    Click(IDC_STARTUP_DELETE);
+    ASSERT_EQ(prompts_.shown.size(), 1u);
+    EXPECT_EQ(prompts_.shown[0].text,
+              "\"CorvaneTestSvc\" (Automatic Service) is shown for information only and is not deleted from "
+              "here.\r\n\r\nNothing was changed.");
+    EXPECT_EQ(prompts_.shown[0].buttons, PromptButtons::Ok);
+    HKEY key;
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SYSTEM\\CurrentControlSet\\Services\\CorvaneTestSvc", 0, KEY_READ, &key),
+              ERROR_SUCCESS);
+    RegCloseKey(key);
+    EXPECT_GE(Item("CorvaneTestSvc"), 0);
+    EXPECT_GE(Item("CorvaneTest Taken", "False"), 0);
+    EXPECT_FALSE(wine::FileBytes(machine_.app + "\\DHKLMRunKey.run").find("CorvaneTest") != std::string::npos);
+
+    // Open Folder goes to the service's file.
+    Select(Item("CorvaneTestSvc"));
+    Click(IDC_STARTUP_FOLDER);
+    ASSERT_EQ(shell_.opened.size(), 1u);
+    EXPECT_EQ(shell_.opened[0], std::string(wine::kOtherFiles) + "\\Full App\\");
+
+    // The report: its block under the heading.
+    const std::string report = wine::FreshFolder("startup-other-report") + "\\startup.txt";
+    prompts_.saveAnswers = {report};
+    Click(IDC_STARTUP_REPORT);
+    const std::string written = wine::FileBytes(report);
+    EXPECT_NE(written.find("\r\nOther Places\r\n------------\r\nStartup Item : "), std::string::npos);
+    EXPECT_NE(written.find("Startup Item : CorvaneTestSvc\r\nEnabled      : True\r\nLocation     : Automatic Service\r\n"),
+              std::string::npos);
 }
 
 // Store files as a user's editor may leave them: the pane reads what the

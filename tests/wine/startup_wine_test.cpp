@@ -13,6 +13,7 @@
 #include "platform/win32/file_system_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "foundations/app_identity.h"
+#include "startup/other_places.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_report.h"
@@ -326,7 +327,7 @@ TEST(StartupUnderWine, WhatWindowsDisabledIsNamedInItsColumn) {
 }
 
 // CorvaneReport.exe collects the startup area anew and writes the blocks the
-// pane's report writes, for the program folder it lies in.
+// pane's report writes, for the program folder it lies in, then the other places.
 TEST(StartupUnderWine, TheConsoleReportWritesTheSameRows) {
     wine::StartupMachine machine;
     machine.Setup();
@@ -337,7 +338,11 @@ TEST(StartupUnderWine, TheConsoleReportWritesTheSameRows) {
 
     Live live;
     const StartupPlaces places = LoadStartupPlaces(live.sources, FolderOf(exeWin));
-    const std::string body = StartupReportBody(CollectStartupItems(live.sources, places, "All").rows);
+    // The prefix's own services (and tasks, if any) follow under "Other Places".
+    std::vector<StartupRow> rows = CollectStartupItems(live.sources, places, "All").rows;
+    const std::vector<StartupRow> others = CollectStartupNode(live.sources, places, kOtherPlacesKey).rows;
+    rows.insert(rows.end(), others.begin(), others.end());
+    const std::string body = StartupReportText(rows);
     const std::string report = wine::FileBytes(file);
     ASSERT_GT(report.size(), body.size());
     EXPECT_EQ(report.substr(report.size() - body.size()), body);
