@@ -1,0 +1,20 @@
+#pragma once
+#include "platform/file_hasher.h"
+#include "platform/text_encoding.h"
+
+namespace corvane {
+
+// SHA-256 through the system's CNG provider (BCrypt), the file read in blocks
+// of a megabyte so a large program costs few calls and little memory.
+class Win32FileHasher final : public FileHasher {
+public:
+    std::optional<std::string> Sha256(const std::string& path) override;
+};
+
+// MultiByteToWideChar from CP_ACP, then WideCharToMultiByte to UTF-8.
+class Win32TextEncoding final : public TextEncoding {
+public:
+    std::string Utf8OfAnsi(std::string_view ansi) override;
+};
+
+}  // namespace corvane
