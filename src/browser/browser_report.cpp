@@ -41,8 +41,7 @@ std::string FileOf(const Row& row) {
     if (row.cells.size() <= kBrowserColPath) return {};
     const std::string& folder = row.cells[kBrowserColPath];
     const std::string& name = row.cells[kBrowserColFileName];
-    if (folder.empty() || name.empty()) return {};
-    return folder + "\\" + name;
+    return FilePath(folder, name);
 }
 
 template <size_t N>

@@ -16,10 +16,12 @@ std::string PlaceText(const InventoryRecord& record) {
     return record.view.empty() ? record.place : record.place + " (" + record.view + ")";
 }
 
-std::string FilePathOf(const InventoryRecord& record) {
-    if (record.fileName.empty() || record.folder.empty()) return {};
-    return record.folder.back() == '\\' ? record.folder + record.fileName : record.folder + "\\" + record.fileName;
+std::string FilePath(const std::string& folder, const std::string& fileName) {
+    if (fileName.empty() || folder.empty()) return {};
+    return folder.back() == '\\' ? folder + fileName : folder + "\\" + fileName;
 }
+
+std::string FilePathOf(const InventoryRecord& record) { return FilePath(record.folder, record.fileName); }
 
 std::string IsoLocalTime(Clock& clock, FileTime utc) {
     const auto local = clock.FileTimeToLocalFileTime(utc);

@@ -54,6 +54,9 @@ enum InventoryColumn : int {
 // The place column: the place, then its view in parentheses when it has one.
 std::string PlaceText(const InventoryRecord& record);
 
+// A file's full path from a Folder column (which ends in a backslash) and a
+// file name; empty when either is.
+std::string FilePath(const std::string& folder, const std::string& fileName);
 // The full path of the record's file; empty when it names none.
 std::string FilePathOf(const InventoryRecord& record);
 

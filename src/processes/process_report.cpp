@@ -20,7 +20,7 @@ namespace {
 // The full path of a row's file when the row was built from the file.
 std::string FileOf(const ProcessRow& row) {
     if (row.cells[kColSize].empty() || row.cells[kColPath].empty()) return {};
-    return row.cells[kColPath] + "\\" + row.cells[kColName];
+    return FilePath(row.cells[kColPath], row.cells[kColName]);
 }
 
 }  // namespace
@@ -74,7 +74,7 @@ std::vector<InventoryRecord> ProcessInventory(FullReportPlatform& platform) {
         record.area = "process";
         record.place = row.cells[kColPath];
         record.name = row.cells[kColName];
-        record.command = row.cells[kColPath].empty() ? row.cells[kColName] : row.cells[kColPath] + "\\" + row.cells[kColName];
+        record.command = row.cells[kColPath] + row.cells[kColName];
         if (!FileOf(row).empty()) {
             record.fileName = row.cells[kColName];
             record.folder = row.cells[kColPath];

@@ -9,8 +9,7 @@ namespace {
 
 std::string FileOf(const StartupRow& row) {
     const auto& cell = row.cells;
-    if (cell[kStartupColPath].empty() || cell[kStartupColFileName].empty()) return {};
-    return cell[kStartupColPath] + "\\" + cell[kStartupColFileName];
+    return FilePath(cell[kStartupColPath], cell[kStartupColFileName]);
 }
 
 }  // namespace
