@@ -12,17 +12,19 @@ namespace {
 constexpr DWORD kBlockSize = 1 << 20;
 
 struct Handles {
-    BCRYPT_ALG_HANDLE algorithm = nullptr;
     BCRYPT_HASH_HANDLE hash = nullptr;
     HANDLE file = INVALID_HANDLE_VALUE;
     ~Handles() {
         if (hash) BCryptDestroyHash(hash);
-        if (algorithm) BCryptCloseAlgorithmProvider(algorithm, 0);
         if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
     }
 };
 
 }  // namespace
+
+Win32FileHasher::~Win32FileHasher() {
+    if (algorithm_) BCryptCloseAlgorithmProvider(algorithm_, 0);
+}
 
 std::optional<std::string> Win32FileHasher::Sha256(const std::string& path) {
     Handles h;
@@ -30,16 +32,17 @@ std::optional<std::string> Win32FileHasher::Sha256(const std::string& path) {
     h.file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                          nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
     if (h.file == INVALID_HANDLE_VALUE) return std::nullopt;
-    if (!BCRYPT_SUCCESS(BCryptOpenAlgorithmProvider(&h.algorithm, BCRYPT_SHA256_ALGORITHM, nullptr, 0))) {
+    if (!algorithm_ && !BCRYPT_SUCCESS(BCryptOpenAlgorithmProvider(&algorithm_, BCRYPT_SHA256_ALGORITHM, nullptr, 0))) {
+        algorithm_ = nullptr;
         return std::nullopt;
     }
-    if (!BCRYPT_SUCCESS(BCryptCreateHash(h.algorithm, &h.hash, nullptr, 0, nullptr, 0, 0))) return std::nullopt;
-    std::vector<unsigned char> block(kBlockSize);
+    if (!BCRYPT_SUCCESS(BCryptCreateHash(algorithm_, &h.hash, nullptr, 0, nullptr, 0, 0))) return std::nullopt;
+    block_.resize(kBlockSize);
     while (true) {
         DWORD read = 0;
-        if (!ReadFile(h.file, block.data(), kBlockSize, &read, nullptr)) return std::nullopt;
+        if (!ReadFile(h.file, block_.data(), kBlockSize, &read, nullptr)) return std::nullopt;
         if (read == 0) break;
-        if (!BCRYPT_SUCCESS(BCryptHashData(h.hash, block.data(), read, 0))) return std::nullopt;
+        if (!BCRYPT_SUCCESS(BCryptHashData(h.hash, block_.data(), read, 0))) return std::nullopt;
     }
     unsigned char digest[32];
     if (!BCRYPT_SUCCESS(BCryptFinishHash(h.hash, digest, sizeof digest, 0))) return std::nullopt;
