@@ -27,8 +27,9 @@ bool printReportAddRemove(ReportPorts& ports, const std::string& file, const std
     return true;
 }
 
-bool WriteAddRemoveArea(FullReportPlatform& platform, const std::string& file) {
-    if (!platform.registry || !platform.facts) return true;
+namespace {
+
+std::vector<Row> CollectAreaRows(FullReportPlatform& platform) {
     ReportPorts& report = platform.report;
     std::string version, build, servicePack, computer, user;
     clsSysInfo(report.system).sysInfo(version, build, servicePack, computer, user);
@@ -37,7 +38,28 @@ bool WriteAddRemoveArea(FullReportPlatform& platform, const std::string& file) {
     options.windowsVersionName = version;
     options.decimalSign = report.clock.DecimalSign();
     options.icons = false;
-    return printReportAddRemove(report, file, CollectApplications(sources, options));
+    return CollectApplications(sources, options);
+}
+
+}  // namespace
+
+bool WriteAddRemoveArea(FullReportPlatform& platform, const std::string& file) {
+    if (!platform.registry || !platform.facts) return true;
+    return printReportAddRemove(platform.report, file, CollectAreaRows(platform));
+}
+
+std::vector<InventoryRecord> ApplicationInventory(FullReportPlatform& platform) {
+    std::vector<InventoryRecord> records;
+    if (!platform.registry || !platform.facts) return records;
+    for (const Row& row : CollectAreaRows(platform)) {
+        InventoryRecord record;
+        record.area = "addremove";
+        record.place = std::string("HKLM\\") + kUninstallKey + "\\" + row.key;
+        record.name = row.cells[kAppColName];
+        record.command = row.cells[kAppColCommand];
+        records.push_back(std::move(record));
+    }
+    return records;
 }
 
 }  // namespace corvane

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "applications/installed_applications.h"
+#include "foundations/inventory.h"
 #include "foundations/report_area.h"
 #include "foundations/report_banner.h"
 
@@ -26,5 +27,9 @@ bool printReportAddRemove(ReportPorts& ports, const std::string& file, const std
 // The full report's area: the applications collected anew, with no icons.
 // Without the registry and file facts in `platform` it writes no block.
 bool WriteAddRemoveArea(FullReportPlatform& platform, const std::string& file);
+
+// The same applications as records: the place is the entry's Uninstall
+// subkey and the command its uninstall command; an entry names no file.
+std::vector<InventoryRecord> ApplicationInventory(FullReportPlatform& platform);
 
 }  // namespace corvane

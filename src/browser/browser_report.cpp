@@ -4,6 +4,7 @@
 
 #include "browser/browser_commands.h"
 #include "foundations/error_message.h"
+#include "foundations/file_hash_cache.h"
 
 namespace corvane {
 
@@ -34,6 +35,14 @@ constexpr Label kButtonLines[] = {
 };
 constexpr Label kMenuLines[] = {
     {"Menu         : ", kMenuColName}, {"Scope        : ", kMenuColScope}, {"Path         : ", kMenuColPath}};
+
+// The full path of a row's file; empty when the row names none.
+std::string FileOf(const Row& row) {
+    if (row.cells.size() <= kBrowserColPath) return {};
+    const std::string& folder = row.cells[kBrowserColPath];
+    const std::string& name = row.cells[kBrowserColFileName];
+    return FilePath(folder, name);
+}
 
 template <size_t N>
 std::string Block(const Label (&labels)[N], const Row& row) {
@@ -85,17 +94,17 @@ const BrowserReport& BrowserReportOf(BrowserList list) {
     return reports[static_cast<int>(list)];
 }
 
-std::string BrowserReportBlock(BrowserList list, const Row& row) {
+std::string BrowserReportBlock(BrowserList list, const Row& row, FileHasher* hasher) {
     switch (list) {
-        case BrowserList::HelperObjects: return Block(kHelperObjectLines, row);
-        case BrowserList::Toolbars: return Block(kToolbarLines, row);
-        case BrowserList::Buttons: return Block(kButtonLines, row);
+        case BrowserList::HelperObjects: return Block(kHelperObjectLines, row) + HashLine(hasher, FileOf(row));
+        case BrowserList::Toolbars: return Block(kToolbarLines, row) + HashLine(hasher, FileOf(row));
+        case BrowserList::Buttons: return Block(kButtonLines, row) + HashLine(hasher, FileOf(row));
     }
     return "";
 }
 
-std::string BrowserReportBody(BrowserList list, const std::vector<Row>& rows) {
-    return Blocks(rows, [list](const Row& row) { return BrowserReportBlock(list, row); });
+std::string BrowserReportBody(BrowserList list, const std::vector<Row>& rows, FileHasher* hasher) {
+    return Blocks(rows, [list, hasher](const Row& row) { return BrowserReportBlock(list, row, hasher); });
 }
 
 bool printReportBrowser(ReportPorts& ports, BrowserList list, const std::string& file, const std::vector<Row>& rows) {
@@ -112,12 +121,15 @@ bool WriteBrowserArea(FullReportPlatform& platform, const std::string& file) {
     ReportPorts& report = platform.report;
     BrowserSources sources{*platform.registry, report.files, *platform.facts, report.clock, *platform.environment};
     const BrowserPlaces places = LoadBrowserPlaces(sources, platform.appPath);
+    FileHasher* hasher = platform.hasher;
     const std::string body =
         Group("IE BHO", BrowserReportBody(BrowserList::HelperObjects,
                                           CollectHelperObjects(sources, places,
-                                                               DisabledHelperObjects(report.files, platform.appPath)))) +
-        "\r\n" + Group("IE Toolbar", BrowserReportBody(BrowserList::Toolbars, CollectToolbars(sources, places))) +
-        "\r\n" + Group("IE Buttons", BrowserReportBody(BrowserList::Buttons, CollectButtons(sources, places))) +
+                                                               DisabledHelperObjects(report.files, platform.appPath)),
+                                          hasher)) +
+        "\r\n" +
+        Group("IE Toolbar", BrowserReportBody(BrowserList::Toolbars, CollectToolbars(sources, places), hasher)) +
+        "\r\n" + Group("IE Buttons", BrowserReportBody(BrowserList::Buttons, CollectButtons(sources, places), hasher)) +
         "\r\n" +
         Group("IE Menu Items",
               Blocks(CollectMenuItems(sources, places), [](const Row& row) { return Block(kMenuLines, row); })) +
@@ -127,6 +139,67 @@ bool WriteBrowserArea(FullReportPlatform& platform, const std::string& file) {
         return false;
     }
     return true;
+}
+
+std::vector<InventoryRecord> BrowserInventory(FullReportPlatform& platform) {
+    std::vector<InventoryRecord> records;
+    if (!platform.registry || !platform.facts || !platform.environment) return records;
+    ReportPorts& report = platform.report;
+    BrowserSources sources{*platform.registry, report.files, *platform.facts, report.clock, *platform.environment};
+    const BrowserPlaces places = LoadBrowserPlaces(sources, platform.appPath);
+    auto hiveName = [](const std::string& scope) { return scope == kScopeAllUsers ? "HKLM\\" : "HKCU\\"; };
+    auto add = [&](const Row& row, std::string place, std::string state) {
+        InventoryRecord record;
+        record.area = "ie";
+        record.place = std::move(place);
+        record.name = row.cells[kBrowserColId];
+        record.state = std::move(state);
+        record.command = FileOf(row);
+        if (!record.command.empty()) {
+            record.fileName = row.cells[kBrowserColFileName];
+            record.folder = row.cells[kBrowserColPath];
+            FillFileFacts(record, *platform.facts, report.clock);
+        } else {
+            record.command = row.cells[kBrowserColFileName];
+        }
+        record.company = row.cells[kBrowserColCompany];
+        record.product = row.cells[kBrowserColProduct];
+        record.description = row.cells[kBrowserColFileDescription];
+        record.suspicious = IsSuspicious(row.mark);
+        records.push_back(std::move(record));
+    };
+    // A helper object kept in the store is listed where it was registered.
+    for (const Row& row :
+         CollectHelperObjects(sources, places, DisabledHelperObjects(report.files, platform.appPath))) {
+        add(row, std::string("HKLM\\") + kHelperObjectsKey,
+            row.cells[kBrowserColState] == "False" ? kStateDisabled : kStateEnabled);
+    }
+    for (const Row& row : CollectToolbars(sources, places)) {
+        const std::string& scope = row.cells[kBrowserColState];
+        add(row, hiveName(scope) + std::string(scope == kScopeAllUsers ? kMachineToolbarKey : kUserToolbarKey), "");
+    }
+    for (const Row& row : CollectButtons(sources, places)) {
+        add(row, hiveName(row.cells[kBrowserColState]) + std::string(kExtensionsKey), "");
+    }
+    for (const Row& row : CollectMenuItems(sources, places)) {
+        InventoryRecord record;
+        record.area = "ie";
+        record.place = hiveName(row.cells[kMenuColScope]) + std::string(kMenuExtKey);
+        record.name = row.cells[kMenuColName];
+        record.command = row.cells[kMenuColPath];
+        records.push_back(std::move(record));
+    }
+    const BrowserUrls urls = LoadBrowserURLs(*platform.registry);
+    for (size_t i = 0; i < kBrowserUrlFields.size(); ++i) {
+        const BrowserUrlField& field = kBrowserUrlFields[i];
+        InventoryRecord record;
+        record.area = "ie";
+        record.place = std::string(field.hive == kHKeyLocalMachine ? "HKLM\\" : "HKCU\\") + field.key;
+        record.name = *field.value ? field.value : "(Default)";
+        record.command = urls[i];
+        records.push_back(std::move(record));
+    }
+    return records;
 }
 
 }  // namespace corvane

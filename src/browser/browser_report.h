@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "browser/browser_items.h"
+#include "foundations/inventory.h"
 #include "foundations/report_area.h"
 #include "foundations/report_banner.h"
 
@@ -24,9 +25,10 @@ struct BrowserReport {
 const BrowserReport& BrowserReportOf(BrowserList list);
 
 // The lines of one row, each a 15-character label and the row's text, CR LF ended.
-std::string BrowserReportBlock(BrowserList list, const Row& row);
+// With a hasher, a row that names a file ends with the file's SHA-256.
+std::string BrowserReportBlock(BrowserList list, const Row& row, FileHasher* hasher = nullptr);
 // The blocks of all rows, an empty line between two blocks and none after the last.
-std::string BrowserReportBody(BrowserList list, const std::vector<Row>& rows);
+std::string BrowserReportBody(BrowserList list, const std::vector<Row>& rows, FileHasher* hasher = nullptr);
 
 // printReportBHO, printReportToolbar, printReportButton: append the body to
 // `file`; on failure tell the user and give false.
@@ -45,5 +47,10 @@ inline bool printReportButton(ReportPorts& ports, const std::string& file, const
 // collected anew with the helper objects kept in the store. Without the
 // area's ports in `platform` it writes no block.
 bool WriteBrowserArea(FullReportPlatform& platform, const std::string& file);
+
+// The same items as records: each list's rows under the key that registers
+// them, the menu items with their path as command, and the eight addresses
+// named as the URL tab labels them.
+std::vector<InventoryRecord> BrowserInventory(FullReportPlatform& platform);
 
 }  // namespace corvane

@@ -6,9 +6,11 @@
 #include "foundations/report_banner.h"
 #include "platform/environment.h"
 #include "platform/file_facts.h"
+#include "platform/file_hasher.h"
 #include "platform/process_table.h"
 #include "platform/registry.h"
 #include "platform/shortcuts.h"
+#include "platform/text_encoding.h"
 
 namespace corvane {
 
@@ -27,6 +29,10 @@ struct FullReportPlatform {
     Registry* registry = nullptr;
     Environment* environment = nullptr;
     ShortcutReader* shortcuts = nullptr;
+    // When given, each block that names a file gains a line with its SHA-256.
+    FileHasher* hasher = nullptr;
+    // The ANSI code page's texts to UTF-8, for the CSV; none: taken as they are.
+    TextEncoding* encoding = nullptr;
 };
 
 }  // namespace corvane

@@ -6,6 +6,7 @@
 #include "applications/applications_report.h"
 #include "browser/browser_report.h"
 #include "foundations/file_facts_cache.h"
+#include "foundations/file_hash_cache.h"
 #include "processes/process_report.h"
 #include "foundations/app_identity.h"
 #include "foundations/text.h"
@@ -26,6 +27,11 @@ bool AppendOrSay(FullReportPlatform& platform, const std::string& file, const st
     return true;
 }
 
+bool IsChosen(const std::vector<std::string>& chosen, const ReportArea& area) {
+    return std::any_of(chosen.begin(), chosen.end(),
+                       [&](const std::string& name) { return SameTextIgnoringCase(name, area.name); });
+}
+
 size_t FileLength(FileSystem& files, const std::string& file) {
     const auto content = files.Read(file);
     return content ? content->size() : 0;
@@ -36,10 +42,10 @@ size_t FileLength(FileSystem& files, const std::string& file) {
 const std::vector<ReportArea>& FullReportAreas() {
     // Each area's writer goes in here once the area has a report of its own.
     static const std::vector<ReportArea> areas = {
-        {"process", "Process", WriteProcessArea},
-        {"ie", "Internet Explorer", WriteBrowserArea},
-        {"startup", "Startup", WriteStartupArea},
-        {"addremove", "Add/Remove", WriteAddRemoveArea},
+        {"process", "Process", WriteProcessArea, ProcessInventory},
+        {"ie", "Internet Explorer", WriteBrowserArea, BrowserInventory},
+        {"startup", "Startup", WriteStartupArea, StartupInventory},
+        {"addremove", "Add/Remove", WriteAddRemoveArea, ApplicationInventory},
     };
     return areas;
 }
@@ -57,14 +63,13 @@ bool WriteFullReportBody(FullReportPlatform& given, const std::string& file,
     // with the system): each is read once for the whole report, and anew by
     // the next one.
     std::optional<FileFactsCache> facts;
+    std::optional<FileHashCache> hashes;
     FullReportPlatform platform = given;
     if (given.facts) platform.facts = &facts.emplace(*given.facts);
+    if (given.hasher) platform.hasher = &hashes.emplace(*given.hasher);
     bool first = true;
     for (const ReportArea& area : areas) {
-        if (!area.write) continue;
-        const bool wanted = std::any_of(chosen.begin(), chosen.end(),
-                                        [&](const std::string& name) { return SameTextIgnoringCase(name, area.name); });
-        if (!wanted) continue;
+        if (!area.write || !IsChosen(chosen, area)) continue;
         if (!first && !AppendOrSay(platform, file, "\r\n")) return false;
         first = false;
         if (!AppendOrSay(platform, file, area.caption + "\r\n" + std::string(area.caption.size(), '-') + "\r\n")) {
@@ -77,6 +82,20 @@ bool WriteFullReportBody(FullReportPlatform& given, const std::string& file,
         }
     }
     return true;
+}
+
+std::vector<InventoryRecord> CollectInventory(FullReportPlatform& given, const std::vector<std::string>& chosen,
+                                              const std::vector<ReportArea>& areas) {
+    std::optional<FileFactsCache> facts;
+    FullReportPlatform platform = given;
+    if (given.facts) platform.facts = &facts.emplace(*given.facts);
+    std::vector<InventoryRecord> records;
+    for (const ReportArea& area : areas) {
+        if (!area.records || !IsChosen(chosen, area)) continue;
+        std::vector<InventoryRecord> more = area.records(platform);
+        records.insert(records.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+    }
+    return records;
 }
 
 bool WriteFullReport(FullReportPlatform& platform, const std::string& file,

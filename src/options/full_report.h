@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "foundations/inventory.h"
 #include "foundations/report_area.h"
 
 namespace corvane {
@@ -15,10 +16,14 @@ namespace corvane {
 // whole (the writer has then told the user through the prompts port).
 using AreaWriter = std::function<bool(FullReportPlatform& platform, const std::string& file)>;
 
+// The area's items as records, collected anew; none without the area's ports.
+using AreaRecords = std::function<std::vector<InventoryRecord>(FullReportPlatform& platform)>;
+
 struct ReportArea {
     std::string name;     // as /areas: names it, lower case
     std::string caption;  // the area's check box on the options pane
     AreaWriter write;     // empty while the area has no block yet
+    AreaRecords records = nullptr;  // empty while the area has no records yet
 };
 
 // Line 1 of the full report's banner.
@@ -35,10 +40,16 @@ const ReportArea* FindReportArea(const std::vector<ReportArea>& areas, const std
 // underlined, so the areas' rows (whose labels look alike) are told apart; an
 // area that lists nothing says so. Stops at the first area that fails.
 // The areas read their files through one FileFactsCache made for this call,
-// so a file that several rows or areas name is read once per report.
+// so a file that several rows or areas name is read once per report; with a
+// hasher in `platform`, each file is hashed once per report too.
 bool WriteFullReportBody(FullReportPlatform& platform, const std::string& file,
                          const std::vector<std::string>& chosen,
                          const std::vector<ReportArea>& areas = FullReportAreas());
+
+// The records of the chosen areas, in the order of `areas`, collected through
+// one FileFactsCache as the text report's blocks are.
+std::vector<InventoryRecord> CollectInventory(FullReportPlatform& platform, const std::vector<std::string>& chosen,
+                                              const std::vector<ReportArea>& areas = FullReportAreas());
 
 // The banner, then the body: the whole file.
 bool WriteFullReport(FullReportPlatform& platform, const std::string& file,

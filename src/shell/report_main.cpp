@@ -8,6 +8,7 @@
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
+#include "platform/win32/file_hasher_win32.h"
 #include "platform/win32/file_system_win32.h"
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/registry_win32.h"
@@ -34,6 +35,8 @@ int main(int argc, char** argv) {
     corvane::Win32Registry registry;
     corvane::Win32Environment environment;
     corvane::Win32Shortcuts shortcuts;
+    corvane::Win32FileHasher hasher;
+    corvane::Win32TextEncoding encoding;
     char exe[MAX_PATH] = {};
     GetModuleFileNameA(nullptr, exe, sizeof exe);
     corvane::FullReportPlatform platform{ports};
@@ -43,5 +46,7 @@ int main(int argc, char** argv) {
     platform.registry = &registry;
     platform.environment = &environment;
     platform.shortcuts = &shortcuts;
+    platform.hasher = &hasher;
+    platform.encoding = &encoding;
     return corvane::RunCorvaneReport(args, platform, prompts, std::cout, std::cerr);
 }

@@ -9,9 +9,19 @@
 #include <thread>
 #include <vector>
 
+#include <algorithm>
+
+#include "foundations/app_identity.h"
+#include "foundations/inventory.h"
 #include "foundations/sys_info.h"
 #include "platform/win32/adapters.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
+#include "platform/win32/file_system_win32.h"
+#include "platform/win32/file_hasher_win32.h"
+#include "platform/win32/shortcuts_win32.h"
 #include "shell/report_cli.h"
+#include "wine/startup_machine.h"
 #include "wine/wine_support.h"
 
 namespace corvane {
@@ -161,6 +171,133 @@ TEST(ReportUnderWine, UsageOnStandardOutput) {
     std::string expected;
     for (const char* p = kReportUsage; *p; ++p) expected += *p == '\n' ? std::string("\r\n") : std::string(1, *p);
     EXPECT_EQ(run.out, expected);
+}
+
+// ---- /csv, /hash and /compare: ----
+
+void WriteBytes(const std::string& path, const std::string& bytes) {
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    DWORD written = 0;
+    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    CloseHandle(file);
+}
+
+// Digests as sha256sum gives them for the same bytes.
+TEST(ReportUnderWine, HasherAgreesWithSha256sum) {
+    const std::string folder = wine::FreshFolder("report-hash");
+    std::string big(3 * 1048576 + 5, '\0');  // three reads of a megabyte and a few bytes more
+    for (size_t i = 0; i < big.size(); ++i) big[i] = static_cast<char>((i * 31 + 7) & 0xFF);
+    const struct {
+        const char* name;
+        std::string bytes;
+        const char* digest;
+    } cases[] = {
+        {"empty.bin", "", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
+        {"abc.bin", "abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
+        {"big.bin", big, "aacbf7fdf74148b96f47b5a44d8be9f8d52b59c291c5f60cfb68671b58059e56"},
+    };
+    Win32FileHasher hasher;
+    for (const auto& c : cases) {
+        WriteBytes(folder + "\\" + c.name, c.bytes);
+        EXPECT_EQ(hasher.Sha256(folder + "\\" + c.name), std::optional<std::string>(c.digest)) << c.name;
+    }
+    EXPECT_EQ(hasher.Sha256(folder + "\\missing.bin"), std::nullopt);
+    EXPECT_EQ(hasher.Sha256(folder), std::nullopt);  // a folder is no file to read
+    // A file another process holds open for writing is still read.
+    HANDLE held = CreateFileA((folder + "\\abc.bin").c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                              nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(hasher.Sha256(folder + "\\abc.bin"), std::optional<std::string>(cases[1].digest));
+    CloseHandle(held);
+}
+
+TEST(ReportUnderWine, ConvertsTheAnsiCodePageToUtf8) {
+    Win32TextEncoding encoding;
+    EXPECT_EQ(encoding.Utf8OfAnsi("Caf\xE9 \x80"), "Caf\xC3\xA9 \xE2\x82\xAC");
+    EXPECT_EQ(encoding.Utf8OfAnsi(""), "");
+}
+
+// The startup items as the pane lists them, from the program's own folder.
+std::vector<StartupRow> StartupRowsOfTheExe() {
+    Win32Registry registry;
+    Win32FileSystem files;
+    Win32FileFacts facts;
+    Win32Clock clock;
+    Win32Environment environment;
+    Win32Shortcuts shortcuts;
+    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
+    const std::string app = FolderOf(wine::FromUnixPath(CORVANE_REPORT_EXE));
+    return CollectStartupItems(sources, LoadStartupPlaces(sources, app), "All").rows;
+}
+
+TEST(ReportUnderWine, CsvHoldsWhatThePaneListsAndCompareTellsWhatChanged) {
+    wine::StartupMachine machine;
+    machine.Setup();
+    HKEY run;
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, kRunKeyPath, 0, KEY_ALL_ACCESS, &run), ERROR_SUCCESS);
+    const std::string odd = "CorvaneTest a,\"b\"\r\nc\xE9";
+    const std::string oddCommand = "\"" + machine.plain + "\" /say \"hi, there\"";
+    RegSetValueExA(run, odd.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(oddCommand.c_str()),
+                   static_cast<DWORD>(oddCommand.size() + 1));
+    const std::string folder = wine::FreshFolder("report-exe-csv");
+    const std::string csv = folder + "\\items.csv";
+    const Outcome written = RunReport("\"" + csv + "\" /csv /hash /areas:startup");
+    ASSERT_EQ(written.exitCode, 0u) << written.err;
+    EXPECT_EQ(written.err, "");
+    const InventoryTable table = ReadInventoryCsv(wine::FileBytes(csv));
+    ASSERT_EQ(table.error, "");
+    ASSERT_EQ(table.hashColumn, std::optional<size_t>(kInvHash));
+
+    Win32TextEncoding utf8;
+    Win32FileHasher hasher;
+    std::vector<std::vector<std::string>> expected, got;
+    for (const StartupRow& row : StartupRowsOfTheExe()) {
+        const std::string file = FilePath(row.cells[kStartupColPath], row.cells[kStartupColFileName]);
+        expected.push_back({utf8.Utf8OfAnsi(row.cells[kStartupColName]), utf8.Utf8OfAnsi(row.cells[kStartupColCommand]),
+                            utf8.Utf8OfAnsi(row.cells[kStartupColFileName]),
+                            utf8.Utf8OfAnsi(row.cells[kStartupColPath]),
+                            file.empty() ? "" : hasher.Sha256(file).value_or("")});
+    }
+    for (const auto& row : table.rows) {
+        got.push_back({row[kInvName], row[kInvCommand], row[kInvFileName], row[kInvFolder], row[kInvHash]});
+    }
+    EXPECT_EQ(got, expected);
+    bool oddSeen = false;
+    for (const auto& row : table.rows) oddSeen |= row[kInvName] == "CorvaneTest a,\"b\"\r\nc\xC3\xA9";
+    EXPECT_TRUE(oddSeen);
+
+    // Unchanged: exit 0 and no item listed.
+    const std::string changes = folder + "\\changes.txt";
+    Outcome same = RunReport("\"" + changes + "\" /compare:\"" + csv + "\" /hash /areas:startup");
+    EXPECT_EQ(same.exitCode, 0u) << same.err;
+    EXPECT_NE(wine::FileBytes(changes).find("Startup\r\n-------\r\n(no changes)\r\n"), std::string::npos);
+
+    // A value added and a file replaced.
+    const std::string added = "CorvaneTest Added";
+    RegSetValueExA(run, added.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(machine.lib.c_str()),
+                   static_cast<DWORD>(machine.lib.size() + 1));
+    RegCloseKey(run);
+    WriteBytes(machine.plain, "not the program it was");
+    Outcome changed = RunReport("\"" + changes + "\" /compare:\"" + csv + "\" /hash /areas:startup");
+    EXPECT_EQ(changed.exitCode, 1u) << changed.err;
+    const std::string report = wine::FileBytes(changes);
+    const std::string lm = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+    EXPECT_NE(report.find("\r\n+ CorvaneTest Added (" + lm + ")\r\n"), std::string::npos) << report;
+    EXPECT_NE(report.find("\r\n~ CorvaneTest Plain (" + lm + ")\r\n    size: "), std::string::npos) << report;
+    EXPECT_NE(report.find("    sha256: "), std::string::npos) << report;
+
+    // A damaged earlier CSV: one line, exit 2, and the report of the last run stays as it was.
+    const std::string good = wine::FileBytes(csv);
+    WriteBytes(folder + "\\cut.csv", good.substr(0, good.find("\r\nc\xC3\xA9")));
+    const std::string before = wine::FileBytes(changes);
+    Outcome bad = RunReport("\"" + folder + "\\fresh.txt\" /compare:\"" + folder + "\\cut.csv\"");
+    EXPECT_EQ(bad.exitCode, 2u);
+    EXPECT_EQ(bad.err.rfind("CorvaneReport: " + folder + "\\cut.csv is not a CSV of CorvaneReport /csv: line ", 0), 0u)
+        << bad.err;
+    EXPECT_EQ(bad.err.find("\r\n"), bad.err.size() - 2) << bad.err;
+    std::vector<std::string> names = Names(folder);
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"changes.txt", "cut.csv", "items.csv"}));
+    EXPECT_EQ(wine::FileBytes(changes), before);
 }
 
 // ---- the common dialogs, answered by a second thread as a user would ----
