@@ -21,6 +21,7 @@
 #include "platform/win32/file_hasher_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "shell/report_cli.h"
+#include "startup/other_places.h"
 #include "wine/startup_machine.h"
 #include "wine/wine_support.h"
 
@@ -226,7 +227,11 @@ std::vector<StartupRow> StartupRowsOfTheExe() {
     Win32Shortcuts shortcuts;
     StartupSources sources{registry, files, facts, clock, environment, shortcuts};
     const std::string app = FolderOf(wine::FromUnixPath(CORVANE_REPORT_EXE));
-    return CollectStartupItems(sources, LoadStartupPlaces(sources, app), "All").rows;
+    // Every item of "All Items", then the other places, as the startup area collects them.
+    const StartupPlaces places = LoadStartupPlaces(sources, app);
+    StartupList list = CollectStartupItems(sources, places, "All");
+    LoadOtherPlaces(sources, places, list);
+    return list.rows;
 }
 
 TEST(ReportUnderWine, CsvHoldsWhatThePaneListsAndCompareTellsWhatChanged) {
