@@ -115,7 +115,9 @@ bool WriteBrowserArea(FullReportPlatform& platform, const std::string& file) {
     const std::string body =
         Group("IE BHO", BrowserReportBody(BrowserList::HelperObjects,
                                           CollectHelperObjects(sources, places,
-                                                               DisabledHelperObjects(report.files, platform.appPath)))) +
+                                                               DisabledHelperObjects(report.files, platform.appPath),
+                                                               DisabledHelperObjects(report.files, platform.appPath,
+                                                                                     kKeyWow64_32Key)))) +
         "\r\n" + Group("IE Toolbar", BrowserReportBody(BrowserList::Toolbars, CollectToolbars(sources, places))) +
         "\r\n" + Group("IE Buttons", BrowserReportBody(BrowserList::Buttons, CollectButtons(sources, places))) +
         "\r\n" +
