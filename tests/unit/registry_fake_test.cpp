@@ -15,7 +15,7 @@ TEST(RegistryContract, Fake) {
 
 TEST(ClassesViewContract, Fake) {
     FakeRegistry reg;
-    contract::CheckClassesViewContract(reg, "{C0A7E5E5-0000-4000-8000-00000000C1A5}");
+    contract::CheckClassesViewContract(reg, "{C1A55E50-0000-4000-8000-00000000C1A5}");
     EXPECT_EQ(reg.OpenHandles(), 0u);
 }
 

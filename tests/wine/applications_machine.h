@@ -25,7 +25,10 @@ inline bool Ours(const std::string& name) { return name.rfind("CorvaneTest", 0) 
 
 inline void ClearOurs() {
     Win32Registry registry;
-    for (const char* path : {kUninstallKey, kArpCacheKey}) {
+    // Both views: the 32-bit one's keys lie under Wow6432Node.
+    const std::string wow[] = {"SOFTWARE\\Wow6432Node\\" + std::string(kUninstallKey).substr(9),
+                               "SOFTWARE\\Wow6432Node\\" + std::string(kArpCacheKey).substr(9)};
+    for (const char* path : {kUninstallKey, kArpCacheKey, wow[0].c_str(), wow[1].c_str()}) {
         std::vector<std::string> names;
         EnumRegKeys(registry, kHKeyLocalMachine, path, names);
         HKEY key;
