@@ -99,7 +99,7 @@ void CollectInView(ApplicationSources& sources, const ApplicationListOptions& op
 
 std::vector<Row> CollectApplications(ApplicationSources& sources, const ApplicationListOptions& options) {
     std::vector<Row> rows;
-    for (uint32_t view : kRegistryViews) CollectInView(sources, options, view, rows);
+    for (uint32_t view : MachineRegistryViews(sources.registry)) CollectInView(sources, options, view, rows);
     return rows;
 }
 

@@ -1,7 +1,6 @@
 #include "browser/browser_items.h"
 
 #include <algorithm>
-#include <span>
 
 #include "foundations/file_description.h"
 #include "foundations/functions.h"
@@ -183,9 +182,8 @@ struct ScopedSource {
 };
 
 // The views a hive's keys are read in: the machine's in both, the user's in its one.
-std::span<const uint32_t> ViewsOf(RegKey hive) {
-    return hive == kHKeyLocalMachine ? std::span<const uint32_t>(kRegistryViews)
-                                     : std::span<const uint32_t>(kRegistryViews).first(1);
+std::vector<uint32_t> ViewsOf(Registry& registry, RegKey hive) {
+    return hive == kHKeyLocalMachine ? MachineRegistryViews(registry) : std::vector<uint32_t>{0};
 }
 
 }  // namespace
@@ -198,8 +196,10 @@ std::vector<Row> CollectHelperObjects(BrowserSources& sources, const BrowserPlac
                                       const std::vector<std::string>& disabledClsids,
                                       const std::vector<std::string>& disabled32) {
     ViewSources own(sources, 0), view32(sources, kKeyWow64_32Key);
+    const bool read32 = MachineRegistryViews(sources.registry).size() > 1;
     std::vector<Row> rows;
     for (ViewSources* view : {&own, &view32}) {
+        if (view == &view32 && !read32) break;
         std::vector<std::string> clsids;
         EnumRegKeys(view->inView.registry, kHKeyLocalMachine, kHelperObjectsKey, clsids);
         for (const std::string& clsid : clsids) AddClassRow(*view, places, rows, clsid, "True", true);
@@ -211,7 +211,7 @@ std::vector<Row> CollectHelperObjects(BrowserSources& sources, const BrowserPlac
 
 std::vector<Row> CollectToolbars(BrowserSources& sources, const BrowserPlaces& places) {
     std::vector<Row> rows;
-    for (uint32_t view : ViewsOf(kHKeyLocalMachine)) {
+    for (uint32_t view : ViewsOf(sources.registry, kHKeyLocalMachine)) {
         ViewSources inView(sources, view);
         AddToolbarValues(inView, places, rows, kHKeyLocalMachine, kMachineToolbarKey, kScopeAllUsers);
     }
@@ -230,7 +230,7 @@ constexpr ScopedSource kMenuSources[] = {{kHKeyLocalMachine, kMenuExtKey, kScope
 std::vector<Row> CollectButtons(BrowserSources& sources, const BrowserPlaces& places) {
     std::vector<Row> rows;
     for (const ScopedSource& source : kExtensionSources) {
-        for (uint32_t view : ViewsOf(source.hive)) {
+        for (uint32_t view : ViewsOf(sources.registry, source.hive)) {
             ViewSources inView(sources, view);
             std::vector<std::string> ids;
             EnumRegKeys(inView.inView.registry, source.hive, source.key, ids);
@@ -243,7 +243,7 @@ std::vector<Row> CollectButtons(BrowserSources& sources, const BrowserPlaces& pl
 std::vector<Row> CollectMenuItems(BrowserSources& sources, const BrowserPlaces&) {
     std::vector<Row> rows;
     for (const ScopedSource& source : kMenuSources) {
-        for (uint32_t view : ViewsOf(source.hive)) {
+        for (uint32_t view : ViewsOf(sources.registry, source.hive)) {
             RegistryInView registry(sources.registry, view);
             std::vector<std::string> names;
             EnumRegKeys(registry, source.hive, source.key, names);

@@ -9,6 +9,17 @@ uint32_t ViewOfText(const std::string& text) { return text == kView32Text ? kKey
 
 std::string TextOfView(uint32_t view) { return (view & kKeyWow64_32Key) ? kView32Text : ""; }
 
+std::vector<uint32_t> MachineRegistryViews(Registry& registry) {
+    // The 32-bit view is kept below this key of the 64-bit one; without it
+    // there is no second view to read.
+    RegKey key = 0;
+    if (registry.OpenKey(kHKeyLocalMachine, "Software\\Wow6432Node", kKeyRead | kKeyWow64_64Key, key) != kRegOk) {
+        return {0};
+    }
+    registry.CloseKey(key);
+    return {0, kKeyWow64_32Key};
+}
+
 namespace {
 
 // Replaces each reference to `name` (any case) by one to `by`.

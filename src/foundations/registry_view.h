@@ -7,6 +7,7 @@
 // one unless it asks.
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/environment.h"
 #include "platform/registry.h"
@@ -24,8 +25,10 @@ uint32_t ViewOfText(const std::string& text);
 // kView32Text for kKeyWow64_32Key, empty for the program's own view.
 std::string TextOfView(uint32_t view);
 
-// The views a list reads, in its order: the program's own, then the 32-bit one.
-inline constexpr uint32_t kRegistryViews[] = {0, kKeyWow64_32Key};
+// The views a list of the machine's keys reads, in its order: the program's
+// own, then the 32-bit one when the system keeps one. A system without it (a
+// 32-bit Windows, which ignores the view flag) would give every key twice.
+std::vector<uint32_t> MachineRegistryViews(Registry& registry);
 
 class RegistryInView final : public Registry {
 public:

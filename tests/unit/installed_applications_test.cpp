@@ -424,6 +424,50 @@ TEST(CollectApplications, WithoutAThirtyTwoBitViewTheListIsAsItWas) {
     }
 }
 
+// A 32-bit Windows, which ignores the view flags: every view is its one registry.
+class ViewBlindRegistry final : public Registry {
+public:
+    explicit ViewBlindRegistry(Registry& inner) : inner_(inner) {}
+    RegError OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
+        return inner_.OpenKey(parent, subKey, access & ~kKeyWow64Views, key);
+    }
+    RegError CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
+        return inner_.CreateKey(parent, subKey, access & ~kKeyWow64Views, key);
+    }
+    RegError CloseKey(RegKey key) override { return inner_.CloseKey(key); }
+    RegError QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data, uint32_t* size) override {
+        return inner_.QueryValue(key, name, type, data, size);
+    }
+    RegError EnumKey(RegKey key, uint32_t index, char* name, uint32_t* nameLength) override {
+        return inner_.EnumKey(key, index, name, nameLength);
+    }
+    RegError EnumValue(RegKey key, uint32_t index, char* name, uint32_t* nameLength, uint32_t* type, uint8_t* data,
+                       uint32_t* dataSize) override {
+        return inner_.EnumValue(key, index, name, nameLength, type, data, dataSize);
+    }
+    RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data, uint32_t size) override {
+        return inner_.SetValue(key, name, type, data, size);
+    }
+    RegError DeleteValue(RegKey key, const std::string& name) override { return inner_.DeleteValue(key, name); }
+    RegError DeleteKey(RegKey parent, const std::string& subKey, uint32_t) override {
+        return inner_.DeleteKey(parent, subKey, 0);
+    }
+
+private:
+    Registry& inner_;
+};
+
+TEST(CollectApplications, ASystemWithoutAThirtyTwoBitViewIsNotReadTwice) {
+    Machine m;
+    m.AddApp("Only", "Only one");
+    ViewBlindRegistry blind(m.registry);
+    fakes::FakeFileFacts facts;
+    ApplicationSources sources{blind, facts};
+    const std::vector<Row> rows = CollectApplications(sources, kXp);
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].key, "Only");
+}
+
 struct ReportWorld {
     fakes::FakeFileSystem files;
     fakes::FakeSystemInfo system;

@@ -28,8 +28,8 @@ namespace corvane {
 namespace {
 
 using wine::ApplicationsMachine;
-using wine::kFiles;
-using wine::Ours;
+using wine::kAppFiles;
+using wine::IsOurApplication;
 
 // A row as one line: key, cells, icon file and number.
 std::string Line(const Row& row) {
@@ -42,7 +42,7 @@ std::string Line(const Row& row) {
 // (an empty View column). Those with NoRemove 1,
 // without a name or without a command have no row.
 std::vector<std::string> Expected(const std::string& family) {
-    const std::string f = std::string(kFiles) + "\\";
+    const std::string f = std::string(kAppFiles) + "\\";
     const bool records = family != "98";
     const bool w2k = family == "2000";
     auto cols = [&](const char* size, const char* xpDate, const char* w2kDate, const char* frequency) {
@@ -80,7 +80,7 @@ TEST(ApplicationsUnderWine, EveryColumnFromTheRealKeysAndFiles) {
         options.decimalSign = clock.DecimalSign();
         std::vector<std::string> ours;
         for (const Row& row : CollectApplications(sources, options)) {
-            if (Ours(row.key)) ours.push_back(Line(row));
+            if (IsOurApplication(row.key)) ours.push_back(Line(row));
         }
         EXPECT_EQ(ours, Expected(c.family)) << c.version;
     }
@@ -113,7 +113,7 @@ TEST(ApplicationsUnderWine, ConsoleReportWritesTheirBlocks) {
         wine::Run("\"" + wine::FromUnixPath(CORVANE_REPORT_EXE) + "\" \"" + file + "\" /areas:addremove");
     ASSERT_EQ(run.exitCode, 0u) << run.output;
     const std::string report = wine::FileBytes(file);
-    const std::string f = std::string(kFiles) + "\\";
+    const std::string f = std::string(kAppFiles) + "\\";
     const std::string ours =
         "Program Name : CorvaneTest Caf\xE9 Full\r\nCommand      : " + f + "uninst.exe /x\r\n\r\n"
         "Program Name : CorvaneTest Overflow\r\nCommand      : MsiExec.exe /X{C0A7E5E5}\r\n\r\n"

@@ -140,7 +140,8 @@ TEST(BrowserUnderWine, ReportWritesTheRowsAsTheListHasThem) {
     EXPECT_TRUE(prompts.shown.empty());
 }
 
-// reg.exe's own answer whether a key is there in one view ("/reg:32" or "/reg:64").
+// reg.exe's own answer whether a key (or a value of it) is there in one view
+// ("/reg:32" or "/reg:64").
 bool RegHas(const std::string& key, const char* view, const std::string& value = "") {
     const std::string query = "reg.exe query \"" + key + "\"" + (value.empty() ? "" : " /v \"" + value + "\"") + " " +
                               view;
