@@ -5,6 +5,7 @@
 #include "foundations/error_message.h"
 #include "foundations/reg_backup.h"
 #include "foundations/reg_file.h"
+#include "foundations/registry_view.h"
 
 // Delete Entry takes an application out of the list, not off the disk: its
 // Uninstall key and its cache record go to one .reg file in the backup folder,
@@ -25,7 +26,7 @@ std::string ArpCacheKeyOf(const std::string& name) { return std::string(kArpCach
 // when a row came without one.
 std::string ShownName(const Row& row) {
     if (!row.cells.empty() && !row.cells[kAppColName].empty()) return row.cells[kAppColName];
-    return row.key;
+    return ApplicationSubkey(row);
 }
 
 std::string WithoutOuterBlanks(const std::string& text) {
@@ -39,14 +40,21 @@ std::string WithoutOuterBlanks(const std::string& text) {
 bool DeleteApplicationEntry(ApplicationCommandPorts& ports, const Row* selected) {
     if (!selected || selected->key.empty()) return false;
     const std::string name = ShownName(*selected);
+    const bool of32 = ApplicationView(*selected) != 0;
     const std::string question = "Are you sure you want to delete the entry of selected application?\r\n\r\n" + name +
+                                 (of32 ? std::string(" (") + kView32Text + ")" : std::string()) +
                                  "\r\n\r\nOnly the entry in the list goes; the application's files stay where they "
                                  "are. A copy of the entry is kept in the backup folder.";
     if (!AskYesNo(ports.prompts, question, kAppTitle)) return false;
 
-    const std::string uninstallKey = UninstallKeyOf(selected->key);
-    const std::string cacheKey = ArpCacheKeyOf(selected->key);
-    const auto entry = ReadRegKeyTree(ports.registry, kHKeyLocalMachine, uninstallKey);
+    // The entry and its record are taken from the row's own registry view
+    // only; an application of the same key name in the other view stays.
+    const uint32_t view = ApplicationView(*selected);
+    const std::string subkey = ApplicationSubkey(*selected);
+    RegistryInView registry(ports.registry, view);
+    const std::string uninstallKey = UninstallKeyOf(subkey);
+    const std::string cacheKey = ArpCacheKeyOf(subkey);
+    const auto entry = ReadRegKeyTree(registry, kHKeyLocalMachine, uninstallKey);
     if (!entry) {
         ShowErrorOccurred(ports.prompts, kDeleteProcedure,
                           "The entry of " + name + " is no longer in the registry, or could not be read. Nothing "
@@ -57,10 +65,10 @@ bool DeleteApplicationEntry(ApplicationCommandPorts& ports, const Row* selected)
     // opened would be left behind without its entry.
     std::vector<RegFileKey> cache;
     RegKey handle = 0;
-    const RegError opened = ports.registry.OpenKey(kHKeyLocalMachine, cacheKey, kKeyRead, handle);
-    if (opened == kRegOk) ports.registry.CloseKey(handle);
+    const RegError opened = registry.OpenKey(kHKeyLocalMachine, cacheKey, kKeyRead, handle);
+    if (opened == kRegOk) registry.CloseKey(handle);
     if (opened != kErrorFileNotFound) {
-        auto read = opened == kRegOk ? ReadRegKeyTree(ports.registry, kHKeyLocalMachine, cacheKey) : std::nullopt;
+        auto read = opened == kRegOk ? ReadRegKeyTree(registry, kHKeyLocalMachine, cacheKey) : std::nullopt;
         if (!read) {
             ShowErrorOccurred(ports.prompts, kDeleteProcedure,
                               "The cache record of " + name + " could not be read. Nothing was deleted.");
@@ -76,18 +84,24 @@ bool DeleteApplicationEntry(ApplicationCommandPorts& ports, const Row* selected)
                               " has a name with a line break, which a .reg file cannot keep. Nothing was deleted.");
         return false;
     }
-    const std::string heading = " Application " + name + " (" + selected->key + "), entry deleted by " +
-                                kAppTitle + ". Import this file to put it back.";
+    // A 32-bit entry goes back where it was only through the 32-bit registry editor.
+    const std::string heading =
+        " Application " + name + " (" + subkey + (view ? std::string(", ") + kView32Text : std::string()) +
+        "), entry deleted by " + kAppTitle + ". " +
+        (view ? "Import this file with the 32-bit registry editor (%SystemRoot%\\SysWOW64\\regedit.exe)"
+              : "Import this file") +
+        " to put it back.";
     BackupPorts backup{ports.files, ports.prompts, ports.system, ports.clock, ports.appPath};
-    if (!WriteBackup(backup, kDeleteProcedure, kApplicationBackupKind, selected->key, heading, keys)) return false;
+    const std::string backupName = view ? subkey + " " + kView32Text : subkey;
+    if (!WriteBackup(backup, kDeleteProcedure, kApplicationBackupKind, backupName, heading, keys, view)) return false;
 
     // The entry first: once it is gone the list no longer shows the
     // application, whatever becomes of its cache record.
-    if (!RemoveKeyTree(ports.registry, ports.prompts, ports.system, kHKeyLocalMachine, uninstallKey, *entry)) {
+    if (!RemoveKeyTree(registry, ports.prompts, ports.system, kHKeyLocalMachine, uninstallKey, *entry)) {
         return true;
     }
     if (!cache.empty()) {
-        RemoveKeyTree(ports.registry, ports.prompts, ports.system, kHKeyLocalMachine, cacheKey, cache);
+        RemoveKeyTree(registry, ports.prompts, ports.system, kHKeyLocalMachine, cacheKey, cache);
     }
     return true;
 }

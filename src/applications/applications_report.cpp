@@ -54,7 +54,8 @@ std::vector<InventoryRecord> ApplicationInventory(FullReportPlatform& platform) 
     for (const Row& row : CollectAreaRows(platform)) {
         InventoryRecord record;
         record.area = "addremove";
-        record.place = std::string("HKLM\\") + kUninstallKey + "\\" + row.key;
+        record.place = std::string("HKLM\\") + kUninstallKey + "\\" + ApplicationSubkey(row);
+        if (ApplicationView(row) == kKeyWow64_32Key) record.view = kView32;
         record.name = row.cells[kAppColName];
         record.command = row.cells[kAppColCommand];
         records.push_back(std::move(record));

@@ -25,10 +25,13 @@ void IconFromDisplayIcon(std::string displayIcon, std::string& path, int32_t& in
     }
 }
 
-}  // namespace
+// What tells a 32-bit view's row key from a subkey name: a name holds no backslash.
+std::string KeyPrefix32() { return std::string(kView32Text) + "\\"; }
 
-std::vector<Row> CollectApplications(ApplicationSources& sources, const ApplicationListOptions& options) {
-    Registry& registry = sources.registry;
+// The rows of one registry view, appended to `rows`.
+void CollectInView(ApplicationSources& sources, const ApplicationListOptions& options, uint32_t view,
+                   std::vector<Row>& rows) {
+    RegistryInView registry(sources.registry, view);
     // Windows 95 and 98 kept no such record; Windows 2000's control panel
     // showed its dates a day later than the others.
     const bool readRecords = !Holds(options.windowsVersionName, "98") && !Holds(options.windowsVersionName, "95");
@@ -39,11 +42,10 @@ std::vector<Row> CollectApplications(ApplicationSources& sources, const Applicat
     // Each reader opens the entry's key anew; below keys held open for the
     // fill, the system walks one name for it instead of seven.
     RegKey uninstall = 0, cache = 0;
-    if (!names.empty() && registry.OpenKey(kHKeyLocalMachine, kUninstallKey, kKeyRead, uninstall) != kRegOk) return {};
+    if (!names.empty() && registry.OpenKey(kHKeyLocalMachine, kUninstallKey, kKeyRead, uninstall) != kRegOk) return;
     if (!names.empty() && readRecords && registry.OpenKey(kHKeyLocalMachine, kArpCacheKey, kKeyRead, cache) != kRegOk) {
         cache = 0;
     }
-    std::vector<Row> rows;
     std::vector<uint8_t> record;
     for (const std::string& name : names) {
         if (rows.size() >= kMaxRows) break;
@@ -62,9 +64,10 @@ std::vector<Row> CollectApplications(ApplicationSources& sources, const Applicat
         };
 
         Row row(kAddRemoveColumns.size());
-        row.key = name;
+        row.key = view ? KeyPrefix32() + name : name;
         row.cells[kAppColName] = std::move(displayName);
         row.cells[kAppColCommand] = std::move(command);
+        row.cells[kAppColView] = TextOfView(view);
         if (options.icons) {
             // A DisplayIcon is the icon's one source, even when its file is
             // missing; only without one does the record's program stand in.
@@ -90,7 +93,23 @@ std::vector<Row> CollectApplications(ApplicationSources& sources, const Applicat
     }
     if (cache != 0) registry.CloseKey(cache);
     if (uninstall != 0) registry.CloseKey(uninstall);
+}
+
+}  // namespace
+
+std::vector<Row> CollectApplications(ApplicationSources& sources, const ApplicationListOptions& options) {
+    std::vector<Row> rows;
+    for (uint32_t view : MachineRegistryViews(sources.registry)) CollectInView(sources, options, view, rows);
     return rows;
+}
+
+std::string ApplicationSubkey(const Row& row) {
+    const std::string prefix = KeyPrefix32();
+    return row.key.rfind(prefix, 0) == 0 ? row.key.substr(prefix.size()) : row.key;
+}
+
+uint32_t ApplicationView(const Row& row) {
+    return row.key.rfind(KeyPrefix32(), 0) == 0 ? kKeyWow64_32Key : 0;
 }
 
 std::vector<Row> CollectApplications(ApplicationSources& sources, const std::string& windowsVersionName) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "applications/slow_info_cache.h"
+#include "foundations/registry_view.h"
 #include "foundations/row.h"
 #include "foundations/row_limit.h"
 #include "platform/file_facts.h"
@@ -20,10 +21,19 @@ namespace corvane {
 inline constexpr const char* kUninstallKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
 inline constexpr const char* kArpCacheKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache";
 
-// The list's columns, in order: the row's text and sub-items 1 to 4.
-inline constexpr std::array<const char*, 5> kAddRemoveColumns = {"Display Name", "Size (MB)", "Last Used On",
-                                                                 "Frequency", "Uninstall Command"};
-enum AddRemoveColumn : int { kAppColName = 0, kAppColSize, kAppColLastUsed, kAppColFrequency, kAppColCommand };
+// The list's columns, in order: the row's text and sub-items 1 to 5. The
+// last, "View", says "32-bit" for an application registered in the 32-bit
+// registry view of a 64-bit system and is empty for the others.
+inline constexpr std::array<const char*, 6> kAddRemoveColumns = {
+    "Display Name", "Size (MB)", "Last Used On", "Frequency", "Uninstall Command", kViewColumnHeading};
+enum AddRemoveColumn : int {
+    kAppColName = 0,
+    kAppColSize,
+    kAppColLastUsed,
+    kAppColFrequency,
+    kAppColCommand,
+    kAppColView,
+};
 
 // What the walk reads.
 struct ApplicationSources {
@@ -45,9 +55,16 @@ struct ApplicationListOptions {
 
 // refreshApplicationList without a window: one row per application the
 // Uninstall key lists, in the registry's order, keyed by its subkey name, at
-// most kMaxRows of them. A row's icon is only chosen here (iconFile empty:
+// most kMaxRows of them. The key is read in both registry views of a 64-bit
+// system: the 32-bit view's applications follow, with their cache records
+// from the same view, keyed "32-bit\<subkey>" so that one name in both views
+// gives two keys. A row's icon is only chosen here (iconFile empty:
 // the default picture); the row list takes it out of its file.
 std::vector<Row> CollectApplications(ApplicationSources& sources, const ApplicationListOptions& options);
+// The subkey a row stands for, and the view it is in (0 or kKeyWow64_32Key).
+std::string ApplicationSubkey(const Row& row);
+uint32_t ApplicationView(const Row& row);
+
 // The same with "." as the decimal sign.
 std::vector<Row> CollectApplications(ApplicationSources& sources, const std::string& windowsVersionName);
 

@@ -3,6 +3,7 @@
 // of helper objects through their store beside the program, and the three
 // deletes, each of which first writes what it removes to a .reg file in the
 // program's backup folder.
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -26,17 +27,18 @@ struct BrowserCommandPorts {
 };
 
 // A disabled helper object is kept in the folder DBHO beside the program as
-// "{clsid}.reg": a REGEDIT4 file of its whole key, which the system's
-// registry editor imports back, with a comment line naming the registry view
-// it came from. What the deletes remove goes to the folder "backup" as
+// "{clsid}.reg" ("{clsid} 32-bit.reg" for one of the 32-bit registry view): a
+// REGEDIT4 file of its whole key, which the system's registry editor imports
+// back, with a comment line naming the registry view it came from and goes
+// back to. What the deletes remove goes to the folder "backup" as
 // "Toolbar {clsid} 2026-11-23 170512.reg" and the like.
 inline constexpr const char* kHelperObjectStore = "DBHO";
 
-// The store file of a helper object.
-std::string HelperObjectStorePath(const std::string& appPath, const std::string& clsid);
+// The store file of a helper object of the view `view` (0 or kKeyWow64_32Key).
+std::string HelperObjectStorePath(const std::string& appPath, const std::string& clsid, uint32_t view = 0);
 
-// The class ids of the helper objects kept in the store, in the store's order.
-std::vector<std::string> DisabledHelperObjects(FileSystem& files, const std::string& appPath);
+// The class ids of the helper objects of one view kept in the store, in the store's order.
+std::vector<std::string> DisabledHelperObjects(FileSystem& files, const std::string& appPath, uint32_t view = 0);
 
 // cmdDisableBHO / cmdEnableBHO over the list's rows (their `checked` flags
 // and Enabled column). True when the list should be filled anew.

@@ -38,11 +38,29 @@ std::string Expanded(Environment& environment, const std::string& path) {
     return path.find('%') == std::string::npos ? path : ExpandEnvString(environment, path);
 }
 
+// A path as a program of the row's view names it: one from the 32-bit view
+// lies where the system shows such a program its folders.
+std::string FilePath(BrowserSources& sources, uint32_t view, const std::string& path) {
+    return view & kKeyWow64_32Key ? PathIn32BitView(sources.environment, path) : Expanded(sources.environment, path);
+}
+
 // The server a class id registers, as the class key's InprocServer32 names it.
-std::string ServerOf(BrowserSources& sources, const std::string& clsid) {
-    return Expanded(sources.environment,
+// `sources` reads the registry in the row's view.
+std::string ServerOf(BrowserSources& sources, uint32_t view, const std::string& clsid) {
+    return FilePath(sources, view,
                     GetRegString(sources.registry, kHKeyClassesRoot, "CLSID\\" + clsid + "\\InprocServer32", ""));
 }
+
+// The collectors' sources with the registry seen in one view.
+struct ViewSources {
+    ViewSources(BrowserSources& sources, uint32_t view)
+        : registry(sources.registry, view),
+          inView{registry, sources.files, sources.facts, sources.clock, sources.environment},
+          view(view) {}
+    RegistryInView registry;
+    BrowserSources inView;
+    uint32_t view;
+};
 
 bool Suspicious(const BrowserPlaces& places, const std::string& id) {
     return isListedProcess(places.suspectList, LowerAnsi(id));
@@ -54,6 +72,7 @@ bool Suspicious(const BrowserPlaces& places, const std::string& id) {
 // keeps what it has and stays unmarked, as a row whose building failed does.
 struct FileRow {
     std::string id, state, text, path;
+    uint32_t view = 0;
     bool exists = false;
     RowMark mark = RowMark::None;
     std::string iconFile;  // only a file that is there
@@ -66,6 +85,7 @@ void AddFileRow(BrowserSources& sources, std::vector<Row>& rows, const FileRow& 
     row.cells[kBrowserColState] = item.state;
     row.cells[kBrowserColText] = item.text;
     row.cells[kBrowserColFileName] = PathFileName(item.path);
+    row.cells[kBrowserColView] = TextOfView(item.view);
     row.iconFile = item.iconFile;
     row.iconIndex = item.iconIndex;
     if (item.exists) {
@@ -84,48 +104,51 @@ void AddFileRow(BrowserSources& sources, std::vector<Row>& rows, const FileRow& 
 
 // AddBHORow and AddToolbarRow: a class id and the server its class key
 // names, whose first icon the row shows.
-void AddClassRow(BrowserSources& sources, const BrowserPlaces& places, std::vector<Row>& rows,
-                 const std::string& clsid, const std::string& state, bool enabled) {
+void AddClassRow(ViewSources& view, const BrowserPlaces& places, std::vector<Row>& rows, const std::string& clsid,
+                 const std::string& state, bool enabled) {
     if (rows.size() >= kMaxRows) return;
+    BrowserSources& sources = view.inView;
     FileRow item;
     item.id = clsid;
     item.state = state;
+    item.view = view.view;
     item.text = GetRegString(sources.registry, kHKeyClassesRoot, "CLSID\\" + clsid, "");
-    item.path = ServerOf(sources, clsid);
+    item.path = ServerOf(sources, view.view, clsid);
     item.exists = sources.facts.Exists(item.path);
     item.mark = MarkOf(Suspicious(places, clsid), enabled);
     if (item.exists) item.iconFile = item.path;
     AddFileRow(sources, rows, item);
 }
 
-void AddToolbarValues(BrowserSources& sources, const BrowserPlaces& places, std::vector<Row>& rows, RegKey hive,
+void AddToolbarValues(ViewSources& view, const BrowserPlaces& places, std::vector<Row>& rows, RegKey hive,
                       const char* key, const char* scope) {
-    for (const RegValueEntry& entry : EnumRegValues(sources.registry, hive, key)) {
+    for (const RegValueEntry& entry : EnumRegValues(view.inView.registry, hive, key)) {
         // Only the names count; a toolbar's data is a flag the browser keeps.
-        if (!entry.name.empty() && entry.name[0] == '{') AddClassRow(sources, places, rows, entry.name, scope, true);
+        if (!entry.name.empty() && entry.name[0] == '{') AddClassRow(view, places, rows, entry.name, scope, true);
     }
 }
 
 // The file behind a button: a program, the server of one of two class ids,
 // or a script, the first that is there; the script is taken even when it
 // is not, so that a button whose file is gone still shows what it ran.
-std::string ButtonFile(BrowserSources& sources, RegKey hive, const std::string& key) {
-    const std::string exec = Expanded(sources.environment, GetRegString(sources.registry, hive, key, "Exec"));
+std::string ButtonFile(BrowserSources& sources, uint32_t view, RegKey hive, const std::string& key) {
+    const std::string exec = FilePath(sources, view, GetRegString(sources.registry, hive, key, "Exec"));
     if (!exec.empty() && sources.facts.Exists(exec)) return exec;
     for (const char* value : {"ClsidExtension", "BandCLSID"}) {
         const std::string clsid = GetRegString(sources.registry, hive, key, value);
         if (clsid.empty()) continue;
-        const std::string server = ServerOf(sources, clsid);
+        const std::string server = ServerOf(sources, view, clsid);
         if (!server.empty() && sources.facts.Exists(server)) return server;
     }
-    return Expanded(sources.environment, GetRegString(sources.registry, hive, key, "Script"));
+    return FilePath(sources, view, GetRegString(sources.registry, hive, key, "Script"));
 }
 
-void AddButtonRow(BrowserSources& sources, const BrowserPlaces& places, std::vector<Row>& rows, RegKey hive,
+void AddButtonRow(ViewSources& view, const BrowserPlaces& places, std::vector<Row>& rows, RegKey hive,
                   const std::string& id, const char* scope) {
     if (rows.size() >= kMaxRows) return;
+    BrowserSources& sources = view.inView;
     const std::string key = std::string(kExtensionsKey) + "\\" + id;
-    const std::string path = ButtonFile(sources, hive, key);
+    const std::string path = ButtonFile(sources, view.view, hive, key);
     if (path.empty()) return;
 
     // The icon is the Icon value's alone: "file,number", cut at the last comma.
@@ -136,9 +159,11 @@ void AddButtonRow(BrowserSources& sources, const BrowserPlaces& places, std::vec
         iconFile = icon.substr(0, comma);
         iconIndex = IconIndexFromText(icon.substr(comma + 1));
     }
+    if (view.view & kKeyWow64_32Key) iconFile = PathIn32BitView(sources.environment, iconFile);
     FileRow item;
     item.id = id;
     item.state = scope;
+    item.view = view.view;
     item.text = GetRegString(sources.registry, hive, key, "ButtonText");
     item.path = path;
     item.exists = sources.facts.Exists(path);
@@ -156,6 +181,11 @@ struct ScopedSource {
     const char* scope;
 };
 
+// The views a hive's keys are read in: the machine's in both, the user's in its one.
+std::vector<uint32_t> ViewsOf(Registry& registry, RegKey hive) {
+    return hive == kHKeyLocalMachine ? MachineRegistryViews(registry) : std::vector<uint32_t>{0};
+}
+
 }  // namespace
 
 BrowserPlaces LoadBrowserPlaces(BrowserSources& sources, const std::string& appPath) {
@@ -163,19 +193,30 @@ BrowserPlaces LoadBrowserPlaces(BrowserSources& sources, const std::string& appP
 }
 
 std::vector<Row> CollectHelperObjects(BrowserSources& sources, const BrowserPlaces& places,
-                                      const std::vector<std::string>& disabledClsids) {
-    std::vector<std::string> clsids;
-    EnumRegKeys(sources.registry, kHKeyLocalMachine, kHelperObjectsKey, clsids);
+                                      const std::vector<std::string>& disabledClsids,
+                                      const std::vector<std::string>& disabled32) {
+    ViewSources own(sources, 0), view32(sources, kKeyWow64_32Key);
+    const bool read32 = MachineRegistryViews(sources.registry).size() > 1;
     std::vector<Row> rows;
-    for (const std::string& clsid : clsids) AddClassRow(sources, places, rows, clsid, "True", true);
-    for (const std::string& clsid : disabledClsids) AddClassRow(sources, places, rows, clsid, "False", false);
+    for (ViewSources* view : {&own, &view32}) {
+        if (view == &view32 && !read32) break;
+        std::vector<std::string> clsids;
+        EnumRegKeys(view->inView.registry, kHKeyLocalMachine, kHelperObjectsKey, clsids);
+        for (const std::string& clsid : clsids) AddClassRow(*view, places, rows, clsid, "True", true);
+    }
+    for (const std::string& clsid : disabledClsids) AddClassRow(own, places, rows, clsid, "False", false);
+    for (const std::string& clsid : disabled32) AddClassRow(view32, places, rows, clsid, "False", false);
     return rows;
 }
 
 std::vector<Row> CollectToolbars(BrowserSources& sources, const BrowserPlaces& places) {
     std::vector<Row> rows;
-    AddToolbarValues(sources, places, rows, kHKeyLocalMachine, kMachineToolbarKey, kScopeAllUsers);
-    AddToolbarValues(sources, places, rows, kHKeyCurrentUser, kUserToolbarKey, kScopeCurrentUser);
+    for (uint32_t view : ViewsOf(sources.registry, kHKeyLocalMachine)) {
+        ViewSources inView(sources, view);
+        AddToolbarValues(inView, places, rows, kHKeyLocalMachine, kMachineToolbarKey, kScopeAllUsers);
+    }
+    ViewSources own(sources, 0);
+    AddToolbarValues(own, places, rows, kHKeyCurrentUser, kUserToolbarKey, kScopeCurrentUser);
     return rows;
 }
 
@@ -189,9 +230,12 @@ constexpr ScopedSource kMenuSources[] = {{kHKeyLocalMachine, kMenuExtKey, kScope
 std::vector<Row> CollectButtons(BrowserSources& sources, const BrowserPlaces& places) {
     std::vector<Row> rows;
     for (const ScopedSource& source : kExtensionSources) {
-        std::vector<std::string> ids;
-        EnumRegKeys(sources.registry, source.hive, source.key, ids);
-        for (const std::string& id : ids) AddButtonRow(sources, places, rows, source.hive, id, source.scope);
+        for (uint32_t view : ViewsOf(sources.registry, source.hive)) {
+            ViewSources inView(sources, view);
+            std::vector<std::string> ids;
+            EnumRegKeys(inView.inView.registry, source.hive, source.key, ids);
+            for (const std::string& id : ids) AddButtonRow(inView, places, rows, source.hive, id, source.scope);
+        }
     }
     return rows;
 }
@@ -199,20 +243,28 @@ std::vector<Row> CollectButtons(BrowserSources& sources, const BrowserPlaces& pl
 std::vector<Row> CollectMenuItems(BrowserSources& sources, const BrowserPlaces&) {
     std::vector<Row> rows;
     for (const ScopedSource& source : kMenuSources) {
-        std::vector<std::string> names;
-        EnumRegKeys(sources.registry, source.hive, source.key, names);
-        for (const std::string& name : names) {
-            if (rows.size() >= kMaxRows) return rows;
-            // The path as the registry holds it, references and arguments included.
-            Row row(kMenuColumns.size());
-            row.cells[kMenuColName] = name;
-            row.cells[kMenuColScope] = source.scope;
-            row.cells[kMenuColPath] =
-                GetRegString(sources.registry, source.hive, std::string(source.key) + "\\" + name, "");
-            rows.push_back(std::move(row));
+        for (uint32_t view : ViewsOf(sources.registry, source.hive)) {
+            RegistryInView registry(sources.registry, view);
+            std::vector<std::string> names;
+            EnumRegKeys(registry, source.hive, source.key, names);
+            for (const std::string& name : names) {
+                if (rows.size() >= kMaxRows) return rows;
+                // The path as the registry holds it, references and arguments included.
+                Row row(kMenuColumns.size());
+                row.cells[kMenuColName] = name;
+                row.cells[kMenuColScope] = source.scope;
+                row.cells[kMenuColPath] =
+                    GetRegString(registry, source.hive, std::string(source.key) + "\\" + name, "");
+                row.cells[kMenuColView] = TextOfView(view);
+                rows.push_back(std::move(row));
+            }
         }
     }
     return rows;
+}
+
+uint32_t ViewOfRow(const Row& row, size_t viewColumn) {
+    return viewColumn < row.cells.size() ? ViewOfText(row.cells[viewColumn]) : 0;
 }
 
 RegKey HiveOfScope(const std::string& scope) { return scope == kScopeAllUsers ? kHKeyLocalMachine : kHKeyCurrentUser; }

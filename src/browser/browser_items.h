@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "foundations/registry_view.h"
 #include "foundations/row.h"
 #include "foundations/row_limit.h"
 #include "platform/clock.h"
@@ -33,17 +34,19 @@ inline constexpr const char* kMenuExtKey = "Software\\Microsoft\\Internet Explor
 inline constexpr const char* kScopeAllUsers = "All Users";        // HKEY_LOCAL_MACHINE
 inline constexpr const char* kScopeCurrentUser = "Current User";  // HKEY_CURRENT_USER
 
-// The lists' columns, in order: the row's text, then its sub-items.
-inline constexpr std::array<const char*, 10> kBHOColumns = {
-    "Class ID",   "Enabled",      "Description",  "File Name",        "Size (KB)",
-    "Created On", "Company Name", "Prodcut Name", "File Description", "Path"};
-inline constexpr std::array<const char*, 10> kToolbarColumns = {
-    "Class ID",   "Scope",        "Description",  "File Name",        "Size (KB)",
-    "Created On", "Company Name", "Prodcut Name", "File Description", "Path"};
-inline constexpr std::array<const char*, 10> kButtonColumns = {
-    "Class ID",   "Scope",        "Button Text",  "File Name",        "Size (KB)",
-    "Created On", "Company Name", "Prodcut Name", "File Description", "Path"};
-inline constexpr std::array<const char*, 3> kMenuColumns = {"Menu", "Scope", "Path"};
+// The lists' columns, in order: the row's text, then its sub-items. The last,
+// "View", says "32-bit" for a row read from the 32-bit registry view of a
+// 64-bit system and is empty for the others.
+inline constexpr std::array<const char*, 11> kBHOColumns = {
+    "Class ID",   "Enabled",      "Description",  "File Name",        "Size (KB)",         "Created On",
+    "Company Name", "Prodcut Name", "File Description", "Path", kViewColumnHeading};
+inline constexpr std::array<const char*, 11> kToolbarColumns = {
+    "Class ID",   "Scope",        "Description",  "File Name",        "Size (KB)",         "Created On",
+    "Company Name", "Prodcut Name", "File Description", "Path", kViewColumnHeading};
+inline constexpr std::array<const char*, 11> kButtonColumns = {
+    "Class ID",   "Scope",        "Button Text",  "File Name",        "Size (KB)",         "Created On",
+    "Company Name", "Prodcut Name", "File Description", "Path", kViewColumnHeading};
+inline constexpr std::array<const char*, 4> kMenuColumns = {"Menu", "Scope", "Path", kViewColumnHeading};
 
 // The three lists with files share their columns but for column 1 (Enabled
 // or Scope) and column 2 (Description or Button Text).
@@ -58,8 +61,9 @@ enum BrowserColumn : int {
     kBrowserColProduct,
     kBrowserColFileDescription,
     kBrowserColPath,
+    kBrowserColView,  // "32-bit" or empty
 };
-enum MenuColumn : int { kMenuColName = 0, kMenuColScope, kMenuColPath };
+enum MenuColumn : int { kMenuColName = 0, kMenuColScope, kMenuColPath, kMenuColView };
 
 // What the collectors read.
 struct BrowserSources {
@@ -78,16 +82,26 @@ struct BrowserPlaces {
 
 BrowserPlaces LoadBrowserPlaces(BrowserSources& sources, const std::string& appPath);
 
+// The machine's keys are read in both registry views of a 64-bit system:
+// the rows of the 32-bit view follow those of the program's own, their class
+// keys are looked up and their files found in that view too, and their View
+// column says so. The user's keys have one view.
+
 // The helper objects under the machine's key, in the registry's order, then
-// one row for each of `disabledClsids` (kept in the store) with Enabled "False".
+// one row for each of `disabledClsids` and then of `disabled32` (kept in the
+// store, from the two views) with Enabled "False".
 std::vector<Row> CollectHelperObjects(BrowserSources& sources, const BrowserPlaces& places,
-                                      const std::vector<std::string>& disabledClsids);
+                                      const std::vector<std::string>& disabledClsids,
+                                      const std::vector<std::string>& disabled32 = {});
 // The toolbars of the machine, then of the user.
 std::vector<Row> CollectToolbars(BrowserSources& sources, const BrowserPlaces& places);
 // The toolbar buttons of the machine, then of the user.
 std::vector<Row> CollectButtons(BrowserSources& sources, const BrowserPlaces& places);
 // The context menu items of the machine, then of the user.
 std::vector<Row> CollectMenuItems(BrowserSources& sources, const BrowserPlaces& places);
+
+// The registry view a row was read from: 0 or kKeyWow64_32Key.
+uint32_t ViewOfRow(const Row& row, size_t viewColumn);
 
 // The hive a Scope text names.
 RegKey HiveOfScope(const std::string& scope);

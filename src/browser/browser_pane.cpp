@@ -181,7 +181,8 @@ void BrowserListTab::Fill() {
     const BrowserPlaces& places = pane_.places();
     switch (kind_) {
         case Kind::HelperObjects:
-            list_.Show(CollectHelperObjects(sources, places, DisabledHelperObjects(*app.files, app.appPath)));
+            list_.Show(CollectHelperObjects(sources, places, DisabledHelperObjects(*app.files, app.appPath),
+                                            DisabledHelperObjects(*app.files, app.appPath, kKeyWow64_32Key)));
             break;
         case Kind::Toolbars: list_.Show(CollectToolbars(sources, places)); break;
         case Kind::Buttons: list_.Show(CollectButtons(sources, places)); break;

@@ -125,7 +125,9 @@ bool WriteBrowserArea(FullReportPlatform& platform, const std::string& file) {
     const std::string body =
         Group("IE BHO", BrowserReportBody(BrowserList::HelperObjects,
                                           CollectHelperObjects(sources, places,
-                                                               DisabledHelperObjects(report.files, platform.appPath)),
+                                                               DisabledHelperObjects(report.files, platform.appPath),
+                                                               DisabledHelperObjects(report.files, platform.appPath,
+                                                                                     kKeyWow64_32Key)),
                                           hasher)) +
         "\r\n" +
         Group("IE Toolbar", BrowserReportBody(BrowserList::Toolbars, CollectToolbars(sources, places), hasher)) +
@@ -166,11 +168,13 @@ std::vector<InventoryRecord> BrowserInventory(FullReportPlatform& platform) {
         record.product = row.cells[kBrowserColProduct];
         record.description = row.cells[kBrowserColFileDescription];
         record.suspicious = IsSuspicious(row.mark);
+        if (ViewOfRow(row, kBrowserColView) == kKeyWow64_32Key) record.view = kView32;
         records.push_back(std::move(record));
     };
     // A helper object kept in the store is listed where it was registered.
     for (const Row& row :
-         CollectHelperObjects(sources, places, DisabledHelperObjects(report.files, platform.appPath))) {
+         CollectHelperObjects(sources, places, DisabledHelperObjects(report.files, platform.appPath),
+                              DisabledHelperObjects(report.files, platform.appPath, kKeyWow64_32Key))) {
         add(row, std::string("HKLM\\") + kHelperObjectsKey,
             row.cells[kBrowserColState] == "False" ? kStateDisabled : kStateEnabled);
     }
@@ -187,6 +191,7 @@ std::vector<InventoryRecord> BrowserInventory(FullReportPlatform& platform) {
         record.place = hiveName(row.cells[kMenuColScope]) + std::string(kMenuExtKey);
         record.name = row.cells[kMenuColName];
         record.command = row.cells[kMenuColPath];
+        if (ViewOfRow(row, kMenuColView) == kKeyWow64_32Key) record.view = kView32;
         records.push_back(std::move(record));
     }
     const BrowserUrls urls = LoadBrowserURLs(*platform.registry);

@@ -60,8 +60,21 @@ SysError WriteDurably(FileSystem& files, const std::string& path, const std::str
     return *back == text ? kNoError : kWriteFault;
 }
 
-RegFile KeptFile(const std::string& heading, std::vector<RegFileKey> keys) {
-    return RegFile{{heading, std::string(kRegistryViewComment) + kRegistryView64}, std::move(keys)};
+RegFile KeptFile(const std::string& heading, std::vector<RegFileKey> keys, uint32_t view) {
+    const char* named = (view & kKeyWow64_32Key) ? kRegistryView32 : kRegistryView64;
+    return RegFile{{heading, std::string(kRegistryViewComment) + named}, std::move(keys)};
+}
+
+std::optional<uint32_t> KeptFileView(const RegFile& file) {
+    const std::string prefix = kRegistryViewComment;
+    for (const std::string& comment : file.comments) {
+        if (comment.rfind(prefix, 0) != 0) continue;
+        const std::string named = comment.substr(prefix.size());
+        if (named == kRegistryView64) return 0u;
+        if (named == kRegistryView32) return kKeyWow64_32Key;
+        return std::nullopt;
+    }
+    return 0u;
 }
 
 std::string FreeBackupPath(FileSystem& files, Clock& clock, const std::string& appPath, const std::string& kind,
@@ -74,7 +87,7 @@ std::string FreeBackupPath(FileSystem& files, Clock& clock, const std::string& a
 
 std::optional<std::string> WriteBackup(BackupPorts& ports, const char* procedure, const std::string& kind,
                                        const std::string& name, const std::string& heading,
-                                       const std::vector<RegFileKey>& keys) {
+                                       const std::vector<RegFileKey>& keys, uint32_t view) {
     const std::string folder = RegBackupFolder(ports.appPath);
     if (const SysError error = EnsureFolder(ports.files, folder)) {
         ShowErrorOccurred(ports.prompts, procedure,
@@ -82,7 +95,7 @@ std::optional<std::string> WriteBackup(BackupPorts& ports, const char* procedure
         return std::nullopt;
     }
     const std::string path = FreeBackupPath(ports.files, ports.clock, ports.appPath, kind, name);
-    if (const SysError error = WriteDurably(ports.files, path, FormatRegFile(KeptFile(heading, keys)))) {
+    if (const SysError error = WriteDurably(ports.files, path, FormatRegFile(KeptFile(heading, keys, view)))) {
         ShowErrorOccurred(ports.prompts, procedure,
                           "The backup " + path + " could not be written, so nothing was deleted: " +
                               ErrorDescription(ports.system, error));

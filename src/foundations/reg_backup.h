@@ -19,9 +19,12 @@ namespace corvane {
 // The folder beside the program that what the deletes remove goes to, as
 // "Toolbar {clsid} 2026-11-23 170512.reg" and the like.
 inline constexpr const char* kBackupFolder = "backup";
-// The comment of a kept key that names its registry view, and the one view written now.
+// The comment of a kept key that names its registry view: the program's own
+// (64-bit) or the 32-bit one of a 64-bit system. A file without it is of the
+// program's own view.
 inline constexpr const char* kRegistryViewComment = " Registry view: ";
 inline constexpr const char* kRegistryView64 = "64-bit";
+inline constexpr const char* kRegistryView32 = "32-bit";
 
 std::string RegBackupFolder(const std::string& appPath);
 
@@ -37,8 +40,12 @@ SysError EnsureFolder(FileSystem& files, const std::string& folder);
 // says otherwise than was written counts as not written.
 SysError WriteDurably(FileSystem& files, const std::string& path, const std::string& text);
 
-// A kept file: the heading comment, the registry view, then the keys.
-RegFile KeptFile(const std::string& heading, std::vector<RegFileKey> keys);
+// A kept file: the heading comment, the registry view (0 or kKeyWow64_32Key),
+// then the keys.
+RegFile KeptFile(const std::string& heading, std::vector<RegFileKey> keys, uint32_t view = 0);
+// The view a kept file names: 0 when it names the program's own or none,
+// kKeyWow64_32Key for the 32-bit one; nothing for a view it cannot mean.
+std::optional<uint32_t> KeptFileView(const RegFile& file);
 
 // "backup\<kind> <name> 2026-11-23 170512.reg", with " (2)" and on when that
 // second has one already.
@@ -60,7 +67,7 @@ struct BackupPorts {
 // nothing.
 std::optional<std::string> WriteBackup(BackupPorts& ports, const char* procedure, const std::string& kind,
                                        const std::string& name, const std::string& heading,
-                                       const std::vector<RegFileKey>& keys);
+                                       const std::vector<RegFileKey>& keys, uint32_t view = 0);
 
 // Whether the key can be opened to read.
 bool RegKeyExists(Registry& registry, RegKey root, const std::string& keyPath);

@@ -9,7 +9,7 @@
 #include "foundations/report_banner.h"
 #include "foundations/app_identity.h"
 #include "startup/other_places.h"
-#include "startup/registry_view.h"
+#include "foundations/registry_view.h"
 #include "startup/run_key_store.h"
 
 namespace corvane {

@@ -9,7 +9,7 @@
 #include "foundations/settings.h"
 #include "startup/other_places.h"
 #include "foundations/reference_list.h"
-#include "startup/registry_view.h"
+#include "foundations/registry_view.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_approved.h"
 

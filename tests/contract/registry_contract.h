@@ -224,4 +224,43 @@ inline void CheckRegistryViewContract(Registry& reg, const std::string& name) {
     EXPECT_EQ(reg.OpenKey(kHKeyLocalMachine, redirected, kKeyRead | kKeyWow64_64Key, key), kErrorFileNotFound);
 }
 
+// The classes in the two views: HKCR\CLSID\{id} of the 32-bit view is
+// HKCR\Wow6432Node\CLSID\{id}, as a 64-bit Windows and Wine keep it. `clsid`
+// is the suite's own; it must not exist in either view.
+inline void CheckClassesViewContract(Registry& reg, const std::string& clsid) {
+    const std::string path = "CLSID\\" + clsid;
+    RegKey key = 0;
+    ASSERT_EQ(reg.CreateKey(kHKeyClassesRoot, path + "\\InprocServer32", kKeyAllAccess | kKeyWow64_32Key, key),
+              kRegOk);
+    const std::string text = "C:\\x86.dll";
+    EXPECT_EQ(reg.SetValue(key, "", kRegSz, reinterpret_cast<const uint8_t*>(text.c_str()),
+                           static_cast<uint32_t>(text.size() + 1)),
+              kRegOk);
+    reg.CloseKey(key);
+
+    EXPECT_EQ(reg.OpenKey(kHKeyClassesRoot, "Wow6432Node\\" + path + "\\InprocServer32", kKeyRead | kKeyWow64_64Key,
+                          key),
+              kRegOk);
+    reg.CloseKey(key);
+    EXPECT_EQ(reg.OpenKey(kHKeyClassesRoot, path, kKeyRead | kKeyWow64_64Key, key), kErrorFileNotFound);
+    EXPECT_EQ(reg.OpenKey(kHKeyClassesRoot, path, kKeyRead, key), kErrorFileNotFound);
+    // HKCR\CLSID opened in the 32-bit view reaches the class by its plain name.
+    RegKey classes = 0;
+    ASSERT_EQ(reg.OpenKey(kHKeyClassesRoot, "CLSID", kKeyRead | kKeyWow64_32Key, classes), kRegOk);
+    ASSERT_EQ(reg.OpenKey(classes, clsid + "\\InprocServer32", kKeyRead, key), kRegOk);
+    char data[32] = {};
+    uint32_t size = sizeof data;
+    uint32_t type = 0;
+    EXPECT_EQ(reg.QueryValue(key, "", &type, reinterpret_cast<uint8_t*>(data), &size), kRegOk);
+    EXPECT_STREQ(data, "C:\\x86.dll");
+    reg.CloseKey(key);
+    reg.CloseKey(classes);
+
+    EXPECT_EQ(reg.DeleteKey(kHKeyClassesRoot, path + "\\InprocServer32", kKeyWow64_64Key), kErrorFileNotFound);
+    EXPECT_EQ(reg.DeleteKey(kHKeyClassesRoot, path + "\\InprocServer32", kKeyWow64_32Key), kRegOk);
+    EXPECT_EQ(reg.DeleteKey(kHKeyClassesRoot, path, kKeyWow64_32Key), kRegOk);
+    EXPECT_EQ(reg.OpenKey(kHKeyClassesRoot, "Wow6432Node\\" + path, kKeyRead | kKeyWow64_64Key, key),
+              kErrorFileNotFound);
+}
+
 }  // namespace corvane::contract

@@ -8,13 +8,16 @@
 #include "applications/installed_applications.h"
 #include "fakes/command_fakes.h"
 #include "fakes/fake_clock.h"
+#include "fakes/fake_file_facts.h"
 #include "fakes/fake_file_system.h"
 #include "fakes/fake_program_runner.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fault_injection.h"
 #include "fakes/fakes.h"
 #include "foundations/reg_file.h"
+#include "foundations/reg_backup.h"
 #include "foundations/registry.h"
+#include "foundations/registry_view.h"
 
 namespace corvane {
 namespace {
@@ -124,6 +127,54 @@ TEST(ApplicationCommands, DeleteEntryAsksThenKeepsEntryAndRecordInOneBackup) {
         // Imported, the backup gives the entry back as it was.
         ASSERT_EQ(ImportRegKeys(w.registry, kept->keys), kRegOk);
         EXPECT_EQ(w.Entry(c.key), before) << c.key;
+        EXPECT_EQ(w.registry.OpenHandles(), 0u);
+    }
+}
+
+TEST(ApplicationCommands, DeleteEntryWorksInTheRowsOwnViewOnly) {
+    // "Plain" in both views, each with a record; either row takes its own.
+    const std::string uninstall32 = "HKLM\\SOFTWARE\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Plain";
+    const std::string cache32 =
+        "HKLM\\SOFTWARE\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache\\Plain";
+    const struct {
+        uint32_t view;
+        const char* backupName;
+        const char* viewLine;
+    } cases[] = {
+        {0, "Application Plain 2003-01-31 140509.reg", " Registry view: 64-bit"},
+        {kKeyWow64_32Key, "Application Plain 32-bit 2003-01-31 140509.reg", " Registry view: 32-bit"},
+    };
+    for (const auto& c : cases) {
+        World w;
+        w.registry.PutString(uninstall32, "DisplayName", "Plain Tool");
+        w.registry.PutString(uninstall32, "UninstallString", "C:\\x86\\uninst.exe");
+        w.registry.Put(kCache + "\\Plain", "SlowInfoCache", kRegBinary, std::string(552, '\x01'));
+        w.registry.Put(cache32, "SlowInfoCache", kRegBinary, std::string(552, '\x02'));
+        // The rows as the list gives them.
+        fakes::FakeFileFacts facts;
+        ApplicationSources sources{w.registry, facts};
+        const std::vector<Row> rows = CollectApplications(sources, "Windows XP");
+        const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row& r) {
+            return ApplicationSubkey(r) == "Plain" && ApplicationView(r) == c.view;
+        });
+        ASSERT_NE(row, rows.end()) << c.view;
+        RegistryInView own(w.registry, c.view), other(w.registry, c.view ? 0 : kKeyWow64_32Key);
+        const auto otherBefore = ReadRegKeyTree(other, kHKeyLocalMachine, kUninstallKey + "\\Plain"s);
+        const auto otherCache = ReadRegKeyTree(other, kHKeyLocalMachine, kArpCacheKey + "\\Plain"s);
+        const auto before = ReadRegKeyTree(own, kHKeyLocalMachine, kUninstallKey + "\\Plain"s);
+        ASSERT_TRUE(otherBefore && otherCache && before);
+
+        EXPECT_TRUE(DeleteApplicationEntry(w.ports, &*row)) << c.view;
+        EXPECT_FALSE(RegKeyExists(own, kHKeyLocalMachine, kUninstallKey + "\\Plain"s)) << c.view;
+        EXPECT_FALSE(RegKeyExists(own, kHKeyLocalMachine, kArpCacheKey + "\\Plain"s)) << c.view;
+        EXPECT_EQ(ReadRegKeyTree(other, kHKeyLocalMachine, kUninstallKey + "\\Plain"s), otherBefore) << c.view;
+        EXPECT_EQ(ReadRegKeyTree(other, kHKeyLocalMachine, kArpCacheKey + "\\Plain"s), otherCache) << c.view;
+        const auto kept = ParseRegFile(w.files.Content(kBackup + "\\" + c.backupName).value_or(""));
+        ASSERT_TRUE(kept) << c.backupName;
+        EXPECT_NE(std::find(kept->comments.begin(), kept->comments.end(), c.viewLine), kept->comments.end());
+        // Imported in the view the file names, it comes back where it was.
+        ASSERT_EQ(ImportRegKeys(own, kept->keys), kRegOk);
+        EXPECT_EQ(ReadRegKeyTree(own, kHKeyLocalMachine, kUninstallKey + "\\Plain"s), before) << c.view;
         EXPECT_EQ(w.registry.OpenHandles(), 0u);
     }
 }

@@ -9,12 +9,15 @@
 #include "browser/browser_items.h"
 #include "fakes/command_fakes.h"
 #include "fakes/fake_clock.h"
+#include "fakes/fake_file_facts.h"
 #include "fakes/fake_file_system.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fault_injection.h"
 #include "fakes/fakes.h"
 #include "foundations/reg_file.h"
+#include "foundations/reg_backup.h"
 #include "foundations/registry.h"
+#include "foundations/registry_view.h"
 
 namespace corvane {
 namespace {
@@ -393,6 +396,179 @@ TEST(BrowserCommands, NothingIsLostWhateverFailsOrWhereverItStops) {
         }
     }
     EXPECT_GT(runs, 250);
+}
+
+// ---- the two registry views of a 64-bit system ----
+
+const std::string kBHO32 = "HKLM\\Software\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects";
+// A class id registered in both views, with other values in each.
+const std::string kTwin = "{77777777-0000-0000-0000-000000000007}";
+
+void PopulateTwins(World& w) {
+    for (const auto& [root, text] : {std::pair{kBHO, "sixty-four"}, std::pair{kBHO32, "thirty-two"}}) {
+        const std::string key = root + "\\" + kTwin;
+        w.registry.PutString(key, "", text);
+        w.registry.Put(key, "Bytes", kRegBinary, std::string(text) + "\x00\xff"s);
+        w.registry.Put(key, "NoNul", kRegSz, text);
+        w.registry.PutDword(key + "\\Deep", "Level", root == kBHO ? 64 : 32);
+    }
+    w.registry.PutString("HKCR\\Wow6432Node\\CLSID\\" + kTwin, "", "Class of the 32-bit view");
+}
+
+// The helper objects' rows as the list gives them, all checked.
+std::vector<Row> ListedHelpers(World& w) {
+    fakes::FakeFileFacts facts;
+    fakes::FakeEnvironment environment;
+    BrowserSources sources{w.registry, w.files, facts, w.clock, environment};
+    std::vector<Row> rows =
+        CollectHelperObjects(sources, LoadBrowserPlaces(sources, kApp), DisabledHelperObjects(w.files, kApp),
+                             DisabledHelperObjects(w.files, kApp, kKeyWow64_32Key));
+    for (Row& row : rows) row.checked = true;
+    return rows;
+}
+
+// Only the rows of one view, as a user who ticks only those.
+std::vector<Row> OfView(std::vector<Row> rows, uint32_t view) {
+    std::erase_if(rows, [&](const Row& row) { return ViewOfRow(row, kBrowserColView) != view; });
+    return rows;
+}
+
+TEST(BrowserCommands, AHelperObjectGoesBackToItsOwnViewAndLeavesTheOtherAlone) {
+    const struct {
+        uint32_t view;
+        const char* storeName;
+        const char* viewLine;
+    } cases[] = {
+        {kKeyWow64_32Key, "{77777777-0000-0000-0000-000000000007} 32-bit.reg", "\r\n; Registry view: 32-bit\r\n"},
+        {0, "{77777777-0000-0000-0000-000000000007}.reg", "\r\n; Registry view: 64-bit\r\n"},
+    };
+    for (const auto& c : cases) {
+        World w;
+        PopulateTwins(w);
+        RegistryInView own(w.registry, c.view), other(w.registry, c.view ? 0 : kKeyWow64_32Key);
+        const std::string key = kHelperObjectsKey + "\\"s + kTwin;
+        const auto mine = ReadRegKeyTree(own, kHKeyLocalMachine, key);
+        const auto theirs = ReadRegKeyTree(other, kHKeyLocalMachine, key);
+        ASSERT_TRUE(mine && theirs && mine != theirs);
+
+        EXPECT_TRUE(DisableCheckedHelperObjects(w.ports, OfView(ListedHelpers(w), c.view))) << c.view;
+        EXPECT_TRUE(w.prompts.shown.empty());
+        EXPECT_FALSE(RegKeyExists(own, kHKeyLocalMachine, key)) << c.view;
+        EXPECT_EQ(ReadRegKeyTree(other, kHKeyLocalMachine, key), theirs) << c.view;
+        const std::string store = kStore + "\\" + c.storeName;
+        EXPECT_EQ(HelperObjectStorePath(kApp, kTwin, c.view), store);
+        EXPECT_NE(w.files.Content(store).value_or("").find(c.viewLine), std::string::npos) << c.view;
+        EXPECT_EQ(w.Kept(store), mine);
+        EXPECT_EQ(DisabledHelperObjects(w.files, kApp, c.view), std::vector<std::string>{kTwin});
+        EXPECT_TRUE(DisabledHelperObjects(w.files, kApp, c.view ? 0 : kKeyWow64_32Key).empty());
+
+        // Listed once in each state, the disabled one in its own view.
+        const std::vector<Row> listed = ListedHelpers(w);
+        ASSERT_EQ(listed.size(), 2u);
+        EXPECT_EQ(listed[1].cells[kBrowserColState], "False");
+        EXPECT_EQ(ViewOfRow(listed[1], kBrowserColView), c.view);
+        EXPECT_EQ(listed[1].cells[kBrowserColText], c.view ? "Class of the 32-bit view" : "");
+
+        EXPECT_TRUE(EnableCheckedHelperObjects(w.ports, OfView(ListedHelpers(w), c.view))) << c.view;
+        EXPECT_TRUE(w.prompts.shown.empty());
+        EXPECT_EQ(ReadRegKeyTree(own, kHKeyLocalMachine, key), mine) << c.view;
+        EXPECT_EQ(ReadRegKeyTree(other, kHKeyLocalMachine, key), theirs) << c.view;
+        EXPECT_FALSE(w.files.Exists(store));
+        EXPECT_EQ(w.registry.OpenHandles(), 0u);
+    }
+}
+
+TEST(BrowserCommands, AStoreFileGoesOnlyToTheViewItsNameAndViewLineAgreeOn) {
+    // An old file has no view line: it is of the program's own view.
+    const std::string body = "[HKEY_LOCAL_MACHINE\\" + std::string(kHelperObjectsKey) + "\\" + kTwin +
+                             "]\r\n\"Kept\"=\"yes\"\r\n\r\n";
+    const struct {
+        const char* what;
+        const char* fileName;
+        const char* comments;
+        uint32_t view;  // of the row
+        bool enabled;
+    } cases[] = {
+        {"an old file without a view line", ".reg", "; Old\r\n", 0, true},
+        {"a 64-bit file", ".reg", "; Registry view: 64-bit\r\n", 0, true},
+        {"a 32-bit file", " 32-bit.reg", "; Registry view: 32-bit\r\n", kKeyWow64_32Key, true},
+        {"a 32-bit name without a view line", " 32-bit.reg", "", kKeyWow64_32Key, false},
+        {"a plain name saying 32-bit", ".reg", "; Registry view: 32-bit\r\n", 0, false},
+        {"a view the program does not know", ".reg", "; Registry view: 128-bit\r\n", 0, false},
+    };
+    for (const auto& c : cases) {
+        World w;
+        w.files.AddFile(kStore + "\\" + kTwin + c.fileName, "REGEDIT4\r\n" + std::string(c.comments) + "\r\n" + body);
+        Row row(kBHOColumns.size());
+        row.cells[kBrowserColId] = kTwin;
+        row.cells[kBrowserColState] = "False";
+        row.cells[kBrowserColView] = TextOfView(c.view);
+        row.checked = true;
+        EXPECT_TRUE(EnableCheckedHelperObjects(w.ports, {row})) << c.what;
+        RegistryInView own(w.registry, c.view), other(w.registry, c.view ? 0 : kKeyWow64_32Key);
+        const std::string key = kHelperObjectsKey + "\\"s + kTwin;
+        EXPECT_EQ(RegKeyExists(own, kHKeyLocalMachine, key), c.enabled) << c.what;
+        EXPECT_FALSE(RegKeyExists(other, kHKeyLocalMachine, key)) << c.what;
+        EXPECT_EQ(w.files.Exists(kStore + "\\" + kTwin + c.fileName), !c.enabled) << c.what;
+        EXPECT_EQ(w.prompts.shown.size(), c.enabled ? 0u : 1u) << c.what;
+    }
+}
+
+TEST(BrowserCommands, EachDeleteWorksInItsRowsViewOnly) {
+    const std::string toolbar = "{CCCCCCCC-0000-0000-0000-000000000003}";
+    const std::string button = "{EEEEEEEE-0000-0000-0000-000000000005}";
+    const struct {
+        const char* what;
+        std::function<bool(BrowserCommandPorts&, const Row*)> command;
+        size_t columns, viewColumn;
+        std::string id, keyPath;
+        std::optional<std::string> value;
+    } kinds[] = {
+        {"toolbar", DeleteToolbar, kToolbarColumns.size(), kBrowserColView, toolbar, kMachineToolbarKey, toolbar},
+        {"button", DeleteButton, kButtonColumns.size(), kBrowserColView, button, kExtensionsKey + "\\"s + button,
+         std::nullopt},
+        {"menu item", DeleteMenuItem, kMenuColumns.size(), kMenuColView, "&Translate", kMenuExtKey + "\\&Translate"s,
+         std::nullopt},
+    };
+    for (const auto& k : kinds) {
+        for (const uint32_t view : {0u, kKeyWow64_32Key}) {
+            World w;
+            for (const uint32_t in : {0u, kKeyWow64_32Key}) {
+                RegistryInView registry(w.registry, in);
+                RegKey key = 0;
+                ASSERT_EQ(registry.CreateKey(kHKeyLocalMachine, k.keyPath, kKeyAllAccess, key), kRegOk);
+                const std::string text = in ? "thirty-two" : "sixty-four";
+                registry.SetValue(key, k.value.value_or("Script"), kRegSz,
+                                  reinterpret_cast<const uint8_t*>(text.c_str()), static_cast<uint32_t>(text.size()));
+                registry.CloseKey(key);
+            }
+            RegistryInView own(w.registry, view), other(w.registry, view ? 0 : kKeyWow64_32Key);
+            const auto theirs = ReadRegKeyTree(other, kHKeyLocalMachine, k.keyPath);
+            const auto mine = ReadRegKeyTree(own, kHKeyLocalMachine, k.keyPath);
+            Row row = ScopedRow(k.columns, k.id, kScopeAllUsers);
+            row.cells[k.viewColumn] = TextOfView(view);
+
+            EXPECT_TRUE(k.command(w.ports, &row)) << k.what << " " << view;
+            if (k.value) {
+                EXPECT_FALSE(ReadRegValue(own, kHKeyLocalMachine, k.keyPath, *k.value)) << k.what << " " << view;
+            } else {
+                EXPECT_FALSE(RegKeyExists(own, kHKeyLocalMachine, k.keyPath)) << k.what << " " << view;
+            }
+            EXPECT_EQ(ReadRegKeyTree(other, kHKeyLocalMachine, k.keyPath), theirs) << k.what << " " << view;
+            // The backup names its view and holds what went.
+            const auto backups = w.Backups();
+            ASSERT_EQ(backups.size(), 1u) << k.what;
+            ASSERT_TRUE(mine);
+            EXPECT_EQ(backups[0], *mine) << k.what << " " << view;
+            const std::string viewLine = view ? "; Registry view: 32-bit" : "; Registry view: 64-bit";
+            for (const std::string& path : w.files.Paths()) {
+                if (path.rfind(kBackup + "\\", 0) == 0) {
+                    EXPECT_NE(w.files.Content(path)->find(viewLine), std::string::npos) << k.what << " " << view;
+                }
+            }
+            EXPECT_EQ(w.registry.OpenHandles(), 0u);
+        }
+    }
 }
 
 }  // namespace

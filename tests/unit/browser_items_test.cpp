@@ -30,6 +30,7 @@ constexpr const char* kA = "{aaaaaaaa-1111-2222-3333-444444444444}";
 constexpr const char* kB = "{bbbbbbbb-1111-2222-3333-444444444444}";
 constexpr const char* kC = "{cccccccc-1111-2222-3333-444444444444}";
 
+using namespace std::string_literals;
 using Cells = std::vector<std::string>;
 
 struct World {
@@ -69,8 +70,9 @@ struct World {
     void SuspectList(const std::string& content) { files.AddFile(std::string(kApp) + "\\SusCLSID.qdl", content); }
 
     BrowserPlaces Places() { return LoadBrowserPlaces(sources, kApp); }
-    std::vector<Row> HelperObjects(const std::vector<std::string>& disabled = {}) {
-        return CollectHelperObjects(sources, Places(), disabled);
+    std::vector<Row> HelperObjects(const std::vector<std::string>& disabled = {},
+                                   const std::vector<std::string>& disabled32 = {}) {
+        return CollectHelperObjects(sources, Places(), disabled, disabled32);
     }
     std::vector<Row> Toolbars() { return CollectToolbars(sources, Places()); }
     std::vector<Row> Buttons() { return CollectButtons(sources, Places()); }
@@ -156,7 +158,7 @@ TEST(BrowserRows, ServerPathGivesTheFileColumnsAndIcon) {
         w.AddClass(kA, "Helper", c.server, c.type);
         const std::vector<Row> rows = w.HelperObjects();
         ASSERT_EQ(rows.size(), 1u) << c.why;
-        EXPECT_EQ(Cells(rows[0].cells.begin() + 2, rows[0].cells.end()), c.cells) << c.why;
+        EXPECT_EQ(Cells(rows[0].cells.begin() + 2, rows[0].cells.begin() + kBrowserColView), c.cells) << c.why;
         EXPECT_EQ(rows[0].iconFile, c.iconFile) << c.why;
         EXPECT_EQ(rows[0].iconIndex, 0);
     }
@@ -177,7 +179,7 @@ TEST(BrowserRows, HelperObjectsOfTheMachineThenTheStoreMarkedByBothStates) {
     const RowMark marks[] = {RowMark::None, RowMark::Suspicious, RowMark::SuspiciousDisabled, RowMark::Disabled};
     for (size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i].mark, marks[i]) << i;
     // A class id without class key stands with nothing but its id and state.
-    EXPECT_EQ(rows[3].cells, (Cells{"{no class key}", "False", "", "", "", "", "", "", "", ""}));
+    EXPECT_EQ(rows[3].cells, (Cells{"{no class key}", "False", "", "", "", "", "", "", "", "", ""}));
     EXPECT_EQ(rows[1].cells[kBrowserColText], "Bee");
 }
 
@@ -204,9 +206,84 @@ TEST(BrowserRows, ToolbarsAreValueNamesOfTheirHivesOwnKey) {
     EXPECT_EQ(rows[2].cells[kBrowserColFileName], "bar.dll");
     EXPECT_EQ(rows[0].mark, RowMark::Suspicious);
     EXPECT_EQ(rows[2].mark, RowMark::Suspicious);
-    EXPECT_EQ(rows[1].cells, (Cells{"{not a class id", "All Users", "", "", "", "", "", "", "", ""}));
+    EXPECT_EQ(rows[1].cells, (Cells{"{not a class id", "All Users", "", "", "", "", "", "", "", "", ""}));
     EXPECT_EQ(HiveOfScope(rows[0].cells[kBrowserColState]), kHKeyLocalMachine);
     EXPECT_EQ(HiveOfScope(rows[2].cells[kBrowserColState]), kHKeyCurrentUser);
+}
+
+// The 32-bit view of a 64-bit system, where the fake keeps it.
+constexpr const char* kLMBHO32 =
+    "HKLM\\Software\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects";
+constexpr const char* kLMToolbar32 = "HKLM\\Software\\Wow6432Node\\Microsoft\\Internet Explorer\\Toolbar";
+constexpr const char* kLMButtons32 = "HKLM\\Software\\Wow6432Node\\Microsoft\\Internet Explorer\\Extensions";
+constexpr const char* kLMMenu = "HKLM\\Software\\Microsoft\\Internet Explorer\\MenuExt";
+constexpr const char* kLMMenu32 = "HKLM\\Software\\Wow6432Node\\Microsoft\\Internet Explorer\\MenuExt";
+
+TEST(BrowserRows, TheMachinesThirtyTwoBitViewFollowsWithItsOwnClassesAndFiles) {
+    World w;
+    w.environment.variables["ProgramFiles"] = "C:\\Program Files";
+    w.environment.variables["ProgramFiles(x86)"] = "C:\\Program Files (x86)";
+    w.SuspectList(std::string(kB) + "\r\n");
+    // kA in both views, each with its own class and server.
+    w.AddProgram("C:\\Program Files\\A\\a.dll");
+    w.AddProgram("C:\\Program Files (x86)\\A\\a.dll");
+    w.AddProgram("C:\\Windows\\SysWOW64\\b.dll");
+    w.AddClass(kA, "Native A", "%ProgramFiles%\\A\\a.dll", kRegExpandSz);
+    w.registry.PutString("HKCR\\Wow6432Node\\CLSID\\" + std::string(kA), "", "Wow A");
+    w.registry.Put("HKCR\\Wow6432Node\\CLSID\\" + std::string(kA) + "\\InprocServer32", "", kRegExpandSz,
+                   "%ProgramFiles%\\A\\a.dll\0"s);
+    w.registry.AddKey(std::string(kLMBHO) + "\\" + kA);
+    w.registry.AddKey(std::string(kLMBHO32) + "\\" + kA);
+    // kB only in the 32-bit view, its server in the system folder as such a program names it.
+    w.registry.AddKey(std::string(kLMBHO32) + "\\" + kB);
+    w.registry.PutString("HKCR\\Wow6432Node\\CLSID\\" + std::string(kB) + "\\InprocServer32", "",
+                         "C:\\Windows\\System32\\b.dll");
+    // kC: a class key of the 64-bit view only, which the 32-bit row does not borrow.
+    w.AddClass(kC, "Native C", "C:\\Program Files\\A\\a.dll");
+    w.registry.AddKey(std::string(kLMBHO32) + "\\" + kC);
+    // Wrong-typed values in the 32-bit view are read as text, never a crash.
+    const std::string odd = "{dddddddd-1111-2222-3333-444444444444}";
+    w.registry.AddKey(std::string(kLMBHO32) + "\\" + odd);
+    w.registry.PutDword("HKCR\\Wow6432Node\\CLSID\\" + odd, "", 0x41424344);
+    w.registry.Put("HKCR\\Wow6432Node\\CLSID\\" + odd + "\\InprocServer32", "", kRegMultiSz, "C:\\a\0C:\\b\0\0"s);
+    w.registry.Put(std::string(kLMToolbar32), kA, kRegBinary, "\x01"s);
+    w.registry.PutString(std::string(kLMButtons32) + "\\" + kB, "ClsidExtension", kB);
+    w.registry.PutString(std::string(kLMButtons32) + "\\" + kB, "ButtonText", "Bee 32");
+    w.registry.PutDword(std::string(kLMButtons32) + "\\" + kC, "Exec", 5);
+    w.registry.PutString(std::string(kLMMenu) + "\\&Same", "", "C:\\native.htm");
+    w.registry.PutString(std::string(kLMMenu32) + "\\&Same", "", "C:\\wow.htm");
+    w.registry.PutString("HKCU\\Software\\Microsoft\\Internet Explorer\\MenuExt\\&User", "", "C:\\user.htm");
+
+    const std::vector<Row> helpers = w.HelperObjects({}, {kA});
+    EXPECT_EQ(Column(helpers, kBrowserColId), (Cells{kA, kA, kB, kC, odd, kA}));
+    EXPECT_EQ(Column(helpers, kBrowserColView), (Cells{"", "32-bit", "32-bit", "32-bit", "32-bit", "32-bit"}));
+    EXPECT_EQ(Column(helpers, kBrowserColState), (Cells{"True", "True", "True", "True", "True", "False"}));
+    EXPECT_EQ(Column(helpers, kBrowserColText), (Cells{"Native A", "Wow A", "", "", "DCBA", "Wow A"}));
+    EXPECT_EQ(helpers[0].cells[kBrowserColPath], "C:\\Program Files\\A\\");
+    EXPECT_EQ(helpers[1].cells[kBrowserColPath], "C:\\Program Files (x86)\\A\\");
+    EXPECT_EQ(helpers[1].iconFile, "C:\\Program Files (x86)\\A\\a.dll");
+    EXPECT_EQ(helpers[1].cells[kBrowserColCompany], "Maker");
+    EXPECT_EQ(helpers[2].cells[kBrowserColPath], "C:\\Windows\\SysWOW64\\");
+    EXPECT_EQ(helpers[2].mark, RowMark::Suspicious);
+    EXPECT_EQ(helpers[3].cells[kBrowserColFileName], "");
+    EXPECT_EQ(helpers[4].cells[kBrowserColFileName], "a");  // the first string, cut at its NUL: "C:\a"
+    EXPECT_EQ(helpers[5].mark, RowMark::Disabled);
+
+    const std::vector<Row> toolbars = w.Toolbars();
+    EXPECT_EQ(Column(toolbars, kBrowserColView), (Cells{"32-bit"}));
+    EXPECT_EQ(toolbars[0].cells[kBrowserColText], "Wow A");
+
+    const std::vector<Row> buttons = w.Buttons();
+    ASSERT_EQ(buttons.size(), 1u) << "a button whose Exec is a number names no file";
+    EXPECT_EQ(buttons[0].cells[kBrowserColText], "Bee 32");
+    EXPECT_EQ(buttons[0].cells[kBrowserColPath], "C:\\Windows\\SysWOW64\\");
+    EXPECT_EQ(buttons[0].cells[kBrowserColView], "32-bit");
+
+    const std::vector<Row> menu = CollectMenuItems(w.sources, w.Places());
+    EXPECT_EQ(Column(menu, kMenuColName), (Cells{"&Same", "&Same", "&User"}));
+    EXPECT_EQ(Column(menu, kMenuColPath), (Cells{"C:\\native.htm", "C:\\wow.htm", "C:\\user.htm"}));
+    EXPECT_EQ(Column(menu, kMenuColView), (Cells{"", "32-bit", ""}));
+    EXPECT_EQ(w.registry.OpenHandles(), 0u);
 }
 
 TEST(BrowserRows, ButtonFileIsTheFirstOfItsChainThatIsThere) {
@@ -303,9 +380,9 @@ TEST(BrowserRows, ButtonsAndMenuItemsOfBothHivesMachineFirst) {
     w.registry.PutString("HKCU" + menu + "&Search", "", "res://x.dll/200");
     const std::vector<Row> items = CollectMenuItems(w.sources, w.Places());
     ASSERT_EQ(items.size(), 3u);
-    EXPECT_EQ(items[0].cells, (Cells{"&Search", "All Users", "%SystemRoot%\\web\\search.htm"}));
-    EXPECT_EQ(items[1].cells, (Cells{"No default", "All Users", ""}));
-    EXPECT_EQ(items[2].cells, (Cells{"&Search", "Current User", "res://x.dll/200"}));
+    EXPECT_EQ(items[0].cells, (Cells{"&Search", "All Users", "%SystemRoot%\\web\\search.htm", ""}));
+    EXPECT_EQ(items[1].cells, (Cells{"No default", "All Users", "", ""}));
+    EXPECT_EQ(items[2].cells, (Cells{"&Search", "Current User", "res://x.dll/200", ""}));
     EXPECT_EQ(items[0].iconFile, "");
 }
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include <string>
 #include <vector>
 
@@ -213,8 +215,8 @@ struct Expected {
 TEST(CollectApplications, EachEntryAsTheControlPanelShowedIt) {
     const std::string good = "C:\\Apps\\good.exe";
     const std::string record = MakeRecord(RecordFields().ImagePath(u"C:\\Apps\\good.exe"));
-    const std::vector<std::string> recordCells = {"App", "1.0", "2003-01-31", "Occasionally", "C:\\Apps\\uninst.exe"};
-    const std::vector<std::string> bareCells = {"App", "", "", "", "C:\\Apps\\uninst.exe"};
+    const std::vector<std::string> recordCells = {"App", "1.0", "2003-01-31", "Occasionally", "C:\\Apps\\uninst.exe", ""};
+    const std::vector<std::string> bareCells = {"App", "", "", "", "C:\\Apps\\uninst.exe", ""};
     const struct {
         const char* what;
         std::function<void(Machine&)> setUp;  // on an entry "A" with a name and command
@@ -349,7 +351,7 @@ TEST(CollectApplications, RowsInTheRegistrysOrderEachWithItsOwnRecord) {
     const std::vector<Row> rows = CollectApplications(m.sources, options);
     ASSERT_EQ(rows.size(), 3u);
     EXPECT_EQ(rows[0].key, "alpha");
-    EXPECT_EQ(rows[0].cells, (std::vector<std::string>{"First", "1,0", "2003-01-31", "Rarely", "a.exe /u"}));
+    EXPECT_EQ(rows[0].cells, (std::vector<std::string>{"First", "1,0", "2003-01-31", "Rarely", "a.exe /u", ""}));
     EXPECT_EQ(rows[1].key, "Mid");
     EXPECT_EQ(rows[1].cells[kAppColSize], "2,0");
     EXPECT_EQ(rows[1].cells[kAppColFrequency], "Frequently");
@@ -363,6 +365,109 @@ TEST(CollectApplications, AMissingUninstallKeyGivesNoRows) {
     EXPECT_EQ(m.registry.OpenHandles(), 0u);
 }
 
+// The 32-bit view of a 64-bit system, as the fake keeps it.
+constexpr const char* kUninstall32 = "HKLM\\SOFTWARE\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\";
+constexpr const char* kArpCache32 =
+    "HKLM\\SOFTWARE\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache\\";
+
+TEST(CollectApplications, TheThirtyTwoBitViewFollowsWithItsOwnRecordsAndKeys) {
+    Machine m;
+    m.AddApp("Same", "Native", "native.exe /u");
+    m.AddRecord("Same", MakeRecord(RecordFields().Frequency(20)));
+    // One name in both views, each with its own record.
+    m.registry.PutString(kUninstall32 + "Same"s, "DisplayName", "Wow");
+    m.registry.PutString(kUninstall32 + "Same"s, "UninstallString", "wow.exe /u");
+    m.registry.Put(kArpCache32 + "Same"s, "SlowInfoCache", kRegBinary, MakeRecord(RecordFields().Frequency(1)));
+    // A 32-bit entry whose only record is the other view's: it has none.
+    m.registry.PutString(kUninstall32 + "Only32"s, "DisplayName", "Only");
+    m.registry.PutString(kUninstall32 + "Only32"s, "UninstallString", "only.exe");
+    m.AddRecord("Only32", MakeRecord(RecordFields().Frequency(20)));
+    // Wrong-typed values and a record that is text: passed over or read as
+    // text, never a crash.
+    m.registry.PutDword(kUninstall32 + "Bad"s, "DisplayName", 7);
+    m.registry.Put(kUninstall32 + "Bad"s, "UninstallString", kRegMultiSz, "a\0b\0\0"s);
+    m.registry.PutString(kUninstall32 + "Bad"s, "NoRemove", "1");
+    m.registry.Put(kArpCache32 + "Bad"s, "SlowInfoCache", kRegSz, std::string(552, 'x'));
+    m.registry.AddKey(kUninstall32 + "Empty"s);
+
+    const std::vector<Row> rows = CollectApplications(m.sources, kXp);
+    std::map<std::string, const Row*> byKey;
+    for (const Row& row : rows) EXPECT_TRUE(byKey.emplace(row.key, &row).second) << "two rows keyed " << row.key;
+    ASSERT_EQ(rows.front().key, "Same");
+    EXPECT_EQ(rows.front().cells,
+              (std::vector<std::string>{"Native", "1.0", "2003-01-31", "Frequently", "native.exe /u", ""}));
+    for (const Row& row : rows) {
+        EXPECT_EQ(ApplicationView(row), row.key == "Same" ? 0u : kKeyWow64_32Key) << row.key;
+        EXPECT_EQ(row.cells[kAppColView], row.key == "Same" ? "" : "32-bit") << row.key;
+    }
+    ASSERT_TRUE(byKey.count("32-bit\\Same"));
+    const Row& wow = *byKey["32-bit\\Same"];
+    EXPECT_EQ(ApplicationSubkey(wow), "Same");
+    EXPECT_EQ(wow.cells, (std::vector<std::string>{"Wow", "1.0", "2003-01-31", "Rarely", "wow.exe /u", "32-bit"}));
+    ASSERT_TRUE(byKey.count("32-bit\\Only32"));
+    EXPECT_EQ(byKey["32-bit\\Only32"]->cells[kAppColFrequency], "");
+    EXPECT_FALSE(byKey.count("32-bit\\Empty"));
+    EXPECT_EQ(m.registry.OpenHandles(), 0u);
+}
+
+TEST(CollectApplications, WithoutAThirtyTwoBitViewTheListIsAsItWas) {
+    // The 64-bit view alone, however many of its names look like a view's key.
+    Machine m;
+    m.AddApp("Wow6432Node", "Named like the node");
+    m.AddApp("32-bit", "Named like the view");
+    const std::vector<Row> rows = CollectApplications(m.sources, kXp);
+    ASSERT_EQ(rows.size(), 2u);
+    for (const Row& row : rows) {
+        EXPECT_EQ(ApplicationView(row), 0u);
+        EXPECT_EQ(ApplicationSubkey(row), row.key);
+        EXPECT_EQ(row.cells[kAppColView], "");
+    }
+}
+
+// A 32-bit Windows, which ignores the view flags: every view is its one registry.
+class ViewBlindRegistry final : public Registry {
+public:
+    explicit ViewBlindRegistry(Registry& inner) : inner_(inner) {}
+    RegError OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
+        return inner_.OpenKey(parent, subKey, access & ~kKeyWow64Views, key);
+    }
+    RegError CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
+        return inner_.CreateKey(parent, subKey, access & ~kKeyWow64Views, key);
+    }
+    RegError CloseKey(RegKey key) override { return inner_.CloseKey(key); }
+    RegError QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data, uint32_t* size) override {
+        return inner_.QueryValue(key, name, type, data, size);
+    }
+    RegError EnumKey(RegKey key, uint32_t index, char* name, uint32_t* nameLength) override {
+        return inner_.EnumKey(key, index, name, nameLength);
+    }
+    RegError EnumValue(RegKey key, uint32_t index, char* name, uint32_t* nameLength, uint32_t* type, uint8_t* data,
+                       uint32_t* dataSize) override {
+        return inner_.EnumValue(key, index, name, nameLength, type, data, dataSize);
+    }
+    RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data, uint32_t size) override {
+        return inner_.SetValue(key, name, type, data, size);
+    }
+    RegError DeleteValue(RegKey key, const std::string& name) override { return inner_.DeleteValue(key, name); }
+    RegError DeleteKey(RegKey parent, const std::string& subKey, uint32_t) override {
+        return inner_.DeleteKey(parent, subKey, 0);
+    }
+
+private:
+    Registry& inner_;
+};
+
+TEST(CollectApplications, ASystemWithoutAThirtyTwoBitViewIsNotReadTwice) {
+    Machine m;
+    m.AddApp("Only", "Only one");
+    ViewBlindRegistry blind(m.registry);
+    fakes::FakeFileFacts facts;
+    ApplicationSources sources{blind, facts};
+    const std::vector<Row> rows = CollectApplications(sources, kXp);
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].key, "Only");
+}
+
 struct ReportWorld {
     fakes::FakeFileSystem files;
     fakes::FakeSystemInfo system;
@@ -374,7 +479,7 @@ struct ReportWorld {
 
 Row AppRow(const std::string& name, const std::string& command) {
     Row row(kAddRemoveColumns.size());
-    row.cells = {name, "1.0", "2003-01-31", "Rarely", command};
+    row.cells = {name, "1.0", "2003-01-31", "Rarely", command, ""};
     return row;
 }
 

@@ -13,6 +13,12 @@ TEST(RegistryContract, Fake) {
     EXPECT_EQ(reg.OpenHandles(), 0u);
 }
 
+TEST(ClassesViewContract, Fake) {
+    FakeRegistry reg;
+    contract::CheckClassesViewContract(reg, "{C1A55E50-0000-4000-8000-00000000C1A5}");
+    EXPECT_EQ(reg.OpenHandles(), 0u);
+}
+
 TEST(RegistryViewContract, Fake) {
     FakeRegistry reg;
     contract::CheckRegistryViewContract(reg, "CorvaneTestsViews");

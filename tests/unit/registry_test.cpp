@@ -1,5 +1,6 @@
 #include "applications/slow_info_cache.h"
 #include "foundations/registry.h"
+#include "foundations/registry_view.h"
 
 #include <gtest/gtest.h>
 
@@ -275,6 +276,54 @@ TEST_F(RegistryTest, WritersTellWhyTheyFailed) {
         EXPECT_EQ(seen.shown[0].icon, PromptIcon::Critical);
         EXPECT_EQ(seen.shown[0].buttons, PromptButtons::Ok);
     }
+}
+
+TEST(PathIn32BitView, TheFoldersASystemShowsA32BitProgram) {
+    fakes::FakeEnvironment env;
+    env.variables["SystemRoot"] = "C:\\Windows";
+    env.variables["ProgramFiles"] = "C:\\Program Files";
+    env.variables["ProgramFiles(x86)"] = "C:\\Program Files (x86)";
+    env.variables["CommonProgramFiles"] = "C:\\Program Files\\Common Files";
+    env.variables["CommonProgramFiles(x86)"] = "C:\\Program Files (x86)\\Common Files";
+    fakes::FakeEnvironment bare;  // a system that names no (x86) folders
+    bare.variables["ProgramFiles"] = "C:\\Program Files";
+    const struct {
+        fakes::FakeEnvironment* env;
+        const char* path;
+        const char* seen;
+    } cases[] = {
+        {&env, "%ProgramFiles%\\A\\a.dll", "C:\\Program Files (x86)\\A\\a.dll"},
+        {&env, "%programfiles%\\A\\a.dll", "C:\\Program Files (x86)\\A\\a.dll"},
+        {&env, "%CommonProgramFiles%\\s.dll", "C:\\Program Files (x86)\\Common Files\\s.dll"},
+        {&env, "%SystemRoot%\\System32\\x.dll", "C:\\Windows\\SysWOW64\\x.dll"},
+        {&env, "c:\\windows\\system32\\x.dll", "C:\\Windows\\SysWOW64\\x.dll"},
+        {&env, "C:\\Windows\\System32x\\x.dll", "C:\\Windows\\System32x\\x.dll"},
+        {&env, "C:\\Program Files\\A\\a.dll", "C:\\Program Files\\A\\a.dll"},  // a path as written stays
+        {&env, "", ""},
+        {&bare, "%ProgramFiles%\\A\\a.dll", "C:\\Program Files\\A\\a.dll"},
+        {&bare, "C:\\Windows\\System32\\x.dll", "C:\\Windows\\System32\\x.dll"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(PathIn32BitView(*c.env, c.path), c.seen) << c.path;
+}
+
+TEST(RegistryInView, EveryKeyItReachesLiesInItsView) {
+    fakes::FakeRegistry reg;
+    fakes::FakePrompts prompts;
+    fakes::FakeSystemInfo system;
+    RegistryInView view32(reg, kKeyWow64_32Key), own(reg, 0);
+    EXPECT_TRUE(SaveRegString(view32, prompts, system, kHKeyLocalMachine, "Software\\Maker\\App", "Where", "32"));
+    EXPECT_TRUE(reg.KeyExists("HKLM\\Software\\Wow6432Node\\Maker\\App"));
+    EXPECT_FALSE(reg.KeyExists("HKLM\\Software\\Maker"));
+    EXPECT_EQ(GetRegString(view32, kHKeyLocalMachine, "Software\\Maker\\App", "Where"), "32");
+    EXPECT_EQ(GetRegString(own, kHKeyLocalMachine, "Software\\Maker\\App", "Where"), "");
+    // A caller that names a view keeps it.
+    RegKey key = 0;
+    EXPECT_EQ(view32.OpenKey(kHKeyLocalMachine, "Software\\Wow6432Node\\Maker", kKeyRead | kKeyWow64_64Key, key),
+              kRegOk);
+    view32.CloseKey(key);
+    EXPECT_EQ(own.DeleteKey(kHKeyLocalMachine, "Software\\Maker\\App"), kErrorFileNotFound);
+    EXPECT_EQ(view32.DeleteKey(kHKeyLocalMachine, "Software\\Maker\\App"), kRegOk);
+    EXPECT_EQ(reg.OpenHandles(), 0u);
 }
 
 }  // namespace

@@ -194,6 +194,23 @@ TEST(ReportInventory, StartupStatesAndViewsOfEveryPlace) {
     EXPECT_EQ(got, expected);
 }
 
+// One name installed in both views gives two records, told apart by the view.
+TEST(ReportInventory, ApplicationsOfBothViewsAreTwoRecords) {
+    Machine m;
+    m.AddApplication("Same", "Same app", "C:\\Same\\remove.exe");
+    const std::string wow = "HKLM\\SOFTWARE\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Same";
+    m.registry.PutString(wow, "DisplayName", "Same app");
+    m.registry.PutString(wow, "UninstallString", "C:\\Same (x86)\\remove.exe");
+    ASSERT_EQ(m.Run({"C:\\r\\apps.csv", "/csv", "/areas:addremove"}), 0) << m.err.str();
+    const InventoryTable table = m.Csv("C:\\r\\apps.csv");
+    ASSERT_EQ(table.error, "");
+    std::vector<std::pair<std::string, std::string>> got;
+    for (const auto& row : table.rows) got.emplace_back(row[kInvPlace], row[kInvCommand]);
+    const std::string place = std::string(kUninstall) + "Same";
+    EXPECT_EQ(got, (std::vector<std::pair<std::string, std::string>>{
+                       {place, "C:\\Same\\remove.exe"}, {place + " (32-bit)", "C:\\Same (x86)\\remove.exe"}}));
+}
+
 TEST(ReportInventory, EachFileIsHashedOncePerRun) {
     Machine m;
     m.AddFile("C:\\Tools\\alpha.exe", "a1");

@@ -3,7 +3,9 @@
 // of our own from applications_sources.reg and the programs their icons
 // name. Every subkey of ours begins with "CorvaneTest"; what an earlier run
 // left is taken out first, and everything goes again with the object. Tests
-// that use it take RESOURCE_LOCK applications_sources.
+// that use it take RESOURCE_LOCK applications_sources. Its names differ from
+// those of browser_machine.h: test programs include both, and two inline
+// functions of one name would be one function.
 #include <windows.h>
 #include <shlwapi.h>
 
@@ -19,19 +21,22 @@
 
 namespace corvane::wine {
 
-inline constexpr const char* kFiles = "C:\\corvane-tests\\apps-files";
+inline constexpr const char* kAppFiles = "C:\\corvane-tests\\apps-files";
 
-inline bool Ours(const std::string& name) { return name.rfind("CorvaneTest", 0) == 0; }
+inline bool IsOurApplication(const std::string& name) { return name.rfind("CorvaneTest", 0) == 0; }
 
-inline void ClearOurs() {
+inline void ClearOurApplications() {
     Win32Registry registry;
-    for (const char* path : {kUninstallKey, kArpCacheKey}) {
+    // Both views: the 32-bit one's keys lie under Wow6432Node.
+    const std::string wow[] = {"SOFTWARE\\Wow6432Node\\" + std::string(kUninstallKey).substr(9),
+                               "SOFTWARE\\Wow6432Node\\" + std::string(kArpCacheKey).substr(9)};
+    for (const char* path : {kUninstallKey, kArpCacheKey, wow[0].c_str(), wow[1].c_str()}) {
         std::vector<std::string> names;
         EnumRegKeys(registry, kHKeyLocalMachine, path, names);
         HKEY key;
         if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
         for (const std::string& name : names) {
-            if (Ours(name)) SHDeleteKeyA(key, name.c_str());
+            if (IsOurApplication(name)) SHDeleteKeyA(key, name.c_str());
         }
         RegCloseKey(key);
     }
@@ -41,14 +46,14 @@ inline void ClearOurs() {
 // app.exe, and café.exe, whose name the record holds in UTF-16.
 struct ApplicationsMachine {
     ApplicationsMachine() {
-        ClearOurs();
+        ClearOurApplications();
         FreshFolder("apps-files");
         const std::string fixture = TestFolder() + "\\fixture_full.exe";
-        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\app.exe").c_str(), FALSE);
-        CopyFileA(fixture.c_str(), (std::string(kFiles) + "\\caf\xE9.exe").c_str(), FALSE);
+        CopyFileA(fixture.c_str(), (std::string(kAppFiles) + "\\app.exe").c_str(), FALSE);
+        CopyFileA(fixture.c_str(), (std::string(kAppFiles) + "\\caf\xE9.exe").c_str(), FALSE);
         EXPECT_TRUE(ImportRegFile(TestFolder() + "\\applications_sources.reg"));
     }
-    ~ApplicationsMachine() { ClearOurs(); }
+    ~ApplicationsMachine() { ClearOurApplications(); }
 };
 
 }  // namespace corvane::wine

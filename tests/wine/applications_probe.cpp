@@ -1,6 +1,6 @@
 // Prints the test's installed applications (subkeys beginning "CorvaneTest")
 // as the applications pane would list them in this process, one row a line:
-// key, the five cells, the icon file and number, separated by "|". The
+// key, the cells, the icon file and number, separated by "|". The
 // Windows version is the one the system tells this process, so a test can
 // run it as another version.
 #include <cstdio>

@@ -12,6 +12,10 @@
 #include <vector>
 
 #include "applications/installed_applications.h"
+#include "platform/win32/file_system_win32.h"
+#include "platform/win32/adapters.h"
+#include "fakes/fakes.h"
+#include "applications/application_commands.h"
 #include "foundations/registry.h"
 #include "foundations/text.h"
 #include "platform/win32/clock_win32.h"
@@ -24,8 +28,8 @@ namespace corvane {
 namespace {
 
 using wine::ApplicationsMachine;
-using wine::kFiles;
-using wine::Ours;
+using wine::kAppFiles;
+using wine::IsOurApplication;
 
 // A row as one line: key, cells, icon file and number.
 std::string Line(const Row& row) {
@@ -34,10 +38,11 @@ std::string Line(const Row& row) {
     return line + "|" + row.iconFile + "|" + std::to_string(row.iconIndex);
 }
 
-// What each Windows shows of the fixture's entries. Those with NoRemove 1,
+// What each Windows shows of the fixture's entries, all of the 64-bit view
+// (an empty View column). Those with NoRemove 1,
 // without a name or without a command have no row.
 std::vector<std::string> Expected(const std::string& family) {
-    const std::string f = std::string(kFiles) + "\\";
+    const std::string f = std::string(kAppFiles) + "\\";
     const bool records = family != "98";
     const bool w2k = family == "2000";
     auto cols = [&](const char* size, const char* xpDate, const char* w2kDate, const char* frequency) {
@@ -45,12 +50,12 @@ std::vector<std::string> Expected(const std::string& family) {
     };
     return {
         "CorvaneTestFull|CorvaneTest Caf\xE9 Full|" + cols("1.0", "2003-01-31", "2003-02-01", "Occasionally") + "|" +
-            f + "uninst.exe /x|" + f + "app.exe|0",
-        "CorvaneTestOverflow|CorvaneTest Overflow|" + cols("", "", "", "Rarely") + "|MsiExec.exe /X{C0A7E5E5}||0",
+            f + "uninst.exe /x||" + f + "app.exe|0",
+        "CorvaneTestOverflow|CorvaneTest Overflow|" + cols("", "", "", "Rarely") + "|MsiExec.exe /X{C0A7E5E5}|||0",
         "CorvaneTestRecordIcon|CorvaneTest Record Icon|" + cols("22.5", "2004-02-29", "2004-03-01", "Frequently") +
-            "|" + f + "uninst.exe|" + (records ? f + "caf\xE9.exe" : "") + "|0",
-        "CorvaneTestShort|CorvaneTest Short||||" + f + "uninst.exe||0",
-        "CorvaneTestUnknown|CorvaneTest Unknown||||" + f + "uninst.exe||0",
+            "|" + f + "uninst.exe||" + (records ? f + "caf\xE9.exe" : "") + "|0",
+        "CorvaneTestShort|CorvaneTest Short||||" + f + "uninst.exe|||0",
+        "CorvaneTestUnknown|CorvaneTest Unknown||||" + f + "uninst.exe|||0",
     };
 }
 
@@ -75,7 +80,7 @@ TEST(ApplicationsUnderWine, EveryColumnFromTheRealKeysAndFiles) {
         options.decimalSign = clock.DecimalSign();
         std::vector<std::string> ours;
         for (const Row& row : CollectApplications(sources, options)) {
-            if (Ours(row.key)) ours.push_back(Line(row));
+            if (IsOurApplication(row.key)) ours.push_back(Line(row));
         }
         EXPECT_EQ(ours, Expected(c.family)) << c.version;
     }
@@ -108,7 +113,7 @@ TEST(ApplicationsUnderWine, ConsoleReportWritesTheirBlocks) {
         wine::Run("\"" + wine::FromUnixPath(CORVANE_REPORT_EXE) + "\" \"" + file + "\" /areas:addremove");
     ASSERT_EQ(run.exitCode, 0u) << run.output;
     const std::string report = wine::FileBytes(file);
-    const std::string f = std::string(kFiles) + "\\";
+    const std::string f = std::string(kAppFiles) + "\\";
     const std::string ours =
         "Program Name : CorvaneTest Caf\xE9 Full\r\nCommand      : " + f + "uninst.exe /x\r\n\r\n"
         "Program Name : CorvaneTest Overflow\r\nCommand      : MsiExec.exe /X{C0A7E5E5}\r\n\r\n"
@@ -118,6 +123,55 @@ TEST(ApplicationsUnderWine, ConsoleReportWritesTheirBlocks) {
     EXPECT_NE(report.find("\r\nAdd/Remove\r\n----------\r\n"), std::string::npos) << report;
     EXPECT_NE(report.find(ours), std::string::npos) << report;
     EXPECT_EQ(report.find("NoRemove"), std::string::npos) << report;
+}
+
+// reg.exe run for the test's set-up and checks; true when it succeeded.
+bool Reg(const std::string& arguments) { return wine::Run("reg.exe " + arguments).exitCode == 0; }
+
+TEST(ApplicationsUnderWine, TheThirtyTwoBitViewsEntriesStandBesideTheOthersAndGoAlone) {
+    const std::string key = "HKLM\\" + std::string(kUninstallKey) + "\\CorvaneTestTwin";
+    const std::string cache = "HKLM\\" + std::string(kArpCacheKey) + "\\CorvaneTestTwin";
+    // A record whose frequency byte (24) says 20 uses: "Frequently".
+    std::string record;
+    for (int i = 0; i < 552; ++i) record += i == 0 ? "28" : i == 1 ? "02" : i == 24 ? "14" : i == 11 ? "ff" : "00";
+    for (const char* deleted : {"/reg:32", "/reg:64"}) {
+        ApplicationsMachine machine;
+        ASSERT_TRUE(Reg("add \"" + key + "\" /v DisplayName /d \"CorvaneTest Native\" /f /reg:64"));
+        ASSERT_TRUE(Reg("add \"" + key + "\" /v UninstallString /d native.exe /f /reg:64"));
+        ASSERT_TRUE(Reg("add \"" + key + "\" /v DisplayName /d \"CorvaneTest Wow\" /f /reg:32"));
+        ASSERT_TRUE(Reg("add \"" + key + "\" /v UninstallString /d wow.exe /f /reg:32"));
+        ASSERT_TRUE(Reg("add \"" + cache + "\" /v SlowInfoCache /t REG_BINARY /d " + record + " /f /reg:32"));
+        // Wrong-typed values in the 32-bit view: read as what they give, never a crash.
+        ASSERT_TRUE(Reg("add \"" + key + "Odd\" /v DisplayName /t REG_DWORD /d 7 /f /reg:32"));
+        ASSERT_TRUE(Reg("add \"" + key + "Odd\" /v NoRemove /t REG_BINARY /d 01 /f /reg:32"));
+
+        Win32Registry registry;
+        Win32FileFacts facts;
+        ApplicationSources sources{registry, facts};
+        const std::vector<Row> rows = CollectApplications(sources, "Microsoft Windows XP");
+        const Row* native = nullptr;
+        const Row* wow = nullptr;
+        for (const Row& row : rows) {
+            if (row.key == "CorvaneTestTwin") native = &row;
+            if (row.key == "32-bit\\CorvaneTestTwin") wow = &row;
+        }
+        ASSERT_TRUE(native && wow);
+        EXPECT_EQ(native->cells, (std::vector<std::string>{"CorvaneTest Native", "", "", "", "native.exe", ""}));
+        EXPECT_EQ(wow->cells, (std::vector<std::string>{"CorvaneTest Wow", "", "", "Frequently", "wow.exe", "32-bit"}));
+
+        fakes::FakePrompts prompts;
+        Win32SystemInfo system;
+        Win32Clock clock;
+        Win32FileSystem files;
+        ApplicationCommandPorts ports{registry, files, prompts, system, clock, wine::FreshFolder("apps-views")};
+        const bool of32 = std::string(deleted) == "/reg:32";
+        EXPECT_TRUE(DeleteApplicationEntry(ports, of32 ? wow : native));
+        EXPECT_EQ(prompts.shown.size(), 1u) << "only the question";
+        const char* kept = of32 ? "/reg:64" : "/reg:32";
+        EXPECT_FALSE(Reg("query \"" + key + "\" " + deleted));
+        EXPECT_TRUE(Reg("query \"" + key + "\" " + kept));
+        EXPECT_EQ(Reg("query \"" + cache + "\" /reg:32"), !of32) << "the record goes with its own entry only";
+    }
 }
 
 }  // namespace

@@ -28,13 +28,23 @@ inline bool Ours(const std::string& name) {
     return _strnicmp(name.c_str(), "{C0A7E5E5", 9) == 0 || name.rfind("CorvaneTest", 0) == 0;
 }
 
-// Takes every key and value of ours out of the browser's keys.
+// The 32-bit view's copy of a machine key, by the path a 64-bit program sees it at.
+inline std::string Wow(const char* path) { return "Software\\Wow6432Node\\" + std::string(path).substr(9); }
+
+// browser_sources32.reg's servers: where a 32-bit program finds them.
+inline constexpr const char* kFiles32 = "C:\\Program Files (x86)\\CorvaneTest";
+
+// Takes every key and value of ours out of the browser's keys, in both views.
 inline void ClearOurs() {
     Win32Registry registry;
+    const std::string wowKeys[] = {Wow(kHelperObjectsKey), Wow(kExtensionsKey), Wow(kMenuExtKey),
+                                   Wow(kMachineToolbarKey)};
     const std::pair<HKEY, const char*> keyed[] = {
         {HKEY_LOCAL_MACHINE, kHelperObjectsKey}, {HKEY_LOCAL_MACHINE, kExtensionsKey},
         {HKEY_CURRENT_USER, kExtensionsKey},     {HKEY_LOCAL_MACHINE, kMenuExtKey},
         {HKEY_CURRENT_USER, kMenuExtKey},        {HKEY_CLASSES_ROOT, "CLSID"},
+        {HKEY_LOCAL_MACHINE, wowKeys[0].c_str()}, {HKEY_LOCAL_MACHINE, wowKeys[1].c_str()},
+        {HKEY_LOCAL_MACHINE, wowKeys[2].c_str()}, {HKEY_CLASSES_ROOT, "Wow6432Node\\CLSID"},
     };
     for (const auto& [hive, path] : keyed) {
         std::vector<std::string> names;
@@ -47,7 +57,7 @@ inline void ClearOurs() {
         RegCloseKey(key);
     }
     for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
-        for (const char* path : {kMachineToolbarKey, kUserToolbarKey}) {
+        for (const char* path : {kMachineToolbarKey, kUserToolbarKey, wowKeys[3].c_str()}) {
             HKEY key;
             if (RegOpenKeyExA(hive, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) continue;
             for (const RegValueEntry& entry : EnumRegValues(registry, reinterpret_cast<RegKey>(hive), path)) {
@@ -85,7 +95,27 @@ struct BrowserMachine {
         windows = folder;
         EXPECT_TRUE(ImportRegFile(TestFolder() + "\\browser_sources.reg"));
     }
-    ~BrowserMachine() { ClearOurs(); }
+    ~BrowserMachine() {
+        ClearOurs();
+        if (!helper32.empty()) {
+            DeleteFileA(helper32.c_str());
+            RemoveDirectoryA(kFiles32);
+            DeleteFileA(system32.c_str());
+        }
+    }
+
+    // browser_sources32.reg too, and the servers it names where a 32-bit
+    // program finds them: %ProgramFiles(x86)% and SysWOW64.
+    void Add32BitView() {
+        CreateDirectoryA(kFiles32, nullptr);
+        helper32 = std::string(kFiles32) + "\\helper32.dll";
+        system32 = windows + "\\SysWOW64\\corvanetest32.dll";
+        const std::string fixtures = TestFolder() + "\\";
+        EXPECT_TRUE(CopyFileA((fixtures + "fixture_noicon.exe").c_str(), helper32.c_str(), FALSE));
+        EXPECT_TRUE(CopyFileA((fixtures + "fixture_full.exe").c_str(), system32.c_str(), FALSE));
+        EXPECT_TRUE(ImportRegFile(TestFolder() + "\\browser_sources32.reg"));
+    }
+    std::string helper32, system32;
 };
 
 }  // namespace corvane::wine

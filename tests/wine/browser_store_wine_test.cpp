@@ -9,6 +9,7 @@
 #include "fakes/fakes.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
+#include "foundations/registry_view.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_system_win32.h"
@@ -45,9 +46,11 @@ void PutAwkwardKey(Registry& reg, RegKey root, const std::string& path) {
 }
 
 // reg.exe's export of a key and all below it.
-std::string RegExport(const std::string& key) {
+// reg.exe's export of a key; `view` "/reg:32" or "/reg:64" names the view to read.
+std::string RegExport(const std::string& key, const std::string& view = "") {
     const std::string file = wine::FreshFolder("reg-export") + "\\export.reg";
-    const wine::RunResult result = wine::Run("reg.exe export \"" + key + "\" \"" + file + "\" /y");
+    const wine::RunResult result =
+        wine::Run("reg.exe export \"" + key + "\" \"" + file + "\" /y" + (view.empty() ? "" : " " + view));
     EXPECT_EQ(result.exitCode, 0u) << result.output;
     return wine::FileBytes(file);
 }
@@ -167,6 +170,54 @@ TEST(BrowserStoreUnderWine, ADisabledHelperObjectComesBackByteForByte) {
     EXPECT_TRUE(DisabledHelperObjects(files, app).empty());
     EXPECT_TRUE(prompts.shown.empty());
 
+    contract::DeleteRegTree(reg, kHKeyLocalMachine, path);
+}
+
+TEST(BrowserStoreUnderWine, AThirtyTwoBitHelperObjectComesBackToItsOwnViewOnly) {
+    Win32Registry reg;
+    RegistryInView reg32(reg, kKeyWow64_32Key);
+    Win32FileSystem files;
+    fakes::FakePrompts prompts;
+    Win32SystemInfo system;
+    Win32Clock clock;
+    const std::string clsid = "{C0A7E5E5-0000-4000-8000-00000000C0DF}";
+    const std::string path = std::string(kHelperObjectsKey) + "\\" + clsid;
+    const std::string full = "HKLM\\" + path;
+    // The awkward key in the 32-bit view, and one of the same class id in the 64-bit view.
+    contract::DeleteRegTree(reg32, kHKeyLocalMachine, path);
+    contract::DeleteRegTree(reg, kHKeyLocalMachine, path);
+    PutAwkwardKey(reg32, kHKeyLocalMachine, path);
+    ASSERT_EQ(wine::Run("reg.exe add \"" + full + "\" /v Native /d sixty-four /f /reg:64").exitCode, 0u);
+    const std::string before32 = RegExport(full, "/reg:32");
+    const std::string before64 = RegExport(full, "/reg:64");
+    ASSERT_NE(before32, before64);
+    ASSERT_NE(before32.size(), 0u);
+
+    const std::string app = wine::FreshFolder("browser-store-32");
+    BrowserCommandPorts ports{reg, files, prompts, system, clock, app};
+    Row row(kBHOColumns.size());
+    row.cells[kBrowserColId] = clsid;
+    row.cells[kBrowserColState] = "True";
+    row.cells[kBrowserColView] = "32-bit";
+    row.checked = true;
+    const auto has = [&](const char* view) { return wine::Run("reg.exe query \"" + full + "\" " + view).exitCode == 0; };
+
+    EXPECT_TRUE(DisableCheckedHelperObjects(ports, {row}));
+    EXPECT_FALSE(has("/reg:32"));
+    EXPECT_EQ(RegExport(full, "/reg:64"), before64);
+    EXPECT_EQ(DisabledHelperObjects(files, app, kKeyWow64_32Key), std::vector<std::string>{clsid});
+    EXPECT_TRUE(DisabledHelperObjects(files, app).empty());
+    const std::string store = HelperObjectStorePath(app, clsid, kKeyWow64_32Key);
+    EXPECT_NE(wine::FileBytes(store).find("; Registry view: 32-bit\r\n"), std::string::npos);
+
+    row.cells[kBrowserColState] = "False";
+    EXPECT_TRUE(EnableCheckedHelperObjects(ports, {row}));
+    EXPECT_EQ(RegExport(full, "/reg:32"), before32);
+    EXPECT_EQ(RegExport(full, "/reg:64"), before64);
+    EXPECT_FALSE(files.Exists(store));
+    EXPECT_TRUE(prompts.shown.empty());
+
+    contract::DeleteRegTree(reg32, kHKeyLocalMachine, path);
     contract::DeleteRegTree(reg, kHKeyLocalMachine, path);
 }
 

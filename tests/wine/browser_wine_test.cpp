@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <map>
 
+#include "browser/browser_commands.h"
 #include "browser/browser_items.h"
 #include "browser/browser_report.h"
 #include "fakes/fakes.h"
@@ -110,8 +111,8 @@ TEST(BrowserUnderWine, ListsOfTheRealKeysWithTheServersFiles) {
         if (Ours(row.cells[kMenuColName])) menu.push_back(row);
     }
     ASSERT_EQ(menu.size(), 2u);
-    EXPECT_EQ(menu[0].cells, (std::vector<std::string>{"CorvaneTest &Menu", "All Users", "res://%SystemRoot%\\x.dll/200"}));
-    EXPECT_EQ(menu[1].cells, (std::vector<std::string>{"CorvaneTest &Menu", "Current User", ""}));
+    EXPECT_EQ(menu[0].cells, (std::vector<std::string>{"CorvaneTest &Menu", "All Users", "res://%SystemRoot%\\x.dll/200", ""}));
+    EXPECT_EQ(menu[1].cells, (std::vector<std::string>{"CorvaneTest &Menu", "Current User", "", ""}));
 }
 
 TEST(BrowserUnderWine, ReportWritesTheRowsAsTheListHasThem) {
@@ -137,6 +138,109 @@ TEST(BrowserUnderWine, ReportWritesTheRowsAsTheListHasThem) {
                            "Description  : CorvaneTest Bar\r\n"),
               std::string::npos);
     EXPECT_TRUE(prompts.shown.empty());
+}
+
+// reg.exe's own answer whether a key (or a value of it) is there in one view
+// ("/reg:32" or "/reg:64").
+bool RegHas(const std::string& key, const char* view, const std::string& value = "") {
+    const std::string query = "reg.exe query \"" + key + "\"" + (value.empty() ? "" : " /v \"" + value + "\"") + " " +
+                              view;
+    return wine::Run(query).exitCode == 0;
+}
+
+// Our rows by id, scope or state, and view.
+std::map<std::string, Row> OursByView(const std::vector<Row>& rows, size_t viewColumn) {
+    std::map<std::string, Row> ours;
+    for (const Row& row : rows) {
+        if (!Ours(row.cells[0])) continue;
+        EXPECT_TRUE(ours.emplace(row.cells[0] + "|" + row.cells[1] + "|" + row.cells[viewColumn], row).second);
+    }
+    return ours;
+}
+
+TEST(BrowserUnderWine, TheThirtyTwoBitViewsRowsWithTheirOwnClassesAndFiles) {
+    BrowserMachine machine;
+    machine.Add32BitView();
+    Live live;
+    const BrowserPlaces places = LoadBrowserPlaces(live.sources, machine.app);
+
+    auto helpers = OursByView(CollectHelperObjects(live.sources, places, {}), kBrowserColView);
+    const Row& native = helpers["{C0A7E5E5-0000-4000-8000-000000000001}|True|"];
+    const Row& wow = helpers["{C0A7E5E5-0000-4000-8000-000000000001}|True|32-bit"];
+    EXPECT_EQ(native.cells[kBrowserColText], "CorvaneTest Helper");
+    EXPECT_EQ(wow.cells[kBrowserColText], "CorvaneTest Helper 32");
+    EXPECT_TRUE(SameText(wow.cells[kBrowserColPath] + wow.cells[kBrowserColFileName], machine.helper32))
+        << wow.cells[kBrowserColPath];
+    EXPECT_FALSE(wow.cells[kBrowserColSize].empty()) << "the file is found where a 32-bit program has it";
+    EXPECT_EQ(wow.mark, RowMark::Suspicious);
+    // A class key of the wrong types, and none at all: rows with what could be read.
+    EXPECT_EQ(helpers.count("{C0A7E5E5-0000-4000-8000-000000000005}|True|32-bit"), 1u);
+    EXPECT_EQ(helpers["{C0A7E5E5-0000-4000-8000-000000000006}|True|32-bit"].cells[kBrowserColText], "");
+    EXPECT_EQ(helpers.count("{C0A7E5E5-0000-4000-8000-000000000005}|True|"), 0u);
+
+    auto toolbars = OursByView(CollectToolbars(live.sources, places), kBrowserColView);
+    const Row& bar = toolbars["{C0A7E5E5-0000-4000-8000-000000000003}|All Users|32-bit"];
+    EXPECT_EQ(bar.cells[kBrowserColText], "CorvaneTest Bar 32");
+    EXPECT_TRUE(SameText(bar.cells[kBrowserColPath], machine.windows + "\\SysWOW64\\")) << bar.cells[kBrowserColPath];
+    EXPECT_EQ(toolbars["{C0A7E5E5-0000-4000-8000-000000000003}|All Users|"].cells[kBrowserColText],
+              "CorvaneTest Bar");
+
+    auto buttons = OursByView(CollectButtons(live.sources, places), kBrowserColView);
+    const Row& button = buttons["{C0A7E5E5-0000-4000-8000-000000000010}|All Users|32-bit"];
+    EXPECT_EQ(button.cells[kBrowserColText], "CorvaneTest 32");
+    EXPECT_TRUE(SameText(button.cells[kBrowserColPath] + button.cells[kBrowserColFileName], machine.helper32));
+    EXPECT_EQ(buttons["{C0A7E5E5-0000-4000-8000-000000000010}|All Users|"].cells[kBrowserColText],
+              "CorvaneTest Caf\xE9");
+
+    std::vector<Row> menu;
+    for (const Row& row : CollectMenuItems(live.sources, places)) {
+        if (row.cells[kMenuColName] == "CorvaneTest &Menu") menu.push_back(row);
+    }
+    ASSERT_EQ(menu.size(), 3u);
+    EXPECT_EQ(menu[1].cells[kMenuColView], "32-bit");
+    EXPECT_EQ(menu[1].cells[kMenuColPath], "res://corvanetest32.dll/200");
+}
+
+TEST(BrowserUnderWine, EachDeleteTakesTheRowsOwnViewAndLeavesTheOther) {
+    const std::string toolbarKey = "HKLM\\Software\\Microsoft\\Internet Explorer\\Toolbar";
+    const std::string buttonKey = "HKLM\\Software\\Microsoft\\Internet Explorer\\Extensions\\{C0A7E5E5-0000-4000-8000-000000000010}";
+    const std::string menuKey = "HKLM\\Software\\Microsoft\\Internet Explorer\\MenuExt\\CorvaneTest &Menu";
+    for (const char* view : {"32-bit", ""}) {
+        BrowserMachine machine;
+        machine.Add32BitView();
+        Live live;
+        const BrowserPlaces places = LoadBrowserPlaces(live.sources, machine.app);
+        fakes::FakePrompts prompts;
+        Win32SystemInfo system;
+        BrowserCommandPorts ports{live.registry, live.files, prompts, system, live.clock, machine.app};
+        const char* mine = *view ? "/reg:32" : "/reg:64";
+        const char* other = *view ? "/reg:64" : "/reg:32";
+        const std::string suffix = std::string("|All Users|") + view;
+
+        auto toolbars = OursByView(CollectToolbars(live.sources, places), kBrowserColView);
+        ASSERT_TRUE(toolbars.count("{C0A7E5E5-0000-4000-8000-000000000003}" + suffix));
+        EXPECT_TRUE(DeleteToolbar(ports, &toolbars["{C0A7E5E5-0000-4000-8000-000000000003}" + suffix]));
+        EXPECT_FALSE(RegHas(toolbarKey, mine, "{C0A7E5E5-0000-4000-8000-000000000003}")) << view;
+        EXPECT_TRUE(RegHas(toolbarKey, other, "{C0A7E5E5-0000-4000-8000-000000000003}")) << view;
+
+        auto buttons = OursByView(CollectButtons(live.sources, places), kBrowserColView);
+        ASSERT_TRUE(buttons.count("{C0A7E5E5-0000-4000-8000-000000000010}" + suffix));
+        EXPECT_TRUE(DeleteButton(ports, &buttons["{C0A7E5E5-0000-4000-8000-000000000010}" + suffix]));
+        EXPECT_FALSE(RegHas(buttonKey, mine)) << view;
+        EXPECT_TRUE(RegHas(buttonKey, other)) << view;
+
+        const std::vector<Row> items = CollectMenuItems(live.sources, places);
+        const auto item = std::find_if(items.begin(), items.end(), [&](const Row& row) {
+            return row.cells[kMenuColName] == "CorvaneTest &Menu" && row.cells[kMenuColScope] == kScopeAllUsers &&
+                   row.cells[kMenuColView] == view;
+        });
+        ASSERT_NE(item, items.end());
+        EXPECT_TRUE(DeleteMenuItem(ports, &*item));
+        EXPECT_FALSE(RegHas(menuKey, mine)) << view;
+        EXPECT_TRUE(RegHas(menuKey, other)) << view;
+        // Three questions and no failure.
+        EXPECT_EQ(prompts.shown.size(), 3u) << view;
+    }
 }
 
 }  // namespace

@@ -31,6 +31,15 @@ TEST(RegistryViewContract, Win32) {
     contract::CheckRegistryViewContract(reg, "CorvaneTestsViews");
 }
 
+// The classes of the 32-bit view, with a class id of the test's own.
+TEST(ClassesViewContract, Win32) {
+    Win32Registry reg;
+    const std::string clsid = "{C1A55E50-0000-4000-8000-00000000C1A5}";
+    reg.DeleteKey(kHKeyClassesRoot, "CLSID\\" + clsid + "\\InprocServer32", kKeyWow64_32Key);
+    reg.DeleteKey(kHKeyClassesRoot, "CLSID\\" + clsid, kKeyWow64_32Key);
+    contract::CheckClassesViewContract(reg, clsid);
+}
+
 class RegistryUnderWine : public ::testing::Test {
 protected:
     void SetUp() override {
