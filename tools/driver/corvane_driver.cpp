@@ -3,6 +3,7 @@
 // screenshot script and by tests that need a second process.
 //   corvane_driver nav N      click navigation button N (0 = Process ... 4 = Options)
 //   corvane_driver tab N      click tab button N of the browser pane (0 = helper objects ... 4 = URLs)
+//   corvane_driver lastnode   select the last root of the startup pane's tree (Other Places)
 //   corvane_driver wait       wait until the main window is visible
 //   corvane_driver about      open the about box (returns at once)
 //   corvane_driver ok         press OK in the about box
@@ -12,6 +13,7 @@
 #include <windows.h>
 #include <objbase.h>
 #include <shlobj.h>
+#include <commctrl.h>
 #include <shobjidl.h>
 
 #include <cstdio>
@@ -89,6 +91,19 @@ int main(int argc, char** argv) {
         HWND button = pane ? GetDlgItem(pane, ids[n]) : nullptr;
         if (!button) return 1;
         Click(button);
+        SendMessageTimeoutA(main, WM_NULL, 0, 0, SMTO_NORMAL, 5000, nullptr);
+        return 0;
+    }
+    if (std::strcmp(argv[1], "lastnode") == 0) {
+        // Tree items are handles the other process reads as they are, so
+        // walking the roots needs no shared memory.
+        HWND pane = GetWindow(GetDlgItem(main, IDC_CLIENT), GW_CHILD);
+        HWND tree = pane ? GetDlgItem(pane, IDC_TVWSTARTUP) : nullptr;
+        if (!tree) return 1;
+        LRESULT last = SendMessageA(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
+        for (LRESULT next = last; next; next = SendMessageA(tree, TVM_GETNEXTITEM, TVGN_NEXT, next)) last = next;
+        if (!last) return 1;
+        SendMessageA(tree, TVM_SELECTITEM, TVGN_CARET, last);
         SendMessageTimeoutA(main, WM_NULL, 0, 0, SMTO_NORMAL, 5000, nullptr);
         return 0;
     }

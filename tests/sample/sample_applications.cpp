@@ -1,0 +1,12 @@
+#include "wine/applications_machine.h"
+
+#include "sample/sample_parts.h"
+
+namespace corvane::sample {
+
+void AddApplicationsMachine() {
+    // Never destroyed: its destructor would take everything out again.
+    new wine::ApplicationsMachine();
+}
+
+}  // namespace corvane::sample

@@ -1,0 +1,12 @@
+#include "wine/browser_machine.h"
+
+#include "sample/sample_parts.h"
+
+namespace corvane::sample {
+
+void AddBrowserMachine() {
+    // Never destroyed: its destructor would take everything out again.
+    new wine::BrowserMachine();
+}
+
+}  // namespace corvane::sample

@@ -1,0 +1,188 @@
+// corvane_sample_machine APPFOLDER: fills the running Wine prefix with a
+// small machine to look at, built from the machines and fixtures of the Wine
+// tests: running programs (one on the shipped suspect list), startup items
+// in both hives, both registry views and both folders (enabled, disabled in
+// the program's stores, suspicious, switched off by Windows), the other
+// places, helper objects, toolbars, buttons, menu items and changed
+// addresses of the browser, installed applications with their records, and
+// a process backup. APPFOLDER is the folder Corvane.exe runs from, where its
+// stores go. Run it in a prefix that has booted, and start Corvane before
+// the server stops: a boot would run the RunOnce values and take them out.
+#include <windows.h>
+#include <shlobj.h>
+
+#include <cstdio>
+#include <string>
+
+#include "browser/browser_commands.h"
+#include "browser/browser_items.h"
+#include "fakes/fakes.h"
+#include "platform/win32/adapters.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
+#include "platform/win32/file_system_win32.h"
+#include "platform/win32/registry_win32.h"
+#include "platform/win32/shortcuts_win32.h"
+#include "processes/backup_store.h"
+#include "processes/process_commands.h"
+#include "sample/sample_parts.h"
+#include "startup/startup_commands.h"
+#include "startup/startup_items.h"
+#include "wine/other_places_machine.h"
+#include "wine/startup_machine.h"
+#include "wine/wine_support.h"
+
+namespace corvane::sample {
+namespace {
+
+constexpr const char* kRunning = "C:\\corvane-tests\\running";
+// On the suspect list shipped beside the program (data/SusProcess.qdl and data/SusCLSID.qdl).
+constexpr const char* kSuspectProgram = "msblast.exe";
+constexpr const char* kSuspectClsid = "{00000000-5EB9-11D5-9D45-009027C14662}";
+
+int failures = 0;
+void Check(bool ok, const char* what) {
+    if (!ok) {
+        std::fprintf(stderr, "sample machine: %s failed\n", what);
+        ++failures;
+    }
+}
+
+bool SetText(HKEY hive, const std::string& key, const std::string& name, const std::string& text) {
+    return wine::StartupMachine::SetValue(hive, key, 0, name, REG_SZ, text + '\0');
+}
+
+// Starts a copy of a fixture program and leaves it running.
+std::string StartProgram(const char* fixture, const std::string& name) {
+    const std::string path = std::string(kRunning) + "\\" + name;
+    CopyFileA((wine::TestFolder() + "\\" + fixture).c_str(), path.c_str(), FALSE);
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION info{};
+    std::string line = "\"" + path + "\"";
+    const bool started = CreateProcessA(path.c_str(), line.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr,
+                                        nullptr, &startup, &info);
+    Check(started, name.c_str());
+    if (started) {
+        CloseHandle(info.hThread);
+        CloseHandle(info.hProcess);
+    }
+    return path;
+}
+
+void AddStartup(const std::string& app) {
+    // Never destroyed, as the other machines: their destructors clear what they made.
+    auto* machine = new wine::StartupMachine();
+    machine->Setup();
+    auto* other = new wine::OtherPlacesMachine();
+    other->Setup();
+
+    const std::string blaster = std::string(kRunning) + "\\" + kSuspectProgram;
+    Check(SetText(HKEY_CURRENT_USER, kRunKeyPath, "CorvaneTest Blaster", blaster), "the suspicious Run value");
+    Check(wine::StartupMachine::SetRun32("CorvaneTest Wow", "\"" + machine->full + "\" /media"), "a 32-bit Run value");
+    Check(wine::StartupMachine::SetRun32("CorvaneTest Wow Plain", machine->plain), "a 32-bit Run value");
+    Check(wine::MakeShortcut(machine->commonStartup + "\\CorvaneTest Updater.lnk", machine->plain, "-silent"),
+          "a shortcut");
+    // Switched off in Task Manager on 5 March 2024: flags 03, then the FILETIME of that noon.
+    SYSTEMTIME noon{2024, 3, 2, 5, 12, 0, 0, 0};
+    FILETIME changed;
+    SystemTimeToFileTime(&noon, &changed);
+    std::string off(12, '\0');
+    off[0] = 3;
+    memcpy(&off[4], &changed, sizeof changed);
+    Check(wine::StartupMachine::SetApproval(HKEY_CURRENT_USER, "Run", "CorvaneTest Spaced", off), "Windows' choice");
+    Check(wine::StartupMachine::SetApproval(HKEY_LOCAL_MACHINE, "Run32", "CorvaneTest Wow Plain", off),
+          "Windows' choice");
+
+    // Three items disabled through the program's own command, so they lie in its stores.
+    Win32Registry registry;
+    Win32FileSystem files;
+    Win32FileFacts facts;
+    Win32Clock clock;
+    Win32Environment environment;
+    Win32Shortcuts shortcuts;
+    fakes::FakePrompts prompts;
+    Win32SystemInfo system;
+    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
+    CommandPorts ports{registry, files, prompts, system};
+    MakeStoreFolders(files, app);
+    const StartupPlaces places = LoadStartupPlaces(sources, app);
+    StartupList list = CollectStartupItems(sources, places, "All");
+    for (StartupRow& row : list.rows) {
+        const std::string& name = row.cells[kStartupColName];
+        row.checked = name == "CorvaneTest Plain" || name == "CorvaneTest Env Args" || name == "CorvaneTest Updater.lnk";
+    }
+    Check(DisableCheckedItems(ports, places, list) == CommandEnd::Refresh, "disabling three startup items");
+}
+
+void AddBrowserExtras(const std::string& app) {
+    AddBrowserMachine();
+    // A helper object whose class id is on the shipped suspect list.
+    const std::string server = std::string(wine::kStartupFiles) + "\\srchhlp.dll";
+    CopyFileA((wine::TestFolder() + "\\fixture_bare.exe").c_str(), server.c_str(), FALSE);
+    const std::string clsid = std::string("CLSID\\") + kSuspectClsid;
+    Check(SetText(HKEY_CLASSES_ROOT, clsid, "", "Search Helper") &&
+              SetText(HKEY_CLASSES_ROOT, clsid + "\\InprocServer32", "", server) &&
+              wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, std::string(kHelperObjectsKey) + "\\" + kSuspectClsid,
+                                             0, "NoExplorer", REG_SZ, std::string("1") + '\0'),
+          "the suspicious helper object");
+
+    Win32Registry registry;
+    Win32FileSystem files;
+    fakes::FakePrompts prompts;
+    Win32SystemInfo system;
+    Win32Clock clock;
+    BrowserCommandPorts ports{registry, files, prompts, system, clock, app};
+    Row row(kBHOColumns.size());
+    row.cells[kBrowserColId] = "{c0a7e5e5-0000-4000-8000-000000000002}";
+    row.cells[kBrowserColState] = "True";
+    row.checked = true;
+    Check(DisableCheckedHelperObjects(ports, {row}), "disabling a helper object");
+
+    // Addresses as a hijacker leaves them, beside the defaults.
+    BrowserUrls urls = LoadBrowserURLs(registry);
+    for (int field = 0; field < static_cast<int>(urls.size()); ++field) {
+        if (urls[field].empty()) urls[field] = DefaultBrowserUrl(static_cast<BrowserUrl>(field));
+    }
+    urls[kUrlStartPage] = "http://home.example.net/start.html";
+    urls[kUrlSearchBar] = "http://search.example.net/bar?q=";
+    Check(SaveBrowserURLs(registry, prompts, system, urls), "the addresses");
+}
+
+void AddProcesses(const std::string& app) {
+    CreateDirectoryA("C:\\corvane-tests", nullptr);
+    CreateDirectoryA(kRunning, nullptr);
+    StartProgram("fixture_full.exe", "trayclock.exe");
+    StartProgram("fixture_noicon.exe", "notes.exe");
+    StartProgram("fixture_bare.exe", kSuspectProgram);
+
+    // A program deleted from the process pane earlier, kept in the backup store.
+    Win32FileSystem files;
+    Win32Clock clock;
+    const SystemTime now = clock.Now();
+    const std::string stamp = BackupStamp(now.year, now.month, now.day, now.hour, now.minute, now.second);
+    CreateDirectoryA(BackupFolder(app).c_str(), nullptr);
+    Check(CopyFileA((wine::TestFolder() + "\\fixture_full.exe").c_str(), BackupCopyPath(app, stamp).c_str(), FALSE),
+          "the backup's copy");
+    Check(!files.WriteAtomic(BackupRecordPath(app, stamp),
+                             BackupRecord(std::string(kRunning) + "\\oldtool.exe", clock.ShortDate(now))),
+          "the backup's record");
+}
+
+}  // namespace
+}  // namespace corvane::sample
+
+int main(int argc, char** argv) {
+    using namespace corvane::sample;
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: corvane_sample_machine APPFOLDER\n");
+        return 2;
+    }
+    const std::string app = argv[1];
+    SHCreateDirectoryExA(nullptr, app.c_str(), nullptr);
+    AddProcesses(app);
+    AddStartup(app);
+    AddBrowserExtras(app);
+    AddApplicationsMachine();
+    return failures == 0 ? 0 : 1;
+}
