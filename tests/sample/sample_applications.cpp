@@ -6,7 +6,7 @@ namespace corvane::sample {
 
 void AddApplicationsMachine() {
     // Never destroyed: its destructor would take everything out again.
-    new wine::ApplicationsMachine();
+    (new wine::ApplicationsMachine())->Add32BitEntry();
 }
 
 }  // namespace corvane::sample

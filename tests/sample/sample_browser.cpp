@@ -6,7 +6,7 @@ namespace corvane::sample {
 
 void AddBrowserMachine() {
     // Never destroyed: its destructor would take everything out again.
-    new wine::BrowserMachine();
+    (new wine::BrowserMachine())->Add32BitView();
 }
 
 }  // namespace corvane::sample

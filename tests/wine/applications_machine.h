@@ -54,6 +54,25 @@ struct ApplicationsMachine {
         EXPECT_TRUE(ImportRegFile(TestFolder() + "\\applications_sources.reg"));
     }
     ~ApplicationsMachine() { ClearOurApplications(); }
+
+    // An entry a 32-bit installer made: in the 32-bit view of the Uninstall key.
+    void Add32BitEntry() {
+        HKEY key;
+        const std::string path = std::string(kUninstallKey) + "\\CorvaneTest Wow";
+        if (RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | KEY_WOW64_32KEY, nullptr,
+                            &key, nullptr) != ERROR_SUCCESS) {
+            ADD_FAILURE() << "cannot make " << path << " in the 32-bit view";
+            return;
+        }
+        const std::string values[][2] = {{"DisplayName", "CorvaneTest Wow Tool"},
+                                         {"UninstallString", std::string(kAppFiles) + "\\uninst.exe /x86"},
+                                         {"DisplayIcon", std::string(kAppFiles) + "\\app.exe"}};
+        for (const auto& value : values) {
+            RegSetValueExA(key, value[0].c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value[1].c_str()),
+                           static_cast<DWORD>(value[1].size() + 1));
+        }
+        RegCloseKey(key);
+    }
 };
 
 }  // namespace corvane::wine
