@@ -95,24 +95,15 @@ void AddStartup(const std::string& app) {
           "Windows' choice");
 
     // Three items disabled through the program's own command, so they lie in its stores.
-    Win32Registry registry;
-    Win32FileSystem files;
-    Win32FileFacts facts;
-    Win32Clock clock;
-    Win32Environment environment;
-    Win32Shortcuts shortcuts;
-    fakes::FakePrompts prompts;
-    Win32SystemInfo system;
-    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
-    CommandPorts ports{registry, files, prompts, system};
-    MakeStoreFolders(files, app);
-    const StartupPlaces places = LoadStartupPlaces(sources, app);
-    StartupList list = CollectStartupItems(sources, places, "All");
+    wine::LiveStartup live;
+    MakeStoreFolders(live.files, app);
+    const StartupPlaces places = LoadStartupPlaces(live.sources, app);
+    StartupList list = CollectStartupItems(live.sources, places, "All");
     for (StartupRow& row : list.rows) {
         const std::string& name = row.cells[kStartupColName];
         row.checked = name == "CorvaneTest Plain" || name == "CorvaneTest Env Args" || name == "CorvaneTest Updater.lnk";
     }
-    Check(DisableCheckedItems(ports, places, list) == CommandEnd::Refresh, "disabling three startup items");
+    Check(DisableCheckedItems(live.ports, places, list) == CommandEnd::Refresh, "disabling three startup items");
 }
 
 void AddBrowserExtras(const std::string& app) {

@@ -14,19 +14,12 @@
 #include "startup/other_places.h"
 #include "startup/startup_report.h"
 #include "wine/other_places_machine.h"
+#include "wine/startup_machine.h"
 
 namespace corvane {
 namespace {
 
-struct Live {
-    Win32Registry registry;
-    Win32FileSystem files;
-    Win32FileFacts facts;
-    Win32Clock clock;
-    Win32Environment environment;
-    Win32Shortcuts shortcuts;
-    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
-};
+using Live = wine::LiveStartup;
 
 using Rows = std::multimap<std::string, StartupRow>;  // by "name|location"
 

@@ -219,13 +219,8 @@ TEST(ReportUnderWine, ConvertsTheAnsiCodePageToUtf8) {
 
 // The startup items as the pane lists them, from the program's own folder.
 std::vector<StartupRow> StartupRowsOfTheExe() {
-    Win32Registry registry;
-    Win32FileSystem files;
-    Win32FileFacts facts;
-    Win32Clock clock;
-    Win32Environment environment;
-    Win32Shortcuts shortcuts;
-    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
+    wine::LiveStartup live;
+    StartupSources& sources = live.sources;
     const std::string app = FolderOf(wine::FromUnixPath(CORVANE_REPORT_EXE));
     // Every item of "All Items", then the other places, as the startup area collects them.
     const StartupPlaces places = LoadStartupPlaces(sources, app);

@@ -14,8 +14,14 @@
 #include <vector>
 
 #include "foundations/registry.h"
+#include "fakes/fakes.h"
 #include "platform/win32/adapters.h"
+#include "platform/win32/clock_win32.h"
+#include "platform/win32/file_facts_win32.h"
+#include "platform/win32/file_system_win32.h"
 #include "platform/win32/registry_win32.h"
+#include "platform/win32/shortcuts_win32.h"
+#include "startup/startup_commands.h"
 #include "startup/startup_items.h"
 #include "wine/wine_support.h"
 
@@ -147,5 +153,20 @@ inline std::pair<std::string, DWORD> RawValue(HKEY hive, const std::string& name
     RegCloseKey(key);
     return {data, type};
 }
+
+// The startup area's ports on the prefix's real registry, files and
+// shortcuts, as the pane makes them; message boxes go to a fake.
+struct LiveStartup {
+    Win32Registry registry;
+    Win32FileSystem files;
+    Win32FileFacts facts;
+    Win32Clock clock;
+    Win32Environment environment;
+    Win32Shortcuts shortcuts;
+    fakes::FakePrompts prompts;
+    Win32SystemInfo system;
+    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
+    CommandPorts ports{registry, files, prompts, system};
+};
 
 }  // namespace corvane::wine

@@ -22,17 +22,7 @@
 namespace corvane {
 namespace {
 
-struct Live {
-    Win32Registry registry;
-    Win32FileSystem files;
-    Win32FileFacts facts;
-    Win32Clock clock;
-    Win32Environment environment;
-    Win32Shortcuts shortcuts;
-    fakes::FakePrompts prompts;
-    Win32SystemInfo system;
-    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
-    CommandPorts ports{registry, files, prompts, system};
+struct Live : wine::LiveStartup {
 
     // Our rows of a node, by name.
     std::map<std::string, StartupRow> Rows(const StartupPlaces& places, const std::string& node = "All") {
