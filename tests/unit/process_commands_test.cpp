@@ -200,7 +200,7 @@ TEST(DeleteProcess, RefusedBeforeAnythingIsTouched) {
     EXPECT_TRUE(taken.ProgramInPlace());
     EXPECT_TRUE(taken.Running());
     EXPECT_EQ(taken.Texts(), std::vector<std::string>{ErrorOccurred(
-                                 "cmdDelete", FolderNotWritableText(std::string(kApp) + "\\backup", "System error 183."))});
+                                 "cmdDelete", FolderNotWritableText(std::string(kApp) + "\\Backup", "System error 183."))});
 }
 
 // Says a file is missing when the test wants it: the copy that did not arrive.
