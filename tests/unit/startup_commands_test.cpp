@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "foundations/reg_file.h"
+#include "fakes/command_fakes.h"
 #include "foundations/store_check.h"
 #include "startup/run_key_store.h"
 #include "startup_world.h"
@@ -420,19 +420,7 @@ TEST(StartupCommands, DisablingManyItemsWritesEachStoreOnce) {
 // Every registry and file operation of each command fails in turn, and the
 // command stops after each change as a crash would. Afterwards every item is
 // in its source or its store, except the one the user deleted.
-// Every file and every key of the machine, to see that nothing at all changed.
-std::string Snapshot(World& w) {
-    std::string text;
-    for (const std::string& path : w.files.Paths()) text += path + "=" + w.files.Content(path).value_or("") + "\n";
-    for (const RegKey root : {kHKeyLocalMachine, kHKeyCurrentUser}) {
-        if (auto keys = ReadRegKeyTree(w.registry, root, "Software")) {
-            RegFile file;
-            file.keys = *keys;
-            text += FormatRegFile(file);
-        }
-    }
-    return text;
-}
+std::string Snapshot(World& w) { return fakes::MachineSnapshot(w.registry, w.files); }
 
 // What a delete, disable and enable of each row do when the program's folder
 // takes no new file (read-only media, no rights there) or when a store folder's
@@ -446,12 +434,7 @@ TEST(StartupCommands, AFolderThatCannotBeWrittenStopsEveryCommandBeforeItAsks) {
     };
     const std::vector<Case> cases = {
         {"program folder read-only",
-         [](World& w) {
-             w.files.failIf = [](const std::string& op, const std::string& path) {
-                 const bool change = op != "Exists" && op != "IsFolder" && op != "Read" && op != "List";
-                 return change && path.rfind(kApp_, 0) == 0;
-             };
-         },
+         [](World& w) { fakes::MakeReadOnly(w.files, kApp_); },
          kApp_},
         {"shortcut store taken by a file",
          [](World& w) {
@@ -475,6 +458,7 @@ TEST(StartupCommands, AFolderThatCannotBeWrittenStopsEveryCommandBeforeItAsks) {
                 Populate(w, true);
                 c.spoil(w);
                 StartupList list = CheckAll(w.Collect());
+                if (i >= list.rows.size()) break;  // the spoiling took stored shortcuts away
                 const std::string row = command == "delete" ? " " + list.rows[i].cells[kStartupColName] +
                                                                   "|" + list.rows[i].cells[kStartupColLocation]
                                                             : "";
