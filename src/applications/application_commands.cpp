@@ -98,11 +98,15 @@ bool DeleteApplicationEntry(ApplicationCommandPorts& ports, const Row* selected)
         " to put it back.";
     BackupPorts backup{ports.files, ports.prompts, ports.system, ports.clock, ports.appPath};
     const std::string backupName = view ? subkey + " " + kView32Text : subkey;
-    if (!WriteBackup(backup, kDeleteProcedure, kApplicationBackupKind, backupName, heading, keys, view)) return false;
+    const auto kept = WriteBackup(backup, kDeleteProcedure, kApplicationBackupKind, backupName, heading, keys, view);
+    if (!kept) return false;
 
     // The entry first: once it is gone the list no longer shows the
     // application, whatever becomes of its cache record.
     if (!RemoveKeyTree(registry, ports.prompts, ports.system, kHKeyLocalMachine, uninstallKey, *entry)) {
+        // Refused and whole where it was: no backup of a delete that did not happen.
+        const auto now = ReadRegKeyTree(registry, kHKeyLocalMachine, uninstallKey);
+        if (now && SameRegKeys(*now, *entry)) ports.files.Delete(*kept);
         return true;
     }
     if (!cache.empty()) {

@@ -128,13 +128,22 @@ bool DeleteWithBackup(BrowserCommandPorts& ports, const Removal& removal) {
     const std::string heading = " " + std::string(removal.kind) + " " + removal.name + " (" + where +
                                 "), deleted by " + kAppTitle + ". " + ImportHint(removal.view) + " to put it back.";
     BackupPorts backup{ports.files, ports.prompts, ports.system, ports.clock, ports.appPath};
-    if (!WriteBackup(backup, removal.procedure, removal.kind, removal.name, heading, *keys, removal.view)) {
-        return false;
-    }
-    if (removal.valueName) {
-        DeleteRegValue(registry, ports.prompts, ports.system, removal.root, removal.keyPath, *removal.valueName);
-    } else {
-        RemoveKeyTree(registry, ports.prompts, ports.system, removal.root, removal.keyPath, *keys);
+    const auto kept = WriteBackup(backup, removal.procedure, removal.kind, removal.name, heading, *keys, removal.view);
+    if (!kept) return false;
+    const bool removed =
+        removal.valueName
+            ? DeleteRegValue(registry, ports.prompts, ports.system, removal.root, removal.keyPath, *removal.valueName)
+            : RemoveKeyTree(registry, ports.prompts, ports.system, removal.root, removal.keyPath, *keys);
+    // Refused (no rights to a machine-wide key, say) and still whole where it
+    // was: a backup of an item never deleted would only mislead.
+    if (!removed) {
+        std::optional<std::vector<RegFileKey>> now;
+        if (!removal.valueName) {
+            now = ReadRegKeyTree(registry, removal.root, removal.keyPath);
+        } else if (auto value = ReadRegValue(registry, removal.root, removal.keyPath, *removal.valueName)) {
+            now = std::vector<RegFileKey>{std::move(*value)};
+        }
+        if (now && SameRegKeys(*now, *keys)) ports.files.Delete(*kept);
     }
     return true;
 }

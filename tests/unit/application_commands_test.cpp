@@ -262,6 +262,25 @@ TEST(ApplicationCommands, DeleteEntryRefusesBeforeItAsksWhenTheBackupFolderCanno
     }
 }
 
+// The machine's Uninstall key is beyond a standard user's rights: Delete
+// Entry gives the system's reason and leaves the entry, its record and no
+// backup of a delete that did not happen.
+TEST(ApplicationCommands, DeleteEntryRefusedBySystemLeavesNoBackupBehind) {
+    for (const std::string& target : kEntries) {
+        World w;
+        w.system.errorTexts[5] = "Access is denied.\r\n";
+        w.registry.failIf = [](const std::string& op, const std::string&, const std::string&) {
+            return op == "SetValue" || op == "DeleteValue" || op == "CreateKey" || op == "DeleteKey";
+        };
+        const Row row = AppRow(target, "Target", "x");
+        const std::string before = fakes::MachineSnapshot(w.registry, w.files);
+        DeleteApplicationEntry(w.ports, &row);
+        EXPECT_EQ(fakes::MachineSnapshot(w.registry, w.files), before) << target;
+        ASSERT_FALSE(w.prompts.shown.empty()) << target;
+        EXPECT_NE(w.prompts.shown.back().text.find("Access is denied."), std::string::npos) << target;
+    }
+}
+
 TEST(ApplicationCommands, UninstallAsksStartsTheRowsCommandAndWaits) {
     const struct {
         const char* what;

@@ -434,6 +434,40 @@ TEST(BrowserCommands, AProgramFolderThatCannotBeWrittenStopsEveryCommandBeforeIt
     }
 }
 
+// Machine-wide keys the user's rights do not reach: each command gives the
+// system's reason, and every item stays as and where it was, with no store
+// file or backup left for an item that never went.
+TEST(BrowserCommands, AMachineWideChangeRefusedBySystemLeavesNothingHalfDone) {
+    struct Command {
+        std::string name;
+        std::function<void(World&)> run;
+    };
+    std::vector<Command> commands = {
+        {"disable", [](World& w) { DisableCheckedHelperObjects(w.ports, HelperRows(w)); }},
+        {"enable", [](World& w) { EnableCheckedHelperObjects(w.ports, HelperRows(w)); }},
+    };
+    for (const Deletion& d : Deletions()) {
+        if (d.root == kHKeyLocalMachine) {
+            commands.push_back({"delete "s + d.what, [d](World& w) { d.command(w.ports, &d.row); }});
+        }
+    }
+    for (const Command& command : commands) {
+        World w;
+        Populate(w);
+        w.system.errorTexts[5] = "Access is denied.\r\n";
+        w.registry.failIf = [](const std::string& op, const std::string& keyPath, const std::string&) {
+            const bool change = op == "SetValue" || op == "DeleteValue" || op == "CreateKey" || op == "DeleteKey";
+            return change && keyPath.rfind("HKLM", 0) == 0;
+        };
+        const std::string before = fakes::MachineSnapshot(w.registry, w.files);
+        command.run(w);
+        EXPECT_EQ(fakes::MachineSnapshot(w.registry, w.files), before) << command.name;
+        bool toldWhy = false;
+        for (const auto& shown : w.prompts.shown) toldWhy |= shown.text.find("Access is denied.") != std::string::npos;
+        EXPECT_TRUE(toldWhy) << command.name;
+    }
+}
+
 // ---- the two registry views of a 64-bit system ----
 
 const std::string kBHO32 = "HKLM\\Software\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects";
