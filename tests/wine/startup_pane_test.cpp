@@ -289,11 +289,7 @@ TEST_F(StartupPaneUnderWine, DisableEnableDeleteAndTheOtherCommands) {
 // ask, leaving the registry and the files byte for byte as they were.
 TEST_F(StartupPaneUnderWine, AReadOnlyProgramFolderRefusesEveryCommand) {
     const std::string store = machine_.app + "\\DHKCURunKey.run";
-    HANDLE file = CreateFileA(store.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    const std::string line = "CorvaneTest Stored\x01" + machine_.plain + " /s\x01HKCU\r\n";
-    DWORD written = 0;
-    WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
-    CloseHandle(file);
+    WriteFile(store, "CorvaneTest Stored\x01" + machine_.plain + " /s\x01HKCU\r\n");
     wine::ReadOnlyFolder readOnly(machine_.app);
     if (!readOnly.ok()) GTEST_SKIP() << "this file system cannot make a folder read-only for root";
 

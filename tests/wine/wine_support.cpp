@@ -203,7 +203,9 @@ bool TakesNewFile(const std::string& folder) {
 bool Chattr(const std::string& folder, bool immutable) {
     const std::string unix = UnixPathOf(folder);
     if (unix.empty()) return false;
-    std::string command = std::string("/usr/bin/chattr ") + (immutable ? "+i" : "-i") + " \"" + unix + "\"";
+    // The whole tree, as read-only media would be: a subfolder made before
+    // (such as "backup") would otherwise still take files.
+    std::string command = std::string("/usr/bin/chattr -R ") + (immutable ? "+i" : "-i") + " \"" + unix + "\"";
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process{};
@@ -213,7 +215,10 @@ bool Chattr(const std::string& folder, bool immutable) {
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
     for (int i = 0; i < 100; ++i) {
-        if (TakesNewFile(folder) != immutable) return true;
+        if (TakesNewFile(folder) != immutable) {
+            Sleep(500);  // the folder is done first; give chattr time for what lies below it
+            return true;
+        }
         Sleep(50);
     }
     return false;

@@ -59,7 +59,8 @@ std::string SystemText(unsigned long error);
 // change nothing is compared by, before and after.
 std::string MachineSnapshot(const std::vector<std::string>& folders, const std::vector<std::string>& keys);
 
-// Makes a folder take no new file, no delete and no rename for every process,
+// Makes a folder and all below it take no new file, no change, no delete and
+// no rename for every process,
 // root included, as a folder on read-only media or without the user's rights:
 // the Linux immutable attribute, set by the system's chattr, since Wine runs
 // the tests as root and a Unix mode stops no write of root's. The attribute
