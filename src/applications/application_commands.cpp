@@ -1,6 +1,7 @@
 #include "applications/application_commands.h"
 
 #include "applications/installed_applications.h"
+#include "foundations/store_check.h"
 #include "foundations/app_identity.h"
 #include "foundations/error_message.h"
 #include "foundations/reg_backup.h"
@@ -45,6 +46,10 @@ bool DeleteApplicationEntry(ApplicationCommandPorts& ports, const Row* selected)
                                  (of32 ? std::string(" (") + kView32Text + ")" : std::string()) +
                                  "\r\n\r\nOnly the entry in the list goes; the application's files stay where they "
                                  "are. A copy of the entry is kept in the backup folder.";
+    if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, kDeleteProcedure,
+                           {RegBackupFolder(ports.appPath)})) {
+        return false;
+    }
     if (!AskYesNo(ports.prompts, question, kAppTitle)) return false;
 
     // The entry and its record are taken from the row's own registry view
@@ -93,11 +98,15 @@ bool DeleteApplicationEntry(ApplicationCommandPorts& ports, const Row* selected)
         " to put it back.";
     BackupPorts backup{ports.files, ports.prompts, ports.system, ports.clock, ports.appPath};
     const std::string backupName = view ? subkey + " " + kView32Text : subkey;
-    if (!WriteBackup(backup, kDeleteProcedure, kApplicationBackupKind, backupName, heading, keys, view)) return false;
+    const auto kept = WriteBackup(backup, kDeleteProcedure, kApplicationBackupKind, backupName, heading, keys, view);
+    if (!kept) return false;
 
     // The entry first: once it is gone the list no longer shows the
     // application, whatever becomes of its cache record.
     if (!RemoveKeyTree(registry, ports.prompts, ports.system, kHKeyLocalMachine, uninstallKey, *entry)) {
+        // Refused and whole where it was: no backup of a delete that did not happen.
+        const auto now = ReadRegKeyTree(registry, kHKeyLocalMachine, uninstallKey);
+        if (now && SameRegKeys(*now, *entry)) ports.files.Delete(*kept);
         return true;
     }
     if (!cache.empty()) {

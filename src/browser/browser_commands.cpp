@@ -1,6 +1,7 @@
 #include "browser/browser_commands.h"
 
 #include "browser/browser_items.h"
+#include "foundations/store_check.h"
 #include "foundations/app_identity.h"
 #include "foundations/error_message.h"
 #include "foundations/reg_backup.h"
@@ -95,6 +96,10 @@ bool DeleteWithBackup(BrowserCommandPorts& ports, const Removal& removal) {
     const std::string question = "Are you sure you want to delete selected " + std::string(removal.kind) +
                                  "?\r\n\r\n" + removal.name + " (" + where +
                                  ")\r\n\r\nA copy is kept in the backup folder.";
+    if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, removal.procedure,
+                           {RegBackupFolder(ports.appPath)})) {
+        return false;
+    }
     if (!AskYesNo(ports.prompts, question, kAppTitle)) return false;
 
     // Everything below happens in the row's own view, so that a key of the
@@ -123,15 +128,32 @@ bool DeleteWithBackup(BrowserCommandPorts& ports, const Removal& removal) {
     const std::string heading = " " + std::string(removal.kind) + " " + removal.name + " (" + where +
                                 "), deleted by " + kAppTitle + ". " + ImportHint(removal.view) + " to put it back.";
     BackupPorts backup{ports.files, ports.prompts, ports.system, ports.clock, ports.appPath};
-    if (!WriteBackup(backup, removal.procedure, removal.kind, removal.name, heading, *keys, removal.view)) {
-        return false;
-    }
-    if (removal.valueName) {
-        DeleteRegValue(registry, ports.prompts, ports.system, removal.root, removal.keyPath, *removal.valueName);
-    } else {
-        RemoveKeyTree(registry, ports.prompts, ports.system, removal.root, removal.keyPath, *keys);
+    const auto kept = WriteBackup(backup, removal.procedure, removal.kind, removal.name, heading, *keys, removal.view);
+    if (!kept) return false;
+    const bool removed =
+        removal.valueName
+            ? DeleteRegValue(registry, ports.prompts, ports.system, removal.root, removal.keyPath, *removal.valueName)
+            : RemoveKeyTree(registry, ports.prompts, ports.system, removal.root, removal.keyPath, *keys);
+    // Refused (no rights to a machine-wide key, say) and still whole where it
+    // was: a backup of an item never deleted would only mislead.
+    if (!removed) {
+        std::optional<std::vector<RegFileKey>> now;
+        if (!removal.valueName) {
+            now = ReadRegKeyTree(registry, removal.root, removal.keyPath);
+        } else if (auto value = ReadRegValue(registry, removal.root, removal.keyPath, *removal.valueName)) {
+            now = std::vector<RegFileKey>{std::move(*value)};
+        }
+        if (now && SameRegKeys(*now, *keys)) ports.files.Delete(*kept);
     }
     return true;
+}
+
+// Whether any row is checked with `state` in its Enabled column.
+bool AnyChecked(const std::vector<Row>& rows, const char* state) {
+    for (const Row& row : rows) {
+        if (row.checked && row.cells.size() > kBrowserColState && row.cells[kBrowserColState] == state) return true;
+    }
+    return false;
 }
 
 bool IsScope(const std::string& scope) { return scope == kScopeAllUsers || scope == kScopeCurrentUser; }
@@ -268,6 +290,10 @@ std::vector<std::string> DisabledHelperObjects(FileSystem& files, const std::str
 }
 
 bool DisableCheckedHelperObjects(BrowserCommandPorts& ports, const std::vector<Row>& rows) {
+    if (AnyChecked(rows, "True") &&
+        !CheckStoreFolders(ports.files, ports.prompts, ports.system, kDisableProcedure, {StoreFolder(ports.appPath)})) {
+        return false;
+    }
     std::vector<std::string> gone, unstorable;
     const bool any = ForCheckedRows(rows, "True", [&](const std::string& clsid, uint32_t view) {
         return DisableOne(ports, clsid, view, gone, unstorable);
@@ -284,6 +310,10 @@ bool DisableCheckedHelperObjects(BrowserCommandPorts& ports, const std::vector<R
 }
 
 bool EnableCheckedHelperObjects(BrowserCommandPorts& ports, const std::vector<Row>& rows) {
+    if (AnyChecked(rows, "False") &&
+        !CheckStoreFolders(ports.files, ports.prompts, ports.system, kEnableProcedure, {StoreFolder(ports.appPath)})) {
+        return false;
+    }
     std::vector<std::string> unreadable, registered;
     const bool any = ForCheckedRows(rows, "False", [&](const std::string& clsid, uint32_t view) {
         return EnableOne(ports, clsid, view, unreadable, registered);

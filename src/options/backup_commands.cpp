@@ -2,6 +2,7 @@
 
 #include "foundations/app_identity.h"
 #include "foundations/error_message.h"
+#include "foundations/store_check.h"
 #include "processes/backup_store.h"
 
 namespace corvane {
@@ -80,6 +81,11 @@ bool RestoreBackup(BackupCommandPorts& ports, const Row* selected, bool deleteAf
 
 bool DeleteBackup(BackupCommandPorts& ports, const Row* selected) {
     if (!selected) return false;
+    // A store that cannot be written cannot lose a pair either: say so
+    // rather than ask and then quietly keep it.
+    std::string folder = BackupFolder(ports.appPath);
+    if (!folder.empty() && folder.back() == '\\') folder.pop_back();
+    if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, "cmdDelete", {folder})) return false;
     if (!AskYesNo(ports.prompts, "Are you sure you want to delete backup for: \r\n\r\n" + Cell(*selected, kBackupColFileName),
                   kAppTitle)) {
         return false;

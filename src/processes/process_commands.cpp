@@ -1,5 +1,6 @@
 #include "processes/process_commands.h"
 
+#include "foundations/store_check.h"
 #include "foundations/functions.h"
 #include "foundations/report_banner.h"
 #include "foundations/app_identity.h"
@@ -118,6 +119,11 @@ bool cmdDelete_Click(ProcessCommandPorts& ports, const SelectedProcess* selected
         Notice(ports, "The process does not have a valid path. It can not be deleted.");
         return false;
     }
+    // The copy the delete keeps goes to the Backup folder; one that cannot
+    // be written there stops the delete before the process is ended.
+    std::string store = BackupFolder(ports.appPath);
+    if (!store.empty() && store.back() == '\\') store.pop_back();
+    if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, "cmdDelete", {store})) return false;
     if (!AskYesNo(ports.prompts, "Are you sure you want to delete the selected process?\r\n\r\n" + selected->name,
                   kAppTitle)) {
         return false;

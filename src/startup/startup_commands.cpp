@@ -11,6 +11,7 @@
 #include "startup/other_places.h"
 #include "foundations/registry_view.h"
 #include "startup/run_key_store.h"
+#include "foundations/store_check.h"
 
 namespace corvane {
 
@@ -145,6 +146,24 @@ private:
     const char* command_;
 };
 
+// The store folders the checked rows of one side (live ones to disable,
+// disabled ones to enable) go to or come from: the program's folder for
+// run-key items, the shortcut stores for folder items.
+bool CheckStoresFor(CommandPorts& ports, const StartupPlaces& places, const std::vector<StartupRow>& rows, bool live,
+                    const char* procedure) {
+    std::vector<std::string> folders;
+    auto add = [&folders](const std::string& folder) {
+        if (std::find(folders.begin(), folders.end(), folder) == folders.end()) folders.push_back(folder);
+    };
+    for (const StartupRow& row : rows) {
+        if (!row.checked || IsLive(row) != live) continue;
+        const std::string& location = row.cells[kStartupColLocation];
+        if (IsRunLocation(location)) add(places.appPath);
+        if (IsFolderLocation(location)) add(StoreFolderOf(places, location));
+    }
+    return CheckStoreFolders(ports.files, ports.prompts, ports.system, procedure, folders);
+}
+
 }  // namespace
 
 std::string StoreContent(const std::vector<StartupRow>& rows, const std::string& scope) {
@@ -159,6 +178,7 @@ std::string StoreContent(const std::vector<StartupRow>& rows, const std::string&
 
 CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places, StartupList& list) {
     std::vector<StartupRow>& rows = list.rows;
+    if (!CheckStoresFor(ports, places, rows, true, "cmdDisable")) return CommandEnd::Nothing;
     std::vector<bool> treated(rows.size());
     std::vector<std::string> unstorable, changed;
     for (size_t i = 0; i < rows.size(); ++i) {
@@ -254,6 +274,7 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
 
 CommandEnd EnableCheckedItems(CommandPorts& ports, const StartupPlaces& places, StartupList& list) {
     std::vector<StartupRow>& rows = list.rows;
+    if (!CheckStoresFor(ports, places, rows, false, "cmdEnable")) return CommandEnd::Nothing;
     const size_t count = rows.size();
     std::map<std::string, bool> hiveChanged;
     std::vector<std::string> unwritten;
@@ -307,6 +328,11 @@ CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, 
                               PromptButtons::Ok);
         return CommandEnd::Nothing;
     }
+    // A live item keeps no copy, yet a program that cannot write its stores
+    // changes nothing at all: the user sees why before being asked.
+    std::vector<std::string> folders{places.appPath};
+    if (IsFolderLocation(location) && !IsLive(row)) folders.push_back(StoreFolderOf(places, location));
+    if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, "cmdDelete", folders)) return CommandEnd::Nothing;
     const std::string question = "Are you sure you want to delete selected Startup Item?\r\n\r\n" + name +
                                  "\r\n\r\nStartup items are not backed up.";
     if (ports.prompts.Message(question, kAppTitle, PromptIcon::Question, PromptButtons::YesNo) == PromptAnswer::No) {

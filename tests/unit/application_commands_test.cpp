@@ -234,6 +234,53 @@ TEST(ApplicationCommands, DeleteEntryLosesNothingWhateverFailsOrWhereverItStops)
     EXPECT_GT(runs, 60);
 }
 
+// A backup folder that cannot be made (read-only program folder) or whose
+// name a plain file holds: Delete Entry says where it could not write before
+// it asks, and the registry and the files stay byte for byte as they were.
+TEST(ApplicationCommands, DeleteEntryRefusesBeforeItAsksWhenTheBackupFolderCannotBeWritten) {
+    const std::vector<std::pair<std::string, std::function<void(World&)>>> spoilers = {
+        {"program folder read-only", [](World& w) { fakes::MakeReadOnly(w.files, kApp); }},
+        {"backup folder read-only",
+         [](World& w) {
+             w.files.AddFolder(kBackup);
+             fakes::MakeReadOnly(w.files, kBackup);
+         }},
+        {"backup taken by a file", [](World& w) { w.files.AddFile(kBackup, "not a folder"); }},
+    };
+    for (const auto& [what, spoil] : spoilers) {
+        for (const std::string& target : kEntries) {
+            World w;
+            spoil(w);
+            const Row row = AppRow(target, "Target", "x");
+            const std::string before = fakes::MachineSnapshot(w.registry, w.files);
+            EXPECT_FALSE(DeleteApplicationEntry(w.ports, &row)) << what;
+            ASSERT_EQ(w.prompts.shown.size(), 1u) << what;
+            EXPECT_EQ(w.prompts.shown[0].text.rfind("Error Occurred cmdDelete_Click: ", 0), 0u) << what;
+            EXPECT_NE(w.prompts.shown[0].text.find("\r\n" + kBackup + "\r\n"), std::string::npos) << what;
+            EXPECT_EQ(fakes::MachineSnapshot(w.registry, w.files), before) << what << ", " << target;
+        }
+    }
+}
+
+// The machine's Uninstall key is beyond a standard user's rights: Delete
+// Entry gives the system's reason and leaves the entry, its record and no
+// backup of a delete that did not happen.
+TEST(ApplicationCommands, DeleteEntryRefusedBySystemLeavesNoBackupBehind) {
+    for (const std::string& target : kEntries) {
+        World w;
+        w.system.errorTexts[5] = "Access is denied.\r\n";
+        w.registry.failIf = [](const std::string& op, const std::string&, const std::string&) {
+            return op == "SetValue" || op == "DeleteValue" || op == "CreateKey" || op == "DeleteKey";
+        };
+        const Row row = AppRow(target, "Target", "x");
+        const std::string before = fakes::MachineSnapshot(w.registry, w.files);
+        DeleteApplicationEntry(w.ports, &row);
+        EXPECT_EQ(fakes::MachineSnapshot(w.registry, w.files), before) << target;
+        ASSERT_FALSE(w.prompts.shown.empty()) << target;
+        EXPECT_NE(w.prompts.shown.back().text.find("Access is denied."), std::string::npos) << target;
+    }
+}
+
 TEST(ApplicationCommands, UninstallAsksStartsTheRowsCommandAndWaits) {
     const struct {
         const char* what;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "fakes/command_fakes.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_file_facts.h"
 #include "fakes/fake_file_system.h"
@@ -278,6 +279,20 @@ TEST(DeleteBackup, AsksThenDeletesThePairAndNothingElse) {
         }
         EXPECT_EQ(s.files.Paths(), expected);
     }
+}
+
+// A store on read-only media: the delete could not take the pair, so it says
+// why before it asks rather than ask and then quietly keep it.
+TEST(DeleteBackup, AStoreThatCannotBeWrittenIsNamedBeforeAnythingIsAsked) {
+    Store s;
+    s.AddPair("1_2_2_3_4_5", "C:\\Apps\\Tool.exe");
+    fakes::MakeReadOnly(s.files, kApp);
+    const std::string before = fakes::MachineSnapshot(s.registry, s.files);
+    const auto row = s.RowOf("1_2_2_3_4_5.prc");
+    EXPECT_FALSE(DeleteBackup(s.ports, &*row));
+    ASSERT_EQ(s.prompts.shown.size(), 1u);
+    EXPECT_NE(s.prompts.shown[0].text.find("\r\nC:\\Corvane\\Backup\r\n"), std::string::npos) << s.prompts.shown[0].text;
+    EXPECT_EQ(fakes::MachineSnapshot(s.registry, s.files), before);
 }
 
 // The delete of the process pane writes the pair; the options pane lists it

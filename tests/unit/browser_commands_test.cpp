@@ -398,6 +398,76 @@ TEST(BrowserCommands, NothingIsLostWhateverFailsOrWhereverItStops) {
     EXPECT_GT(runs, 250);
 }
 
+// With the program's folder read-only, each command that would keep a copy
+// there says where it could not write, asks nothing, and leaves the registry
+// and the files byte for byte as they were.
+TEST(BrowserCommands, AProgramFolderThatCannotBeWrittenStopsEveryCommandBeforeItAsks) {
+    struct Command {
+        std::string name;
+        std::function<void(World&)> prepare, run;
+        std::string folder;
+    };
+    const auto nothing = [](World&) {};
+    const auto disable = [](World& w) { DisableCheckedHelperObjects(w.ports, HelperRows(w)); };
+    std::vector<Command> commands = {
+        {"disable", nothing, disable, kStore},
+        {"enable", disable, [](World& w) { EnableCheckedHelperObjects(w.ports, HelperRows(w)); }, kStore},
+    };
+    for (const Deletion& d : Deletions()) {
+        commands.push_back({"delete "s + d.what, nothing, [d](World& w) { d.command(w.ports, &d.row); }, kBackup});
+    }
+    for (const Command& command : commands) {
+        World w;
+        Populate(w);
+        command.prepare(w);
+        w.prompts.shown.clear();
+        w.system.errorTexts[5] = "Access is denied.\r\n";
+        fakes::MakeReadOnly(w.files, kApp);
+        const std::string before = fakes::MachineSnapshot(w.registry, w.files);
+        command.run(w);
+        ASSERT_EQ(w.prompts.shown.size(), 1u) << command.name;
+        const std::string& text = w.prompts.shown[0].text;
+        EXPECT_EQ(text.rfind("Error Occurred cmd", 0), 0u) << command.name << ": " << text;
+        EXPECT_NE(text.find("\r\n" + command.folder + "\r\nAccess is denied.\r\nNothing was changed."), std::string::npos)
+            << command.name << ": " << text;
+        EXPECT_EQ(fakes::MachineSnapshot(w.registry, w.files), before) << command.name;
+    }
+}
+
+// Machine-wide keys the user's rights do not reach: each command gives the
+// system's reason, and every item stays as and where it was, with no store
+// file or backup left for an item that never went.
+TEST(BrowserCommands, AMachineWideChangeRefusedBySystemLeavesNothingHalfDone) {
+    struct Command {
+        std::string name;
+        std::function<void(World&)> run;
+    };
+    std::vector<Command> commands = {
+        {"disable", [](World& w) { DisableCheckedHelperObjects(w.ports, HelperRows(w)); }},
+        {"enable", [](World& w) { EnableCheckedHelperObjects(w.ports, HelperRows(w)); }},
+    };
+    for (const Deletion& d : Deletions()) {
+        if (d.root == kHKeyLocalMachine) {
+            commands.push_back({"delete "s + d.what, [d](World& w) { d.command(w.ports, &d.row); }});
+        }
+    }
+    for (const Command& command : commands) {
+        World w;
+        Populate(w);
+        w.system.errorTexts[5] = "Access is denied.\r\n";
+        w.registry.failIf = [](const std::string& op, const std::string& keyPath, const std::string&) {
+            const bool change = op == "SetValue" || op == "DeleteValue" || op == "CreateKey" || op == "DeleteKey";
+            return change && keyPath.rfind("HKLM", 0) == 0;
+        };
+        const std::string before = fakes::MachineSnapshot(w.registry, w.files);
+        command.run(w);
+        EXPECT_EQ(fakes::MachineSnapshot(w.registry, w.files), before) << command.name;
+        bool toldWhy = false;
+        for (const auto& shown : w.prompts.shown) toldWhy |= shown.text.find("Access is denied.") != std::string::npos;
+        EXPECT_TRUE(toldWhy) << command.name;
+    }
+}
+
 // ---- the two registry views of a 64-bit system ----
 
 const std::string kBHO32 = "HKLM\\Software\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects";

@@ -6,6 +6,8 @@
 #include "fakes/fake_process_table.h"
 #include "fakes/fakes.h"
 #include "foundations/functions.h"
+#include "foundations/error_message.h"
+#include "foundations/store_check.h"
 #include "processes/process_commands.h"
 
 namespace corvane {
@@ -184,17 +186,21 @@ TEST(DeleteProcess, RefusedBeforeAnythingIsTouched) {
 
     Machine no;
     no.Answer({A::No});
+    const std::vector<std::string> before = no.files.Paths();
     EXPECT_FALSE(cmdDelete_Click(no.ports, &no.row));
     EXPECT_TRUE(no.Running());
-    EXPECT_EQ(no.files.changes, 0);
+    EXPECT_EQ(no.files.Paths(), before);
 
-    // "backup" taken by a plain file: the copy has nowhere to go, and nothing is deleted.
+    // "backup" taken by a plain file: the copy has nowhere to go, so the
+    // delete refuses before it asks, and the process runs on.
     Machine taken;
     taken.files.RemoveFolder(std::string(kApp) + "\\backup");
     taken.files.AddFile(std::string(kApp) + "\\backup", "not a folder");
     EXPECT_FALSE(cmdDelete_Click(taken.ports, &taken.row));
     EXPECT_TRUE(taken.ProgramInPlace());
-    EXPECT_EQ(taken.Texts().back(), "Error Occurred backupProcess: The system cannot find the path specified.");
+    EXPECT_TRUE(taken.Running());
+    EXPECT_EQ(taken.Texts(), std::vector<std::string>{ErrorOccurred(
+                                 "cmdDelete", FolderNotWritableText(std::string(kApp) + "\\Backup", "System error 183."))});
 }
 
 // Says a file is missing when the test wants it: the copy that did not arrive.

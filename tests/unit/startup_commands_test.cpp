@@ -2,6 +2,8 @@
 
 #include <functional>
 
+#include "fakes/command_fakes.h"
+#include "foundations/store_check.h"
 #include "startup/run_key_store.h"
 #include "startup_world.h"
 
@@ -389,7 +391,8 @@ TEST(StartupCommands, DisablingManyItemsWritesEachStoreOnce) {
     }
     std::map<std::string, int> writes;
     w.files.failIf = [&](const std::string& op, const std::string& path) {
-        if (op == "WriteAtomic" || op == "Write" || op == "Append") ++writes[path];
+        const bool probe = path.find(kProbeFileName) != std::string::npos;
+        if ((op == "WriteAtomic" || op == "Write" || op == "Append") && !probe) ++writes[path];
         return false;
     };
     StartupList list = CheckAll(w.Collect());
@@ -417,6 +420,112 @@ TEST(StartupCommands, DisablingManyItemsWritesEachStoreOnce) {
 // Every registry and file operation of each command fails in turn, and the
 // command stops after each change as a crash would. Afterwards every item is
 // in its source or its store, except the one the user deleted.
+std::string Snapshot(World& w) { return fakes::MachineSnapshot(w.registry, w.files); }
+
+// What a delete, disable and enable of each row do when the program's folder
+// takes no new file (read-only media, no rights there) or when a store folder's
+// name is taken by a plain file: one message naming the folder, no question,
+// and the machine as it was, byte for byte.
+TEST(StartupCommands, AFolderThatCannotBeWrittenStopsEveryCommandBeforeItAsks) {
+    struct Case {
+        std::string what;
+        std::function<void(World&)> spoil;
+        std::string folder;  // the one the message names
+    };
+    const std::vector<Case> cases = {
+        {"program folder read-only",
+         [](World& w) { fakes::MakeReadOnly(w.files, kApp_); },
+         kApp_},
+        {"shortcut store taken by a file",
+         [](World& w) {
+             for (const char* folder : {"\\DLMStartup", "\\DCUStartup"}) {
+                 for (const std::string& path : w.files.Paths()) {
+                     if (path.rfind(kApp_ + folder + "\\", 0) == 0) w.files.Delete(path);
+                 }
+                 w.files.RemoveFolder(kApp_ + folder);
+                 w.files.AddFile(kApp_ + folder, "not a folder");
+             }
+         },
+         ""},
+    };
+    for (const Case& c : cases) {
+        for (const std::string command : {"disable", "enable", "delete"}) {
+            World probe;
+            Populate(probe, true);
+            const size_t rows = probe.Collect().rows.size();
+            for (size_t i = 0; i < (command == "delete" ? rows : 1); ++i) {
+                World w;
+                Populate(w, true);
+                c.spoil(w);
+                StartupList list = CheckAll(w.Collect());
+                if (i >= list.rows.size()) break;  // the spoiling took stored shortcuts away
+                const std::string row = command == "delete" ? " " + list.rows[i].cells[kStartupColName] +
+                                                                  "|" + list.rows[i].cells[kStartupColLocation]
+                                                            : "";
+                const bool shortcut = command == "delete" && list.rows[i].cells[kStartupColLocation].rfind("Startup", 0) == 0;
+                const bool stored = command == "delete" && list.rows[i].cells[kStartupColEnabled] == "False";
+                // With the stores' shortcuts gone, only disabling needs those folders.
+                if (c.folder.empty() && (command == "enable" || (command == "delete" && !(shortcut && stored)))) {
+                    continue;
+                }
+                const std::string before = Snapshot(w);
+                CommandEnd end = CommandEnd::Refresh;
+                if (command == "disable") end = DisableCheckedItems(w.ports, w.Places(), list);
+                if (command == "enable") end = EnableCheckedItems(w.ports, w.Places(), list);
+                if (command == "delete") end = DeleteSelectedItem(w.ports, w.Places(), list, static_cast<int>(i));
+                const std::string context = c.what + ", " + command + row;
+                EXPECT_EQ(end, CommandEnd::Nothing) << context;
+                ASSERT_EQ(w.prompts.shown.size(), 1u) << context;
+                const std::string& text = w.prompts.shown[0].text;
+                EXPECT_EQ(text.rfind("Error Occurred cmd", 0), 0u) << context << ": " << text;
+                EXPECT_NE(text.find(c.folder.empty() ? kApp_ + "\\D" : c.folder + "\r\n"), std::string::npos)
+                    << context << ": " << text;
+                EXPECT_NE(text.find("Nothing was changed."), std::string::npos) << context;
+                EXPECT_EQ(Snapshot(w), before) << context;
+            }
+        }
+    }
+}
+
+// A machine-wide value the user's rights do not reach: the system's reason,
+// and each item in exactly one place, as it was; no store line for an item
+// still in its Run key, no value for one still in its store.
+TEST(StartupCommands, AMachineWideChangeRefusedBySystemLeavesEachItemWhereItWas) {
+    for (const std::string command : {"disable", "enable", "delete Alpha", "delete Old LM"}) {
+        World w;
+        const std::vector<Item> items = Populate(w, true);
+        w.registry.failIf = [](const std::string& op, const std::string& keyPath, const std::string&) {
+            const bool change = op == "SetValue" || op == "DeleteValue" || op == "CreateKey" || op == "DeleteKey";
+            return change && keyPath.rfind("HKLM", 0) == 0;
+        };
+        StartupList list = CheckAll(w.Collect());
+        if (command == "disable") DisableCheckedItems(w.ports, w.Places(), list);
+        if (command == "enable") EnableCheckedItems(w.ports, w.Places(), list);
+        if (command.rfind("delete", 0) == 0) {
+            int row = -1;
+            for (size_t i = 0; i < list.rows.size(); ++i) {
+                if (list.rows[i].cells[kStartupColName] == command.substr(7) &&
+                    list.rows[i].cells[kStartupColLocation] == "HKLM") {
+                    row = static_cast<int>(i);
+                }
+            }
+            ASSERT_GE(row, 0) << command;
+            DeleteSelectedItem(w.ports, w.Places(), list, row);
+        }
+        for (const Item& item : items) {
+            if (item.Shortcut() || item.location == "HKCU") continue;
+            const bool wasLive = item.name.rfind("Old", 0) != 0;
+            // "Old LM" lives in a store file only, which the refusal does not touch; deleting it is allowed.
+            if (command == "delete Old LM" && item.name == "Old LM") continue;
+            EXPECT_EQ(InRunKey(w, item), wasLive) << command << ": " << item.name << " " << item.location;
+            EXPECT_EQ(InStore(w, item), !wasLive) << command << ": " << item.name << " " << item.location;
+        }
+        bool toldWhy = false;
+        for (const auto& shown : w.prompts.shown) toldWhy |= shown.text.find("Access is denied.") != std::string::npos;
+        EXPECT_EQ(toldWhy, command != "delete Old LM") << command;
+    }
+}
+
 TEST(StartupCommands, NoItemIsLostWhateverFailsOrWhereverItStops) {
     enum class Fault { RegistryFails, RegistryCrashes, FilesFail, FilesCrash };
     const Fault faults[] = {Fault::RegistryFails, Fault::RegistryCrashes, Fault::FilesFail, Fault::FilesCrash};

@@ -102,5 +102,41 @@ TEST_F(ApplicationsPaneUnderWine, DeleteEntryThroughThePaneKeepsABackup) {
     }
 }
 
+// A program folder that takes no file: Delete Entry says where it could not
+// keep its copy, before it asks, and the entry, its record and the files stay
+// byte for byte as they were.
+TEST_F(ApplicationsPaneUnderWine, AReadOnlyProgramFolderRefusesDeleteEntry) {
+    struct PathBack {
+        std::string& path;
+        const std::string saved;
+        ~PathBack() { path = saved; }
+    } pathBack{App().appPath, App().appPath};
+    App().appPath = wine::FreshFolder("applications-readonly-app");
+    {
+        wine::ReadOnlyFolder readOnly(App().appPath);
+        if (!readOnly.ok()) GTEST_SKIP() << "this file system cannot make a folder read-only for root";
+        OpenPane();
+        const int item = ItemOf("CorvaneTest Caf\xE9 Full");
+        ASSERT_GE(item, 0) << "the list shows";
+        const std::string keys = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\";
+        const auto snapshot = [&] {
+            return wine::MachineSnapshot({App().appPath}, {keys + "Uninstall", keys + "App Management\\ARPCache"});
+        };
+        const std::string before = snapshot();
+        SelectItem(list_, item);
+        prompts_.answers = {PromptAnswer::Yes};
+        SendMessageA(pane_->hwnd(), WM_COMMAND, MAKEWPARAM(IDC_ADDREMOVE_DELETE, BN_CLICKED), 0);
+        Pump();
+        EXPECT_EQ(snapshot(), before);
+        EXPECT_GE(ItemOf("CorvaneTest Caf\xE9 Full"), 0);
+        ASSERT_EQ(prompts_.shown.size(), 1u);
+        const std::string& text = prompts_.shown[0].text;
+        EXPECT_EQ(text.rfind("Error Occurred cmdDelete_Click: ", 0), 0u) << text;
+        EXPECT_NE(text.find("\r\n" + App().appPath + "\\backup\r\n" + wine::SystemText(ERROR_ACCESS_DENIED)),
+                  std::string::npos)
+            << text;
+    }
+}
+
 }  // namespace
 }  // namespace corvane

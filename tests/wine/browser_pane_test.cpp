@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include "browser/browser_commands.h"
@@ -262,6 +263,52 @@ TEST_F(BrowserRowsUnderWine, DisableEnableAndDeleteThroughThePane) {
     HANDLE search = FindFirstFileA((machine_->app + "\\backup\\Toolbar *.reg").c_str(), &found);
     EXPECT_NE(search, INVALID_HANDLE_VALUE) << "what was deleted is kept in the backup folder";
     if (search != INVALID_HANDLE_VALUE) FindClose(search);
+}
+
+// A program folder that takes no file: disabling a helper object and deleting
+// a toolbar each say where they could not write, before anything is asked,
+// and the registry and the files stay byte for byte as they were.
+TEST_F(BrowserRowsUnderWine, AReadOnlyProgramFolderRefusesDisableAndDelete) {
+    wine::ReadOnlyFolder readOnly(machine_->app);
+    if (!readOnly.ok()) GTEST_SKIP() << "this file system cannot make a folder read-only for root";
+    const auto snapshot = [&] {
+        return wine::MachineSnapshot({machine_->app},
+                                     {"HKLM\\" + std::string(kHelperObjectsKey), "HKLM\\" + std::string(kMachineToolbarKey)});
+    };
+    const std::string before = snapshot();
+    BrowserListTab& helpers = Tab(BrowserListTab::Kind::HelperObjects);
+    BrowserListTab& toolbars = Tab(BrowserListTab::Kind::Toolbars);
+    const struct {
+        const char* what;
+        std::function<void()> run;
+        std::string folder;
+    } commands[] = {
+        {"disable a helper object",
+         [&] {
+             Check(helpers, ItemOf(helpers, kHelper, "True"));
+             Choose(helpers, IDC_IETAB_CMD0);
+         },
+         machine_->app + "\\" + kHelperObjectStore},
+        {"delete a toolbar",
+         [&] {
+             SelectItem(toolbars.list().hwnd(), ItemOf(toolbars, kToolbar, kScopeAllUsers));
+             Choose(toolbars, IDC_IETAB_CMD0);
+         },
+         machine_->app + "\\backup"},
+    };
+    for (const auto& c : commands) {
+        prompts_.shown.clear();
+        prompts_.answers = {PromptAnswer::Yes};
+        c.run();
+        ASSERT_EQ(prompts_.shown.size(), 1u) << c.what;
+        const std::string& text = prompts_.shown[0].text;
+        EXPECT_EQ(text.rfind("Error Occurred cmd", 0), 0u) << c.what << ": " << text;
+        EXPECT_NE(text.find("\r\n" + c.folder + "\r\n" + wine::SystemText(ERROR_ACCESS_DENIED)), std::string::npos)
+            << c.what << ": " << text;
+        EXPECT_EQ(snapshot(), before) << c.what;
+    }
+    EXPECT_GE(ItemOf(helpers, kHelper, "True"), 0);
+    EXPECT_GE(ItemOf(toolbars, kToolbar, kScopeAllUsers), 0);
 }
 
 }  // namespace

@@ -282,20 +282,23 @@ TEST_F(ProcessPaneUnderWine, DeleteKeepsAByteIdenticalBackupWithItsRecord) {
     EXPECT_EQ(prompts_.shown.size(), 1u) << "no message but the question";
 }
 
-TEST_F(ProcessPaneUnderWine, FailingCopyDeletesNothing) {
+TEST_F(ProcessPaneUnderWine, ABackupFolderThatCannotBeMadeStopsTheDeleteBeforeItAsks) {
     wine::FixtureProcess& victim = Start("kept.exe");
     Open();
-    // "backup" taken by a plain file: the copy has no folder to go to.
+    // "backup" taken by a plain file: the copy has no folder to go to, so
+    // the delete says so first and neither ends the process nor deletes it.
     RemoveDirectoryA((app_ + "\\backup").c_str());
     WriteBytes(app_ + "\\backup", "a plain file");
     Select("kept.exe");
     prompts_.answers = {PromptAnswer::Yes};
     Click(IDC_CMDDELETE);
-    ASSERT_EQ(prompts_.shown.size(), 2u);
-    EXPECT_EQ(prompts_.shown[1].text.rfind("Error Occurred backupProcess: ", 0), 0u) << prompts_.shown[1].text;
-    EXPECT_EQ(prompts_.shown[1].icon, PromptIcon::Information);
+    ASSERT_EQ(prompts_.shown.size(), 1u);
+    const std::string& text = prompts_.shown[0].text;
+    EXPECT_EQ(text.rfind("Error Occurred cmdDelete: ", 0), 0u) << text;
+    EXPECT_NE(text.find("\r\n" + app_ + "\\Backup\r\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("Nothing was changed."), std::string::npos) << text;
     EXPECT_TRUE(FileExists(victim.path())) << "nothing is deleted";
-    EXPECT_TRUE(victim.Ended(100)) << "the kill came first";
+    EXPECT_FALSE(victim.Ended(100)) << "nor ended";
     DeleteFileA((app_ + "\\backup").c_str());
 }
 

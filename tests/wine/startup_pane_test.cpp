@@ -283,6 +283,62 @@ TEST_F(StartupPaneUnderWine, DisableEnableDeleteAndTheOtherCommands) {
     EXPECT_EQ(shell_.opened.back(), report);
 }
 
+// A program folder that takes no file (read-only media, no rights there): the
+// list still shows every item, the disabled one from its store too, and
+// disable, enable and delete each say where they could not write, before they
+// ask, leaving the registry and the files byte for byte as they were.
+TEST_F(StartupPaneUnderWine, AReadOnlyProgramFolderRefusesEveryCommand) {
+    const std::string store = machine_.app + "\\DHKCURunKey.run";
+    WriteFile(store, "CorvaneTest Stored\x01" + machine_.plain + " /s\x01HKCU\r\n");
+    wine::ReadOnlyFolder readOnly(machine_.app);
+    if (!readOnly.ok()) GTEST_SKIP() << "this file system cannot make a folder read-only for root";
+
+    Open();
+    EXPECT_TRUE(prompts_.shown.empty());
+    ASSERT_GE(Item("CorvaneTest Plain"), 0);
+    ASSERT_GE(Item("CorvaneTest Stored", "False"), 0);
+    const std::string run = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+    const auto snapshot = [&] {
+        return wine::MachineSnapshot({machine_.app, machine_.commonStartup, machine_.userStartup},
+                                     {"HKLM\\" + run, "HKCU\\" + run});
+    };
+    const std::string before = snapshot();
+    const struct {
+        const char* what;
+        std::string name, enabled;
+        int button;
+        bool check;
+    } commands[] = {
+        {"disable a run-key item", "CorvaneTest Plain", "True", IDC_STARTUP_DISABLE, true},
+        {"disable a shortcut", "CorvaneTest CU.lnk", "True", IDC_STARTUP_DISABLE, true},
+        {"enable", "CorvaneTest Stored", "False", IDC_STARTUP_ENABLE, true},
+        {"delete a live item", "CorvaneTest Plain", "True", IDC_STARTUP_DELETE, false},
+        {"delete a disabled item", "CorvaneTest Stored", "False", IDC_STARTUP_DELETE, false},
+    };
+    for (const auto& c : commands) {
+        prompts_.shown.clear();
+        prompts_.answers = {PromptAnswer::Yes};
+        const int item = Item(c.name, c.enabled);
+        ASSERT_GE(item, 0) << c.what;
+        if (c.check) Check(item);
+        Select(item);
+        Click(c.button);
+        ASSERT_EQ(prompts_.shown.size(), 1u) << c.what;
+        const std::string& text = prompts_.shown[0].text;
+        EXPECT_EQ(text.rfind("Error Occurred cmd", 0), 0u) << c.what << ": " << text;
+        EXPECT_NE(text.find("\r\n" + machine_.app), std::string::npos) << c.what << ": " << text;
+        EXPECT_NE(text.find(wine::SystemText(ERROR_ACCESS_DENIED)), std::string::npos) << c.what << ": " << text;
+        EXPECT_NE(text.find("Nothing was changed."), std::string::npos) << c.what;
+        EXPECT_EQ(snapshot(), before) << c.what;
+        if (c.check) {
+            LVITEMA state{};
+            state.stateMask = LVIS_STATEIMAGEMASK;
+            state.state = INDEXTOSTATEIMAGEMASK(1);
+            SendMessageA(list_, LVM_SETITEMSTATE, Item(c.name, c.enabled), reinterpret_cast<LPARAM>(&state));
+        }
+    }
+}
+
 // A 32-bit program's Run value shows under the machine's nodes with its own
 // Location, and what Windows disabled is named in the last column, sized to
 // its text.

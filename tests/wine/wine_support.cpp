@@ -172,4 +172,101 @@ std::string PlaceFixture(const std::string& fixture, const std::string& folder, 
     return path;
 }
 
+namespace {
+
+// The Unix path of a Windows one, through Wine's own kernel32 export.
+std::string UnixPathOf(const std::string& path) {
+    using ToUnix = char*(__cdecl*)(const wchar_t*);
+    const auto toUnix = reinterpret_cast<ToUnix>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
+    if (!toUnix) return {};
+    std::wstring wide(path.begin(), path.end());
+    char* unix = toUnix(wide.c_str());
+    if (!unix) return {};
+    std::string result = unix;
+    HeapFree(GetProcessHeap(), 0, unix);
+    return result;
+}
+
+// Whether a new file can be made in `folder` now (it is taken away again).
+bool TakesNewFile(const std::string& folder) {
+    const std::string probe = folder + "\\~probe.tmp";
+    HANDLE file = CreateFileA(probe.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    CloseHandle(file);
+    DeleteFileA(probe.c_str());
+    return true;
+}
+
+// Runs chattr on the folder and waits until the folder behaves as asked: Wine
+// starts a Unix program but cannot wait for its end.
+bool Chattr(const std::string& folder, bool immutable) {
+    const std::string unix = UnixPathOf(folder);
+    if (unix.empty()) return false;
+    // The whole tree, as read-only media would be: a subfolder made before
+    // (such as "backup") would otherwise still take files.
+    std::string command = std::string("/usr/bin/chattr -R ") + (immutable ? "+i" : "-i") + " \"" + unix + "\"";
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+        return false;
+    }
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    for (int i = 0; i < 100; ++i) {
+        if (TakesNewFile(folder) != immutable) {
+            Sleep(500);  // the folder is done first; give chattr time for what lies below it
+            return true;
+        }
+        Sleep(50);
+    }
+    return false;
+}
+
+}  // namespace
+
+std::string SystemText(unsigned long error) {
+    char text[512] = {};
+    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text, sizeof text,
+                   nullptr);
+    std::string result = text;
+    while (!result.empty() && (result.back() == '\n' || result.back() == '\r')) result.pop_back();
+    return result;
+}
+
+static void AddFolderFiles(const std::string& folder, std::string& text) {
+    WIN32_FIND_DATAA data;
+    HANDLE find = FindFirstFileA((folder + "\\*").c_str(), &data);
+    if (find == INVALID_HANDLE_VALUE) return;
+    do {
+        const std::string name = data.cFileName;
+        if (name == "." || name == "..") continue;
+        const std::string path = folder + "\\" + name;
+        if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+            text += path + "\\\n";
+            AddFolderFiles(path, text);
+        } else {
+            text += path + "=" + FileBytes(path) + "\n";
+        }
+    } while (FindNextFileA(find, &data));
+    FindClose(find);
+}
+
+std::string MachineSnapshot(const std::vector<std::string>& folders, const std::vector<std::string>& keys) {
+    std::string text;
+    for (const std::string& folder : folders) AddFolderFiles(folder, text);
+    const std::string exported = FreshFolder("snapshot") + "\\key.reg";
+    for (const std::string& key : keys) {
+        DeleteFileA(exported.c_str());
+        Run("reg.exe export \"" + key + "\" \"" + exported + "\" /y");
+        text += key + ":\n" + FileBytes(exported);
+    }
+    return text;
+}
+
+ReadOnlyFolder::ReadOnlyFolder(const std::string& folder) : folder_(folder) { ok_ = Chattr(folder_, true); }
+
+ReadOnlyFolder::~ReadOnlyFolder() { Chattr(folder_, false); }
+
 }  // namespace corvane::wine

@@ -2,6 +2,7 @@
 // Helpers for tests that run under Wine: where the test's files are, child
 // processes with their output, registry fixtures and the prefix's version.
 #include <string>
+#include <vector>
 
 namespace corvane::wine {
 
@@ -48,6 +49,34 @@ public:
 private:
     std::string old_;
     bool hadOld_ = false;
+};
+
+// The system's words for an error code, without the line break they end with.
+std::string SystemText(unsigned long error);
+
+// Every file below the folders with its bytes, and each registry key (such
+// as "HKLM\Software\...") as reg.exe exports it: what a command that must
+// change nothing is compared by, before and after.
+std::string MachineSnapshot(const std::vector<std::string>& folders, const std::vector<std::string>& keys);
+
+// Makes a folder and all below it take no new file, no change, no delete and
+// no rename for every process,
+// root included, as a folder on read-only media or without the user's rights:
+// the Linux immutable attribute, set by the system's chattr, since Wine runs
+// the tests as root and a Unix mode stops no write of root's. The attribute
+// goes again when this goes out of scope. `ok()` is false where the file
+// system or the rights do not allow it.
+class ReadOnlyFolder {
+public:
+    explicit ReadOnlyFolder(const std::string& folder);
+    ~ReadOnlyFolder();
+    ReadOnlyFolder(const ReadOnlyFolder&) = delete;
+    ReadOnlyFolder& operator=(const ReadOnlyFolder&) = delete;
+    bool ok() const { return ok_; }
+
+private:
+    std::string folder_;
+    bool ok_ = false;
 };
 
 }  // namespace corvane::wine
