@@ -9,7 +9,6 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -19,40 +18,7 @@ using namespace corvane::bench;
 
 namespace {
 
-constexpr const char* kRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr const char* kPrefix = "CorvaneBench ";
 constexpr const char* kRoot = "C:\\corvane-bench-csv";
-
-void RemoveValues() {
-    HKEY key;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, kRunKey, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return;
-    std::vector<std::string> ours;
-    char name[16384];
-    for (DWORD index = 0;; ++index) {
-        DWORD length = sizeof name;
-        if (RegEnumValueA(key, index, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-        if (std::strncmp(name, kPrefix, std::strlen(kPrefix)) == 0) ours.push_back(name);
-    }
-    for (const std::string& value : ours) RegDeleteValueA(key, value.c_str());
-    RegCloseKey(key);
-}
-
-std::vector<std::string> MakeMachine(int values, int files) {
-    RemoveValues();
-    CreateDirectoryA(kRoot, nullptr);
-    const std::vector<std::string> programs = CopyFixturePrograms(std::string(kRoot) + "\\files", files);
-    HKEY key;
-    RegCreateKeyExA(HKEY_CURRENT_USER, kRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-    for (int i = 0; i < values; ++i) {
-        char name[64];
-        std::snprintf(name, sizeof name, "%s%05d", kPrefix, i);
-        const std::string command = "\"" + programs[static_cast<size_t>(i % files)] + "\" /start " + std::to_string(i);
-        RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
-                       static_cast<DWORD>(command.size() + 1));
-    }
-    RegCloseKey(key);
-    return programs;
-}
 
 // The Unix name of a path, for sha256sum, from Wine's own export of it; the
 // bench runs under Wine only.
@@ -93,10 +59,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     if (cleanup) {
-        RemoveValues();
+        RemoveBenchRunValues();
         RemoveCopies(std::string(kRoot) + "\\files");
         return 0;
     }
-    for (const std::string& program : MakeMachine(values, files)) std::printf("%s\n", UnixPath(program).c_str());
+    for (const std::string& program : MakeBenchRunKey(kRoot, values, files)) std::printf("%s\n", UnixPath(program).c_str());
     return 0;
 }

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,46 @@ inline void RemoveCopies(const std::string& folder) {
         FindClose(find);
     }
     RemoveDirectoryA(folder.c_str());
+}
+
+// The user's real Run key, where the report benches put their items.
+inline constexpr const char* kUserRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+// The benches' own values there begin with this.
+inline constexpr const char* kBenchValuePrefix = "CorvaneBench ";
+
+// Takes the benches' own values out of the user's Run key.
+inline void RemoveBenchRunValues() {
+    HKEY key;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, kUserRunKey, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return;
+    std::vector<std::string> ours;
+    char name[16384];
+    for (DWORD index = 0;; ++index) {
+        DWORD length = sizeof name;
+        if (RegEnumValueA(key, index, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
+        if (std::strncmp(name, kBenchValuePrefix, std::strlen(kBenchValuePrefix)) == 0) ours.push_back(name);
+    }
+    for (const std::string& value : ours) RegDeleteValueA(key, value.c_str());
+    RegCloseKey(key);
+}
+
+// `values` values in the user's Run key naming `files` copies of the fixture
+// programs in turn, the copies in `root\files`; what an earlier run left goes
+// first. Gives the copies' paths.
+inline std::vector<std::string> MakeBenchRunKey(const std::string& root, int values, int files) {
+    RemoveBenchRunValues();
+    CreateDirectoryA(root.c_str(), nullptr);
+    const std::vector<std::string> programs = CopyFixturePrograms(root + "\\files", files);
+    HKEY key;
+    RegCreateKeyExA(HKEY_CURRENT_USER, kUserRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    for (int i = 0; i < values; ++i) {
+        char name[64];
+        std::snprintf(name, sizeof name, "%s%05d", kBenchValuePrefix, i);
+        const std::string command = "\"" + programs[static_cast<size_t>(i % files)] + "\" /start " + std::to_string(i);
+        RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                       static_cast<DWORD>(command.size() + 1));
+    }
+    RegCloseKey(key);
+    return programs;
 }
 
 }  // namespace corvane::bench

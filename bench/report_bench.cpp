@@ -23,40 +23,8 @@ using namespace corvane::bench;
 
 namespace {
 
-constexpr const char* kRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr const char* kPrefix = "CorvaneBench ";
 constexpr const char* kRoot = "C:\\corvane-bench-report";
 constexpr int kNaming = 7;
-
-void RemoveValues() {
-    HKEY key;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, kRunKey, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return;
-    std::vector<std::string> ours;
-    char name[16384];
-    for (DWORD index = 0;; ++index) {
-        DWORD length = sizeof name;
-        if (RegEnumValueA(key, index, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-        if (std::strncmp(name, kPrefix, std::strlen(kPrefix)) == 0) ours.push_back(name);
-    }
-    for (const std::string& value : ours) RegDeleteValueA(key, value.c_str());
-    RegCloseKey(key);
-}
-
-void MakeMachine(int values) {
-    RemoveValues();
-    CreateDirectoryA(kRoot, nullptr);
-    const std::vector<std::string> programs = CopyFixturePrograms(std::string(kRoot) + "\\files", kNaming);
-    HKEY key;
-    RegCreateKeyExA(HKEY_CURRENT_USER, kRunKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-    for (int i = 0; i < values; ++i) {
-        char name[64];
-        std::snprintf(name, sizeof name, "%s%04d", kPrefix, i);
-        const std::string command = "\"" + programs[static_cast<size_t>(i % kNaming)] + "\" /start " + std::to_string(i);
-        RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
-                       static_cast<DWORD>(command.size() + 1));
-    }
-    RegCloseKey(key);
-}
 
 // Runs a command line with its standard output in `output` and waits; the exit code.
 DWORD Run(const std::string& commandLine, const std::string& output) {
@@ -116,7 +84,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: report_bench [--quick] [--values=N] [--runs=N] [--before=OTHER.exe] CorvaneReport.exe\n");
         return 2;
     }
-    MakeMachine(values);
+    MakeBenchRunKey(kRoot, values, kNaming);
     const std::string root = kRoot;
     auto ours = [&] {
         if (Run("\"" + report + "\" \"" + root + "\\report.txt\" /areas:process,startup", root + "\\out.txt") != 0) {
@@ -128,7 +96,7 @@ int main(int argc, char** argv) {
         Run("\"" + before + "\" \"" + root + "\\before.txt\" /areas:process,startup", root + "\\out-before.txt");
     };
     auto theirs = [&] {
-        Run(std::string("reg.exe query \"HKCU\\") + kRunKey + "\"", root + "\\reg.txt");
+        Run(std::string("reg.exe query \"HKCU\\") + kUserRunKey + "\"", root + "\\reg.txt");
         Run("tasklist.exe", root + "\\tasklist.txt");
     };
     if (!QuickMode()) {
@@ -157,6 +125,6 @@ int main(int argc, char** argv) {
         PrintRatio(a, c);
         PrintRatio(c, b);
     }
-    RemoveValues();
+    RemoveBenchRunValues();
     return 0;
 }
