@@ -11,8 +11,8 @@ using namespace corvane;
 
 static bool Clean(const std::string& field) { return field.find_first_of("\x01\r\n") == std::string::npos; }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const std::string content(reinterpret_cast<const char*>(data), size);
+FUZZ_PROPERTY(in) {
+    const std::string content = in.Rest();
     const auto fields = ReadBackupRecord(content);
     CHECK(fields.has_value() == (content.substr(0, content.find_first_of("\r\n")).find('\x01') != std::string::npos));
 
@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     files.AddFile(BackupCopyPath("C:\\Corvane", "1_1_1_0_0_0"), "copy");
     const auto entries = ListBackups(files, "C:\\Corvane");
     CHECK(entries.size() == (fields ? 1u : 0u));
-    if (!fields) return 0;
+    if (!fields) return;
     const BackupEntry& entry = entries[0];
     CHECK(Clean(fields->path) && Clean(fields->date) && entry.date == fields->date);
     CHECK(entry.recordName == "1_1_1_0_0_0.prc" && BackupCopyName(entry.recordName) == "1_1_1_0_0_0.bup");
@@ -29,5 +29,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CHECK(entry.folder.empty() || entry.folder.back() == '\\');
     const auto again = ReadBackupRecord(BackupRecord(fields->path, fields->date));
     CHECK(again && again->path == fields->path && again->date == fields->date);
-    return 0;
 }

@@ -7,18 +7,16 @@
 // Input: one byte; bit 0 clear, the rest is a CSV file. Bit 0 set, the rest
 // is fields, NUL ending each, taken as rows of the report's width (bit 1:
 // with the hash column).
-#include <string_view>
-
 #include "foundations/csv.h"
 #include "foundations/inventory.h"
 #include "fuzz_input.h"
 
 using namespace corvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0) return 0;
-    const std::string_view rest(reinterpret_cast<const char*>(data + 1), size - 1);
-    if ((data[0] & 1) == 0) {
+FUZZ_PROPERTY(in) {
+    const uint8_t mode = in.Byte();
+    const std::string rest = in.Rest();
+    if ((mode & 1) == 0) {
         const CsvParse parse = ParseCsv(rest);
         CHECK(parse.error.empty() || (parse.records.empty() && parse.line >= 1));
         std::string written;
@@ -28,10 +26,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const InventoryTable table = ReadInventoryCsv(rest);
         CHECK((table.error.empty() || table.rows.empty()) && table.error.find('\n') == std::string::npos);
         for (const auto& row : table.rows) CHECK(row.size() == table.columns && row.size() >= kInventoryColumns.size());
-        return 0;
+        return;
     }
-    const bool withHash = data[0] & 2;
-    const size_t width = kInventoryColumns.size() + (withHash ? 1 : 0);
+    const bool withHash = mode & 2;
+    const size_t width = kInventoryColumns.size() + withHash;
     std::vector<std::string> fields(1);
     for (const char c : rest) c == '\0' ? fields.emplace_back() : fields.back() += c;
     std::vector<std::vector<std::string>> rows;
@@ -41,5 +39,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     const InventoryTable table = ReadInventoryCsv(InventoryCsv(rows, withHash));
     CHECK(table.error.empty() && table.rows == rows && table.hashColumn.has_value() == withHash);
-    return 0;
 }

@@ -22,13 +22,12 @@ static std::vector<std::string> Others(std::vector<std::string> lines, const std
     return lines;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size < 1) return 0;
-    const size_t nameLength = std::min<size_t>(data[0], size - 1);
-    const std::string content(reinterpret_cast<const char*>(data + 1), size - 1 - nameLength);
-    const std::string name(reinterpret_cast<const char*>(data + size - nameLength), nameLength);
+FUZZ_PROPERTY(in) {
+    const size_t nameLength = in.Byte();
+    const std::string all = in.Rest(), content = all.substr(0, all.size() - std::min(nameLength, all.size()));
+    const std::string name = all.substr(content.size());
     // A process name has no line break and no NUL; the system gives none.
-    if (name.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) return 0;
+    if (name.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) return;
     const std::string entry = LowerAnsi(name);
 
     fakes::FakeFileSystem files;
@@ -46,5 +45,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::vector<std::string> removed = Listed(files);
     CHECK(entry.empty() || count(removed) == 0);
     CHECK(Others(removed, entry) == Others(before, entry));
-    return 0;
 }

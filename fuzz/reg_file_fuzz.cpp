@@ -9,7 +9,7 @@
 // Input: one byte; bit 0 clear, the rest is a .reg file. Bit 0 set, the rest
 // is records until the input ends:
 //   type       one byte; 0xFF: a subkey of the first key, else a value of the
-//              last key, of that type
+//              last key, of that type (a name the key holds already is passed over)
 //   name       one byte of length, then the name's bytes
 //   data       16-bit little-endian length, then the data's bytes (values only)
 #include <string_view>
@@ -24,40 +24,43 @@ using namespace corvane;
 static void CheckRoundTrip(const RegFile& file) {
     const std::string text = FormatRegFile(file);
     CHECK(ParseRegFile(text) == file);
-    CHECK(fuzz::replaySeed.empty() || fuzz::MatchesGolden("regfile-" + fuzz::replaySeed + ".reg", text));
+    CHECK(!fuzz::seedMatchesGolden || fuzz::seedMatchesGolden("regfile-" + fuzz::replaySeed + ".reg", text));
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    fuzz::FuzzInput in(data, size);
+FUZZ_PROPERTY(in) {
     if ((in.Byte() & 1) == 0) {
         const auto file = ParseRegFile(in.Rest());
         if (file) CheckRoundTrip(*file);
-        return 0;
+        return;
     }
     RegFile file{{" Registry view: 64-bit"}, {{"HKEY_CURRENT_USER\\Software\\Fuzz", {}}}};
+    const auto taken = [](const auto& list, const std::string& name, auto nameOf) {
+        return std::any_of(list.begin(), list.end(), [&](const auto& item) { return SameRegName(nameOf(item), name); });
+    };
     while (!in.AtEnd()) {
         const uint8_t type = in.Byte();
         std::string name = in.Bytes(in.Byte());
+        const std::string bytes = type == 0xFF ? "" : in.Bytes(in.Length());
         // A line break in a name is what the writer's callers refuse; a key name holds no NUL or backslash.
         if (!RegFileCanHold(name)) continue;
-        if (type == 0xFF) {
-            std::replace(name.begin(), name.end(), '\\', '_');
-            std::replace(name.begin(), name.end(), '\0', '_');
-            if (!name.empty()) file.keys.push_back({file.keys[0].path + "\\" + name, {}});
-        } else {
-            file.keys.back().values.push_back({name, type, in.Bytes(in.Length())});
+        if (type != 0xFF && !taken(file.keys.back().values, name, [](const RegFileValue& v) { return v.name; })) {
+            file.keys.back().values.push_back({name, type, bytes});
         }
+        std::replace(name.begin(), name.end(), '\\', '_');
+        std::replace(name.begin(), name.end(), '\0', '_');
+        const std::string key = file.keys[0].path + "\\" + name;
+        if (type == 0xFF && !name.empty() && !taken(file.keys, key, [](const RegFileKey& k) { return k.path; })) file.keys.push_back({key, {}});
     }
     CheckRoundTrip(file);
 
-    // Through the registry and back: the tree as read, its file imported anew, gives the same tree.
+    // Into the registry and out: the tree read holds what the file held; its
+    // own file, imported anew, gives the same tree.
     fakes::FakeRegistry reg, fresh;
     CHECK(ImportRegKeys(reg, file.keys) == kRegOk);
     const auto tree = ReadRegKeyTree(reg, kHKeyCurrentUser, "Software\\Fuzz");
-    CHECK(tree && tree->size() <= file.keys.size());
+    CHECK(tree && SameRegKeys(*tree, file.keys));
     const auto back = ParseRegFile(FormatRegFile({{}, *tree}));
     CHECK(back && ImportRegKeys(fresh, back->keys) == kRegOk);
     CHECK(ReadRegKeyTree(fresh, kHKeyCurrentUser, "Software\\Fuzz") == tree);
     CHECK(reg.OpenHandles() == 0 && fresh.OpenHandles() == 0);
-    return 0;
 }

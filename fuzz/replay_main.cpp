@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include "fuzz_input.h"
+#include "support/golden.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
@@ -26,6 +27,11 @@ int main(int argc, char** argv) {
     std::vector<std::filesystem::path> seeds;
     for (const auto& entry : std::filesystem::directory_iterator(argv[1])) seeds.push_back(entry.path());
     std::sort(seeds.begin(), seeds.end());
+    corvane::fuzz::seedMatchesGolden = [](const std::string& name, const std::string& bytes) {
+        const auto result = corvane::golden::Matches(name, bytes);
+        if (!result) std::fprintf(stderr, "%s\n", result.message());
+        return static_cast<bool>(result);
+    };
     for (const auto& path : seeds) {
         std::ifstream in(path, std::ios::binary);
         corvane::fuzz::replaySeed = path.filename().string();

@@ -16,25 +16,15 @@ using namespace corvane;
 
 constexpr const char* kScopes[] = {kLocHKLM, kLocHKLM32, kLocHKCU};
 
-static std::string Written(const std::vector<StoreLine>& lines) {
-    std::string text;
-    for (const StoreLine& line : lines) text += FormatStoreLine(line.name, line.command, line.location);
-    return text;
+static std::string Fields(const std::vector<StoreLine>& lines) {
+    std::string fields;
+    for (const StoreLine& line : lines) fields += line.name + '\0' + line.command + '\0' + line.location + '\n';
+    return fields;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    fuzz::FuzzInput in(data, size);
-    if ((in.Byte() & 1) == 0) {
-        const std::string content = in.Rest();
-        for (const char* scope : kScopes) {
-            const std::vector<StoreLine> lines = ParseRunStore(content, scope);
-            for (const StoreLine& line : lines) {
-                CHECK(StoreCanHold(line.name) && StoreCanHold(line.command) && line.location == scope);
-            }
-            CHECK(Written(ParseRunStore(Written(lines), scope)) == Written(lines));
-        }
-        return 0;
-    }
+FUZZ_PROPERTY(in) {
+    const bool rowsMode = in.Byte() & 1;
+    const std::string content = rowsMode ? "" : in.Rest();
     std::vector<StartupRow> rows;
     while (!in.AtEnd()) {
         const uint8_t flags = in.Byte();
@@ -47,15 +37,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (StoreCanHold(row.cells[kStartupColName]) && StoreCanHold(row.cells[kStartupColCommand])) rows.push_back(row);
     }
     for (const char* scope : kScopes) {
-        const std::vector<StoreLine> lines = ParseRunStore(StoreContent(rows, scope), scope);
-        size_t i = 0;
+        const std::vector<StoreLine> lines = ParseRunStore(rowsMode ? StoreContent(rows, scope) : content, scope);
+        std::string written, expected;
+        for (const StoreLine& line : lines) {
+            CHECK(StoreCanHold(line.name) && StoreCanHold(line.command) && line.location == scope);
+            written += FormatStoreLine(line.name, line.command, line.location);
+        }
         for (const StartupRow& row : rows) {
             if (IsLive(row) || row.cells[kStartupColLocation] != scope) continue;
-            CHECK(i < lines.size() && lines[i].name == row.cells[kStartupColName] &&
-                  lines[i].command == row.cells[kStartupColCommand] && lines[i].location == scope);
-            ++i;
+            expected += row.cells[kStartupColName] + '\0' + row.cells[kStartupColCommand] + '\0' + scope + '\n';
         }
-        CHECK(i == lines.size());
+        CHECK(Fields(ParseRunStore(written, scope)) == Fields(lines) && (!rowsMode || Fields(lines) == expected));
     }
-    return 0;
 }

@@ -4,6 +4,7 @@
 //
 // Input: one byte of switches (bit 0: Windows 2000; bit 1: a decimal comma),
 // then the record; a short input is filled up with zeros.
+#include <chrono>
 #include <regex>
 
 #include "applications/installed_applications.h"
@@ -14,23 +15,19 @@
 
 using namespace corvane;
 
-// yyyy-mm-dd, a day the calendar has, from 1601 to 9999.
+// yyyy-mm-dd, a day the calendar has, from 1601 on.
 static bool ValidDate(const std::string& text) {
-    int year = 0, month = 0, day = 0;
-    if (!std::regex_match(text, std::regex(R"(\d{4}-\d\d-\d\d)"))) return false;
-    std::sscanf(text.c_str(), "%d-%d-%d", &year, &month, &day);
-    const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    const int days[] = {31, leap ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return year >= 1601 && month >= 1 && month <= 12 && day >= 1 && day <= days[month - 1];
+    unsigned year = 0, month = 0, day = 0;
+    return std::regex_match(text, std::regex(R"(\d{4}-\d\d-\d\d)")) && std::sscanf(text.c_str(), "%u-%u-%u", &year, &month, &day) == 3 &&
+           year >= 1601 && std::chrono::year_month_day(std::chrono::year(static_cast<int>(year)), std::chrono::month(month), std::chrono::day(day)).ok();
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    fuzz::FuzzInput in(data, size);
+FUZZ_PROPERTY(in) {
     const uint8_t switches = in.Byte();
     const bool windows2000 = switches & 1;
     const std::string decimalSign = switches & 2 ? "," : ".", bytes = in.Bytes(kSlowInfoCacheSize);
-    std::vector<uint8_t> record(bytes.begin(), bytes.end());
-    record.resize(kSlowInfoCacheSize);
+    std::vector<uint8_t> record(kSlowInfoCacheSize);
+    std::copy(bytes.begin(), bytes.end(), record.begin());
     const std::span<const uint8_t, kSlowInfoCacheSize> fields(record.data(), kSlowInfoCacheSize);
 
     const SlowInfoTexts texts = DecodeSlowInfoCache(fields, windows2000, decimalSign);
@@ -49,16 +46,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // The same record through the registry and the walk.
     fakes::FakeRegistry registry;
     fakes::FakeFileFacts facts;
-    registry.PutString(std::string("HKLM\\") + kUninstallKey + "\\App", "DisplayName", "App");
-    registry.PutString(std::string("HKLM\\") + kUninstallKey + "\\App", "UninstallString", "u.exe");
+    for (const char* value : {"DisplayName", "UninstallString"}) registry.PutString(std::string("HKLM\\") + kUninstallKey + "\\App", value, "App");
     registry.Put(std::string("HKLM\\") + kArpCacheKey + "\\App", "SlowInfoCache", kRegBinary, std::string(record.begin(), record.end()));
     if (!path.empty()) facts.Add(path, {});
     ApplicationSources sources{registry, facts};
-    ApplicationListOptions options;
-    options.windowsVersionName = windows2000 ? "Microsoft Windows 2000" : "Microsoft Windows XP";
-    options.decimalSign = decimalSign;
-    const std::vector<Row> rows = CollectApplications(sources, options);
+    const std::vector<Row> rows = CollectApplications(
+        sources, {.windowsVersionName = windows2000 ? "Microsoft Windows 2000" : "Microsoft Windows XP", .decimalSign = decimalSign});
     CHECK(rows.size() == 1 && rows[0].cells[kAppColSize] == texts.size && rows[0].cells[kAppColLastUsed] == texts.lastUsed);
     CHECK(rows[0].cells[kAppColFrequency] == texts.frequency && rows[0].iconFile == path && registry.OpenHandles() == 0);
-    return 0;
 }

@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CHECK(whole.has_value() == (size == kStartupApprovalSize) && (!whole || whole->disabled == ((data[0] & 1) != 0)));
 
     const std::string path = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved\\Run";
-    fuzz::FuzzInput in(data, size);
+    fuzz::FuzzInput in{data, size};
     fakes::FakeClock clock;
     clock.utcOffsetMinutes = static_cast<int8_t>(in.Byte()) * 15;
     fakes::FakeRegistry reg;
