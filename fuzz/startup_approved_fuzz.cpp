@@ -17,13 +17,8 @@
 
 using namespace corvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    // The parser alone, on the whole input.
-    const auto whole = ParseStartupApproval({data, size});
-    CHECK(whole.has_value() == (size == kStartupApprovalSize) && (!whole || whole->disabled == ((data[0] & 1) != 0)));
-
+FUZZ_PROPERTY(in) {
     const std::string path = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved\\Run";
-    fuzz::FuzzInput in{data, size};
     fakes::FakeClock clock;
     clock.utcOffsetMinutes = static_cast<int8_t>(in.Byte()) * 15;
     fakes::FakeRegistry reg;
@@ -43,5 +38,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         CHECK(!expected || text.size() == 19 || (text.size() >= 33 && text.compare(19, 4, " on ") == 0));
     }
     CHECK(reg.OpenHandles() == 0);
-    return 0;
 }
