@@ -1,5 +1,6 @@
 // Settings.ini through the profile fake. Whatever the file held before, the
-// display values and the delete flag read from it keep their ranges, and
+// display values and the delete flag read from it keep their ranges (a
+// seed's, replayed, are those of its golden file tests/golden/settings-*), and
 // what the options pane writes into it reads back the same after a restart:
 // every colour of 32 bits, the bold flag, the delete flag, and a text of up
 // to 254 characters.
@@ -26,6 +27,11 @@ FUZZ_PROPERTY(in) {
     SharedValues values;
     before.LoadDisplayValues(values);
     CHECK((values.FontBold == 0 || values.FontBold == 1) && before.ReadDeleteFlag() <= 1);
+    // A seed's hand-edited file reads as its golden file says (blanks, "&H", fractions, numbers past 32 bits).
+    char seen[128];
+    std::snprintf(seen, sizeof seen, "FontBold %d, SusColor %d, DisColor %d, SusDisColor %d, Delete %d\n", values.FontBold,
+                  values.SusColor, values.DisColor, values.SusDisColor, before.ReadDeleteFlag());
+    CHECK(!fuzz::seedMatchesGolden || fuzz::seedMatchesGolden("settings-" + fuzz::replaySeed + ".txt", seen));
 
     before.SetFontBold(values, flags & 1);
     before.SetColour(&SharedValues::SusColor, "SusColor", values, colours[0]);
