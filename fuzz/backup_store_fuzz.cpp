@@ -25,8 +25,8 @@ FUZZ_PROPERTY(in) {
     const BackupEntry& entry = entries[0];
     CHECK(Clean(fields->path) && Clean(fields->date) && entry.date == fields->date);
     CHECK(entry.recordName == "1_1_1_0_0_0.prc" && BackupCopyName(entry.recordName) == "1_1_1_0_0_0.bup");
-    CHECK(entry.folder + entry.fileName == fields->path && entry.fileName.find('\\') == std::string::npos);
-    CHECK(entry.folder.empty() || entry.folder.back() == '\\');
+    CHECK(entry.folder + entry.fileName == fields->path && entry.fileName.find('\\') == std::string::npos &&
+          (entry.folder.empty() || entry.folder.back() == '\\'));
     const auto again = ReadBackupRecord(BackupRecord(fields->path, fields->date));
     CHECK(again && again->path == fields->path && again->date == fields->date);
 }

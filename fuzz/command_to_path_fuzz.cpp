@@ -29,16 +29,14 @@ static std::string Expected(const std::string& command) {
     if (q == 0) q = Position(command, ".dll");
     const long length = q - p + 5;
     if (q == 0 || q > limit || length < 0 || length > limit) return command;
-    // Mid$(command, p - 1, length)
-    if (p - 1 > static_cast<long>(command.size())) return "";
+    // Mid$(command, p - 1, length); the colon lies inside the command.
     return command.substr(static_cast<size_t>(p - 2), static_cast<size_t>(length));
 }
 
 FUZZ_PROPERTY(in) {
-    const size_t filler = in.Length(), place = in.Byte();
-    const char fill = static_cast<char>(in.Byte());
+    const size_t filler = in.Length(), place = in.Byte(), fill = in.Byte();
     std::string command = in.Rest();
-    command.insert(place % (command.size() + 1), filler, fill);
+    command.insert(place % (command.size() + 1), filler, static_cast<char>(fill));
     const std::string result = corvane::CommandToPath(command);
     CHECK(result == Expected(command));
 }

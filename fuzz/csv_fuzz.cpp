@@ -32,11 +32,9 @@ FUZZ_PROPERTY(in) {
     const size_t width = kInventoryColumns.size() + withHash;
     std::vector<std::string> fields(1);
     for (const char c : rest) c == '\0' ? fields.emplace_back() : fields.back() += c;
+    fields.resize((fields.size() + width - 1) / width * width);
     std::vector<std::vector<std::string>> rows;
-    for (size_t i = 0; i < fields.size(); i += width) {
-        rows.emplace_back(fields.begin() + i, fields.begin() + std::min(i + width, fields.size()));
-        rows.back().resize(width);
-    }
+    for (size_t i = 0; i < fields.size(); i += width) rows.emplace_back(fields.begin() + i, fields.begin() + i + width);
     const InventoryTable table = ReadInventoryCsv(InventoryCsv(rows, withHash));
     CHECK(table.error.empty() && table.rows == rows && table.hashColumn.has_value() == withHash);
 }

@@ -3,7 +3,6 @@
 // broke, the input read as records, and, when a corpus is replayed in the
 // ordinary test run, the seed's name and its golden files.
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

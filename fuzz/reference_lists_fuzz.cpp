@@ -12,10 +12,6 @@
 
 using namespace corvane;
 
-static std::vector<std::string> Listed(fakes::FakeFileSystem& files) {
-    return loadReferenceList(files, std::string("C:\\Corvane\\") + kCommonProcessFile);
-}
-
 // The lines that are not `entry`, in order.
 static std::vector<std::string> Others(std::vector<std::string> lines, const std::string& entry) {
     lines.erase(std::remove(lines.begin(), lines.end(), entry), lines.end());
@@ -32,17 +28,18 @@ FUZZ_PROPERTY(in) {
 
     fakes::FakeFileSystem files;
     files.AddFile(std::string("C:\\Corvane\\") + kCommonProcessFile, content);
-    const std::vector<std::string> before = Listed(files);
+    const auto listed = [&files] { return loadReferenceList(files, std::string("C:\\Corvane\\") + kCommonProcessFile); };
+    const std::vector<std::string> before = listed();
 
     CHECK(AddToSafeList(files, "C:\\Corvane", {name}) == kNoError);
-    const std::vector<std::string> added = Listed(files);
+    const std::vector<std::string> added = listed();
     const auto count = [&entry](const std::vector<std::string>& lines) { return std::count(lines.begin(), lines.end(), entry); };
     CHECK(entry.empty() || isListedProcess(added, entry) || added.size() > kMaxRows);
     CHECK(entry.empty() || count(added) == std::max<std::ptrdiff_t>(1, count(before)));
     CHECK(Others(added, entry) == Others(before, entry));
 
     CHECK(RemoveFromSafeList(files, "C:\\Corvane", {name}) == kNoError);
-    const std::vector<std::string> removed = Listed(files);
+    const std::vector<std::string> removed = listed();
     CHECK(entry.empty() || count(removed) == 0);
     CHECK(Others(removed, entry) == Others(before, entry));
 }

@@ -24,19 +24,18 @@ int main(int argc, char** argv) {
     for (int byte = 0; byte < 256; ++byte) Run(std::string(1, static_cast<char>(byte)));
     for (const char byte : {'\0', '\x01', '\r', '\n', '"', '\xFF'}) Run(std::string(5000, byte));
 
-    std::vector<std::filesystem::path> seeds;
-    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) seeds.push_back(entry.path());
-    std::sort(seeds.begin(), seeds.end());
+    size_t seeds = 0;
     corvane::fuzz::seedMatchesGolden = [](const std::string& name, const std::string& bytes) {
         const auto result = corvane::golden::Matches(name, bytes);
         if (!result) std::fprintf(stderr, "%s\n", result.message());
         return static_cast<bool>(result);
     };
-    for (const auto& path : seeds) {
-        std::ifstream in(path, std::ios::binary);
-        corvane::fuzz::replaySeed = path.filename().string();
+    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
+        std::ifstream in(entry.path(), std::ios::binary);
+        corvane::fuzz::replaySeed = entry.path().filename().string();
         Run(std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()));
+        ++seeds;
     }
-    std::printf("%zu seeds of %s held\n", seeds.size(), argv[1]);
-    return seeds.empty() ? 1 : 0;
+    std::printf("%zu seeds of %s held\n", seeds, argv[1]);
+    return seeds == 0;
 }

@@ -28,11 +28,9 @@ FUZZ_PROPERTY(in) {
     std::vector<StartupRow> rows;
     while (!in.AtEnd()) {
         const uint8_t flags = in.Byte();
-        StartupRow row(kStartupColumns.size());
-        row.cells[kStartupColLocation] = kScopes[flags % 3];
-        row.cells[kStartupColEnabled] = flags & 0x80 ? "True" : "False";
-        row.cells[kStartupColName] = in.Bytes(in.Byte());
-        row.cells[kStartupColCommand] = in.Bytes(in.Byte());
+        // Name, Enabled, Location, Command: the columns the store is written from.
+        StartupRow row;
+        row.cells = {in.Bytes(in.Byte()), flags & 0x80 ? "True" : "False", kScopes[flags % 3], in.Bytes(in.Byte())};
         // Disable refuses what the store cannot hold.
         if (StoreCanHold(row.cells[kStartupColName]) && StoreCanHold(row.cells[kStartupColCommand])) rows.push_back(row);
     }

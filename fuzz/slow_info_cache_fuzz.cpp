@@ -34,14 +34,13 @@ FUZZ_PROPERTY(in) {
     CHECK(texts.size.empty() || (std::regex_match(texts.size, std::regex(R"(\d{1,4}[.,]\d)")) &&
                                  texts.size.find(decimalSign) != std::string::npos));
     CHECK(texts.lastUsed.empty() || ValidDate(texts.lastUsed));
-    CHECK(texts.frequency.empty() || texts.frequency == "Rarely" || texts.frequency == "Occasionally" ||
-          texts.frequency == "Frequently");
+    CHECK(std::regex_match(texts.frequency, std::regex("|Rarely|Occasionally|Frequently")));
     // Each column is empty exactly where its field says "unknown" or overflows.
     CHECK(texts.size.empty() == (record[11] >= 128) && texts.frequency.empty() == (record[24] == 255));
     CHECK(!texts.lastUsed.empty() || record[23] == 0 || record[23] >= 128 || windows2000);
     const std::string path = SlowInfoImagePath(fields);
-    CHECK(path.size() <= (kSlowInfoCacheSize - kSlowInfoImagePath) / 2 && path.find('\0') == std::string::npos);
-    CHECK(record[kSlowInfoNameFlag] != 0 || path.empty());
+    CHECK(path.size() <= (kSlowInfoCacheSize - kSlowInfoImagePath) / 2 && path.find('\0') == std::string::npos &&
+          (record[kSlowInfoNameFlag] != 0 || path.empty()));
 
     // The same record through the registry and the walk.
     fakes::FakeRegistry registry;
