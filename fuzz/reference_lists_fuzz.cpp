@@ -1,69 +1,45 @@
 // The reference lists and the safe list on files of any content: whatever a
 // list file holds (any line ends, blank lines, bytes above 127, NULs), a name
 // added to the safe list is listed afterwards, a name removed is not, and
-// every other line keeps its place and its bytes.
+// every other line keeps its place and its bytes: no lone CR or LF left
+// beside a removed line joins or splits the lines around it.
 //
 // Input: one byte, the length of the name (taken from the end of the input),
 // then the list file's content, then the name.
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-#include <vector>
-
 #include "fakes/fake_file_system.h"
+#include "fuzz_input.h"
 #include "processes/reference_lists.h"
 
-namespace {
-
-constexpr const char* kApp = "C:\\Corvane";
-
-std::vector<std::string> Listed(corvane::fakes::FakeFileSystem& files) {
-    return corvane::loadReferenceList(files, std::string(kApp) + "\\" + corvane::kCommonProcessFile);
-}
+using namespace corvane;
 
 // The lines that are not `entry`, in order.
-std::vector<std::string> Others(const std::vector<std::string>& lines, const std::string& entry) {
-    std::vector<std::string> others;
-    for (const std::string& line : lines) {
-        if (line != entry) others.push_back(line);
-    }
-    return others;
+static std::vector<std::string> Others(std::vector<std::string> lines, const std::string& entry) {
+    lines.erase(std::remove(lines.begin(), lines.end(), entry), lines.end());
+    return lines;
 }
 
-void Check(bool condition) {
-    if (!condition) std::abort();
-}
-
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size < 1) return 0;
-    const size_t nameLength = std::min<size_t>(data[0], size - 1);
-    const std::string content(reinterpret_cast<const char*>(data + 1), size - 1 - nameLength);
-    const std::string name(reinterpret_cast<const char*>(data + size - nameLength), nameLength);
+FUZZ_PROPERTY(in) {
+    const size_t nameLength = in.Byte();
+    const std::string all = in.Rest(), content = all.substr(0, all.size() - std::min(nameLength, all.size()));
+    const std::string name = all.substr(content.size());
     // A process name has no line break and no NUL; the system gives none.
-    if (name.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) return 0;
-    const std::string entry = corvane::LowerAnsi(name);
+    if (name.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) return;
+    const std::string entry = LowerAnsi(name);
 
-    corvane::fakes::FakeFileSystem files;
-    files.AddFolder(kApp);
-    files.AddFile(std::string(kApp) + "\\" + corvane::kCommonProcessFile, content);
-    const std::vector<std::string> before = Listed(files);
+    fakes::FakeFileSystem files;
+    files.AddFile(std::string("C:\\Corvane\\") + kCommonProcessFile, content);
+    const auto listed = [&files] { return loadReferenceList(files, std::string("C:\\Corvane\\") + kCommonProcessFile); };
+    const std::vector<std::string> before = listed();
 
-    Check(corvane::AddToSafeList(files, kApp, {name}) == corvane::kNoError);
-    const std::vector<std::string> added = Listed(files);
-    if (!entry.empty()) {
-        Check(corvane::isListedProcess(added, entry) || added.size() > corvane::kMaxRows);
-        Check(std::count(added.begin(), added.end(), entry) == std::max<std::ptrdiff_t>(
-                  1, std::count(before.begin(), before.end(), entry)));
-    }
-    Check(Others(added, entry) == Others(before, entry));
+    CHECK(AddToSafeList(files, "C:\\Corvane", {name}) == kNoError);
+    const std::vector<std::string> added = listed();
+    const auto count = [&entry](const std::vector<std::string>& lines) { return std::count(lines.begin(), lines.end(), entry); };
+    CHECK(entry.empty() || isListedProcess(added, entry) || added.size() > kMaxRows);
+    CHECK(entry.empty() || count(added) == std::max<std::ptrdiff_t>(1, count(before)));
+    CHECK(Others(added, entry) == Others(before, entry));
 
-    Check(corvane::RemoveFromSafeList(files, kApp, {name}) == corvane::kNoError);
-    const std::vector<std::string> removed = Listed(files);
-    if (!entry.empty()) Check(std::find(removed.begin(), removed.end(), entry) == removed.end());
-    Check(Others(removed, entry) == Others(before, entry));
-    return 0;
+    CHECK(RemoveFromSafeList(files, "C:\\Corvane", {name}) == kNoError);
+    const std::vector<std::string> removed = listed();
+    CHECK(entry.empty() || count(removed) == 0);
+    CHECK(Others(removed, entry) == Others(before, entry));
 }

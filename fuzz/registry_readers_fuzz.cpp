@@ -1,104 +1,82 @@
 // The registry readers on data of any kind, size and name: whatever the
-// registry holds, the value list and the single-value readers must agree with
-// the stored bytes, never read past them, and close every key they open.
+// registry holds, the value list shows each value as its rule says, the
+// single-value readers and the backup's tree reader give the stored bytes
+// (text without its NUL comes back whole), no reader reads past them, a
+// long name or long data never ends a walk early, and every key opened is
+// closed.
 //
 // Input: one byte of flags (bit 0: values in Wine's sorted order), then
 // records until the input ends:
 //   tag        bit 7 set: a subkey, else a value of type `tag & 0x0F`
 //   name       16-bit little-endian length, then the name's bytes
 //   data       16-bit little-endian length, then the data's bytes (values only)
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <span>
-#include <string>
-#include <vector>
-
 #include "applications/slow_info_cache.h"
 #include "fakes/fake_registry.h"
-#include "fuzz_input.h"
-#include "foundations/functions.h"
+#include "foundations/reg_file.h"
 #include "foundations/registry.h"
+#include "fuzz_input.h"
 
-namespace {
+using namespace corvane;
 
-using corvane::fakes::FakeRegistry;
-using Reader = corvane::fuzz::FuzzInput;
+static int32_t LittleEndian(const std::string& bytes) {
+    uint32_t number = 0;
+    for (size_t i = std::min<size_t>(bytes.size(), 4); i-- > 0;) number = number << 8 | static_cast<uint8_t>(bytes[i]);
+    return static_cast<int32_t>(number);
+}
 
-constexpr const char* kPath = "HKCU\\Software\\Fuzz";
-constexpr const char* kKey = "Software\\Fuzz";
-
-// A registry name holds neither NUL nor, for a key, a backslash.
-std::string AsName(std::string name, bool key) {
-    for (char& c : name) {
-        if (c == '\0' || (key && c == '\\')) c = '_';
+// The value list's text and type code of a value: text less its last byte
+// (two for a list of texts), bytes as they are, a number of the first four.
+static RegValueEntry Listed(const std::string& name, uint32_t type, const std::string& bytes) {
+    if (type == kRegSz || type == kRegExpandSz || type == kRegMultiSz) {
+        return {name, bytes.substr(0, bytes.size() - std::min<size_t>(bytes.size(), type == kRegMultiSz ? 2 : 1)), kTypeCodeText};
     }
-    return name;
+    if (type == kRegDword) return {name, LittleEndian(bytes), kTypeCodeNumber};
+    if (type == kRegBinary) return {name, std::vector<uint8_t>(bytes.begin(), bytes.end()), kTypeCodeBytes};
+    return {name, std::string(), std::nullopt};
 }
 
-void Check(bool condition) {
-    if (!condition) std::abort();
-}
-
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    using namespace corvane;
-    Reader in(data, size);
-    FakeRegistry reg;
-    reg.AddKey(kPath);
-    if (in.Byte() & 1) reg.valueOrder = FakeRegistry::ValueOrder::Sorted;
+FUZZ_PROPERTY(in) {
+    const char* path = "HKCU\\Software\\Fuzz";
+    fakes::FakeRegistry reg;
+    reg.AddKey(path);
+    if (in.Byte() & 1) reg.valueOrder = fakes::FakeRegistry::ValueOrder::Sorted;
     while (!in.AtEnd()) {
         const uint8_t tag = in.Byte();
-        const std::string name = in.Bytes(in.Length());
-        if (tag & 0x80) {
-            if (!name.empty()) reg.AddKey(std::string(kPath) + "\\" + AsName(name, true));
-        } else {
-            reg.Put(kPath, AsName(name, false), tag & 0x0F, in.Bytes(in.Length()));
-        }
+        // A registry name holds neither NUL nor, for a key, a backslash.
+        std::string name = in.Bytes(in.Length());
+        std::replace(name.begin(), name.end(), '\0', '_');
+        std::replace(name.begin(), name.end(), '\\', tag & 0x80 ? '_' : '\\');
+        if (tag & 0x80 && !name.empty()) reg.AddKey(path + ("\\" + name));
+        if (!(tag & 0x80)) reg.Put(path, name, tag & 0x0F, in.Bytes(in.Length()));
     }
 
-    // The value list: one entry per value in the system's order, each as its
-    // stored bytes decode; a name longer than the system allows (16,383
-    // characters) ends the list.
-    const RegValueList list = EnumRegValues(reg, kHKeyCurrentUser, kKey);
-    const std::vector<std::string> names = reg.ValueNames(kPath);
-    Check(list.Count() <= static_cast<int>(names.size()));
-    for (int i = 1; i <= static_cast<int>(names.size()); ++i) {
-        if (names[i - 1].size() >= 16384) {
-            Check(list.Count() == i - 1);
-            break;
-        }
-        Check(i <= list.Count());
-        const RegValueEntry& entry = list.Item(i);
-        const auto stored = reg.Value(kPath, names[i - 1]);
-        const auto& bytes = stored->data;
-        const DecodedRegData decoded = DecodeRegData(
-            stored->type, std::span(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()));
-        Check(entry.name == names[i - 1]);
-        Check(entry.data == decoded.data && entry.typeCode == decoded.typeCode);
-        if (entry.typeCode == kTypeCodeText) Check(entry.Text().size() <= bytes.size());
-        if (entry.typeCode == kTypeCodeBytes) Check(entry.Text() == bytes);
-
-        // The single-value readers see the same bytes.
-        Check(GetRegString(reg, kHKeyCurrentUser, kKey, entry.name) == TrimAtNull(bytes));
-        const int32_t number = GetRegDword(reg, kHKeyCurrentUser, kKey, entry.name);
-        Check(number == (bytes.size() <= 4
-                             ? DwordFromBytes(std::span(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()))
-                             : 0));
+    // The value list ends only at a name longer than the system allows
+    // (16,383 characters); the tree reader then gives nothing, as for a
+    // subkey's name too long to read back.
+    const RegValueList list = EnumRegValues(reg, kHKeyCurrentUser, "Software\\Fuzz");
+    const auto tree = ReadRegKeyTree(reg, kHKeyCurrentUser, "Software\\Fuzz");
+    const std::vector<std::string> names = reg.ValueNames(path), subkeys = reg.SubkeyNames(path);
+    const auto longName = std::find_if(names.begin(), names.end(), [](const std::string& n) { return n.size() >= 16384; });
+    CHECK(list.Count() == longName - names.begin());
+    CHECK(tree.has_value() == (longName == names.end() && std::all_of(subkeys.begin(), subkeys.end(), [](const std::string& key) { return key.size() < 256; })));
+    CHECK(!tree || (tree->size() == 1 + subkeys.size() && tree->front().values.size() == names.size()));
+    for (int i = 0; i < list.Count(); ++i) {
+        const auto stored = reg.Value(path, names[i]);
+        const std::string& bytes = stored->data;
+        const RegValueEntry& entry = list.Item(i + 1);
+        const RegValueEntry expected = Listed(names[i], stored->type, bytes);
+        CHECK(entry.name == expected.name && entry.data == expected.data && entry.typeCode == expected.typeCode);
+        CHECK(!tree || tree->front().values[i] == RegFileValue{names[i], stored->type, bytes});
+        CHECK(GetRegString(reg, kHKeyCurrentUser, "Software\\Fuzz", entry.name) == bytes.substr(0, bytes.find('\0')));
+        CHECK(GetRegDword(reg, kHKeyCurrentUser, "Software\\Fuzz", entry.name) == (bytes.size() <= 4 ? LittleEndian(bytes) : 0));
         std::vector<uint8_t> binary;
-        Check(GetRegBinary(reg, kHKeyCurrentUser, kKey, entry.name, binary, kSlowInfoCacheSize) == (bytes.size() == kSlowInfoCacheSize));
-        Check(std::string(binary.begin(), binary.end()) == bytes);
+        CHECK(GetRegBinary(reg, kHKeyCurrentUser, "Software\\Fuzz", entry.name, binary, kSlowInfoCacheSize) == (bytes.size() == kSlowInfoCacheSize));
+        CHECK(std::string(binary.begin(), binary.end()) == bytes);
     }
 
     // Subkeys up to the first name that does not fit the 255-character buffer.
     std::vector<std::string> keys;
-    EnumRegKeys(reg, kHKeyCurrentUser, kKey, keys);
-    const std::vector<std::string> stored = reg.SubkeyNames(kPath);
-    Check(keys.size() <= stored.size());
-    for (size_t i = 0; i < stored.size() && stored[i].size() < 255; ++i) Check(i < keys.size() && keys[i] == stored[i]);
-
-    Check(reg.OpenHandles() == 0);
-    return 0;
+    EnumRegKeys(reg, kHKeyCurrentUser, "Software\\Fuzz", keys);
+    for (size_t i = 0; i < subkeys.size() && subkeys[i].size() < 255; ++i) CHECK(i < keys.size() && keys[i] == subkeys[i]);
+    CHECK(reg.OpenHandles() == 0);
 }

@@ -4,82 +4,53 @@
 //
 // Input: one byte of switches (bit 0: Windows 2000; bit 1: a decimal comma),
 // then the record; a short input is filled up with zeros.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
+#include <chrono>
 #include <regex>
-#include <string>
-#include <vector>
 
 #include "applications/installed_applications.h"
 #include "applications/slow_info_cache.h"
 #include "fakes/fake_file_facts.h"
 #include "fakes/fake_registry.h"
+#include "fuzz_input.h"
 
-namespace {
+using namespace corvane;
 
-void Check(bool ok) {
-    if (!ok) std::abort();
+// yyyy-mm-dd, a day the calendar has, from 1601 on.
+static bool ValidDate(const std::string& text) {
+    unsigned year = 0, month = 0, day = 0;
+    return std::regex_match(text, std::regex(R"(\d{4}-\d\d-\d\d)")) && std::sscanf(text.c_str(), "%u-%u-%u", &year, &month, &day) == 3 &&
+           year >= 1601 && std::chrono::year_month_day(std::chrono::year(static_cast<int>(year)), std::chrono::month(month), std::chrono::day(day)).ok();
 }
 
-bool ValidDate(const std::string& text) {
-    static const std::regex form(R"((\d{4})-(\d\d)-(\d\d))");
-    std::smatch m;
-    if (!std::regex_match(text, m, form)) return false;
-    const int year = std::stoi(m[1]), month = std::stoi(m[2]), day = std::stoi(m[3]);
-    static const int days[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    return year >= 1601 && year <= 9999 && month >= 1 && month <= 12 && day >= 1 &&
-           day <= (month == 2 && !leap ? 28 : days[month - 1]);
-}
-
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    using namespace corvane;
-    const uint8_t switches = size > 0 ? data[0] : 0;
+FUZZ_PROPERTY(in) {
+    const uint8_t switches = in.Byte();
     const bool windows2000 = switches & 1;
-    const std::string decimalSign = switches & 2 ? "," : ".";
-    std::vector<uint8_t> record(kSlowInfoCacheSize, 0);
-    for (size_t i = 1; i < size && i - 1 < kSlowInfoCacheSize; ++i) record[i - 1] = data[i];
+    const std::string decimalSign = switches & 2 ? "," : ".", bytes = in.Bytes(kSlowInfoCacheSize);
+    std::vector<uint8_t> record(kSlowInfoCacheSize);
+    std::copy(bytes.begin(), bytes.end(), record.begin());
     const std::span<const uint8_t, kSlowInfoCacheSize> fields(record.data(), kSlowInfoCacheSize);
 
     const SlowInfoTexts texts = DecodeSlowInfoCache(fields, windows2000, decimalSign);
-    static const std::regex sizeForm(R"(\d{1,4}[.,]\d)");
-    Check(texts.size.empty() || (std::regex_match(texts.size, sizeForm) &&
+    CHECK(texts.size.empty() || (std::regex_match(texts.size, std::regex(R"(\d{1,4}[.,]\d)")) &&
                                  texts.size.find(decimalSign) != std::string::npos));
-    Check(texts.lastUsed.empty() || ValidDate(texts.lastUsed));
-    Check(texts.frequency.empty() || texts.frequency == "Rarely" || texts.frequency == "Occasionally" ||
-          texts.frequency == "Frequently");
+    CHECK(texts.lastUsed.empty() || ValidDate(texts.lastUsed));
+    CHECK(std::regex_match(texts.frequency, std::regex("|Rarely|Occasionally|Frequently")));
     // Each column is empty exactly where its field says "unknown" or overflows.
-    Check(texts.size.empty() == (record[11] >= 128));
-    Check(texts.frequency.empty() == (record[24] == 255));
-    Check(!texts.lastUsed.empty() || record[23] == 0 || record[23] >= 128 || windows2000);
-
+    CHECK(texts.size.empty() == (record[11] >= 128) && texts.frequency.empty() == (record[24] == 255));
+    CHECK(!texts.lastUsed.empty() || record[23] == 0 || record[23] >= 128 || windows2000);
     const std::string path = SlowInfoImagePath(fields);
-    Check(path.size() <= (kSlowInfoCacheSize - kSlowInfoImagePath) / 2);
-    Check(path.find('\0') == std::string::npos);
-    Check(record[kSlowInfoNameFlag] != 0 || path.empty());
+    CHECK(path.size() <= (kSlowInfoCacheSize - kSlowInfoImagePath) / 2 && path.find('\0') == std::string::npos &&
+          (record[kSlowInfoNameFlag] != 0 || path.empty()));
 
     // The same record through the registry and the walk.
     fakes::FakeRegistry registry;
     fakes::FakeFileFacts facts;
-    const std::string uninstall = std::string("HKLM\\") + kUninstallKey + "\\App";
-    registry.PutString(uninstall, "DisplayName", "App");
-    registry.PutString(uninstall, "UninstallString", "u.exe");
-    registry.Put(std::string("HKLM\\") + kArpCacheKey + "\\App", "SlowInfoCache", kRegBinary,
-                 std::string(record.begin(), record.end()));
+    for (const char* value : {"DisplayName", "UninstallString"}) registry.PutString(std::string("HKLM\\") + kUninstallKey + "\\App", value, "App");
+    registry.Put(std::string("HKLM\\") + kArpCacheKey + "\\App", "SlowInfoCache", kRegBinary, std::string(record.begin(), record.end()));
     if (!path.empty()) facts.Add(path, {});
     ApplicationSources sources{registry, facts};
-    ApplicationListOptions options;
-    options.windowsVersionName = windows2000 ? "Microsoft Windows 2000" : "Microsoft Windows XP";
-    options.decimalSign = decimalSign;
-    const std::vector<Row> rows = CollectApplications(sources, options);
-    Check(rows.size() == 1);
-    Check(rows[0].cells[kAppColSize] == texts.size);
-    Check(rows[0].cells[kAppColLastUsed] == texts.lastUsed);
-    Check(rows[0].cells[kAppColFrequency] == texts.frequency);
-    Check(rows[0].iconFile == path);
-    Check(registry.OpenHandles() == 0);
-    return 0;
+    const std::vector<Row> rows = CollectApplications(
+        sources, {.windowsVersionName = windows2000 ? "Microsoft Windows 2000" : "Microsoft Windows XP", .decimalSign = decimalSign});
+    CHECK(rows.size() == 1 && rows[0].cells[kAppColSize] == texts.size && rows[0].cells[kAppColLastUsed] == texts.lastUsed);
+    CHECK(rows[0].cells[kAppColFrequency] == texts.frequency && rows[0].iconFile == path && registry.OpenHandles() == 0);
 }

@@ -1,39 +1,34 @@
-// ReadTaskFile on any bytes: it must stay inside them, give no actions for a
-// file that is not well-formed, and read the same text the same way whatever
-// form of UTF-16 carries it.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
+// Task files. ReadTaskFile on any bytes stays inside them, gives no actions
+// for a file that is not well-formed, and reads the same text the same way
+// whatever form of UTF-16 carries it. Replayed, each seed reads as its golden
+// file says (tests/golden/taskfile-*): the encodings with and without their
+// marks, entities and references, CDATA and comments, namespace prefixes,
+// actions outside their place, and what is not well-formed.
+//
+// Input: the task file.
+#include "fuzz_input.h"
 #include "startup/task_file.h"
 
-namespace {
+using namespace corvane;
 
-bool Same(const corvane::TaskFile& a, const corvane::TaskFile& b) {
-    if (a.wellFormed != b.wellFormed || a.execs.size() != b.execs.size()) return false;
-    for (size_t i = 0; i < a.execs.size(); ++i) {
-        if (a.execs[i].command != b.execs[i].command || a.execs[i].arguments != b.execs[i].arguments) return false;
-    }
-    return true;
+// What a reading found, as one text to compare.
+static std::string Found(const TaskFile& file) {
+    std::string found(file.wellFormed ? "well-formed\n" : "not well-formed\n");
+    for (const TaskExec& exec : file.execs) found += "command [" + exec.command + "] arguments [" + exec.arguments + "]\n";
+    return found;
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
-    const corvane::TaskFile file = corvane::ReadTaskFile(bytes);
-    if (!file.wellFormed && !file.execs.empty()) std::abort();
+FUZZ_PROPERTY(in) {
+    const std::string bytes = in.Rest();
+    const TaskFile file = ReadTaskFile(bytes);
+    CHECK(file.wellFormed || file.execs.empty());
+    CHECK(!fuzz::seedMatchesGolden || fuzz::seedMatchesGolden("taskfile-" + fuzz::replaySeed + ".txt", Found(file)));
 
     // The same text once more, as UTF-16LE and as UTF-16BE with their marks.
-    const std::u16string text = corvane::TaskFileText(bytes);
     std::string little("\xFF\xFE", 2), big("\xFE\xFF", 2);
-    for (const char16_t c : text) {
-        little.push_back(static_cast<char>(c & 0xFF));
-        little.push_back(static_cast<char>(c >> 8));
-        big.push_back(static_cast<char>(c >> 8));
-        big.push_back(static_cast<char>(c & 0xFF));
+    for (const char16_t c : TaskFileText(bytes)) {
+        little += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
+        big += {static_cast<char>(c >> 8), static_cast<char>(c & 0xFF)};
     }
-    if (!Same(file, corvane::ReadTaskFile(little)) || !Same(file, corvane::ReadTaskFile(big))) std::abort();
-    return 0;
+    CHECK(Found(ReadTaskFile(little)) == Found(file) && Found(ReadTaskFile(big)) == Found(file));
 }
