@@ -10,9 +10,6 @@ namespace corvane {
 
 namespace {
 
-// What a write that did not land gives when the file reads back otherwise:
-// ERROR_WRITE_FAULT, "The system cannot write to the specified device."
-constexpr SysError kWriteFault = 29;
 // A kept file's name stays well inside the path limit, whatever the item is called.
 constexpr size_t kLongestNamePart = 100;
 
@@ -50,14 +47,6 @@ std::string FileNamePart(std::string name) {
 
 SysError EnsureFolder(FileSystem& files, const std::string& folder) {
     return files.IsFolder(folder) ? kNoError : files.CreateFolder(folder);
-}
-
-SysError WriteDurably(FileSystem& files, const std::string& path, const std::string& text) {
-    if (const SysError error = files.WriteAtomic(path, text)) return error;
-    SysError error = kNoError;
-    const auto back = files.Read(path, &error);
-    if (!back) return error ? error : kWriteFault;
-    return *back == text ? kNoError : kWriteFault;
 }
 
 RegFile KeptFile(const std::string& heading, std::vector<RegFileKey> keys, uint32_t view) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "foundations/durable_file.h"
 #include "foundations/reg_file.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
@@ -36,9 +37,6 @@ bool FileNameCanHold(const std::string& name);
 std::string FileNamePart(std::string name);
 
 SysError EnsureFolder(FileSystem& files, const std::string& folder);
-// Writes the file through a temporary one and reads it back: a file that
-// says otherwise than was written counts as not written.
-SysError WriteDurably(FileSystem& files, const std::string& path, const std::string& text);
 
 // A kept file: the heading comment, the registry view (0 or kKeyWow64_32Key),
 // then the keys.

@@ -1,6 +1,7 @@
 #include "options/backup_commands.h"
 
 #include "foundations/app_identity.h"
+#include "foundations/durable_file.h"
 #include "foundations/error_message.h"
 #include "foundations/store_check.h"
 #include "processes/backup_store.h"
@@ -57,7 +58,10 @@ bool RestoreBackup(BackupCommandPorts& ports, const Row* selected, bool deleteAf
         return false;
     }
     const std::string temp = TemporaryBeside(files, target);
-    if (const SysError error = files.Copy(copy, temp, true)) {
+    // The copy on its way in is read back before it takes the target's place.
+    SysError error = files.Copy(copy, temp, true);
+    if (!error) error = CheckCopy(files, copy, temp);
+    if (error) {
         if (files.Exists(temp)) files.Delete(temp);
         RestoreFailed(ports, error);
         return false;

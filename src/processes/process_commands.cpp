@@ -1,5 +1,6 @@
 #include "processes/process_commands.h"
 
+#include "foundations/durable_file.h"
 #include "foundations/store_check.h"
 #include "foundations/functions.h"
 #include "foundations/report_banner.h"
@@ -90,9 +91,16 @@ bool backupProcess(ProcessCommandPorts& ports, const std::string& path, std::str
                            "Backup failed for process.\r\n It means that you would not be able to restore the "
                            "file in future\r\nContinue?");
     }
+    // A copy that holds other bytes than the program restores nothing: it goes, and so the program stays.
+    if (const SysError error = CheckCopy(ports.files, path, copy)) {
+        ports.files.Delete(copy);
+        Notice(ports, ErrorOccurredInline("backupProcess", ErrorDescription(ports.system, error)));
+        return false;
+    }
     // The record comes only after the copy, so the store never lists what it cannot restore.
-    if (const SysError error = ports.files.WriteAtomic(BackupRecordPath(ports.appPath, strBackupStamp),
-                                                       BackupRecord(path, ports.clock.ShortDate(now)))) {
+    const std::string record = BackupRecordPath(ports.appPath, strBackupStamp);
+    if (const SysError error = WriteDurably(ports.files, record, BackupRecord(path, ports.clock.ShortDate(now)))) {
+        if (ports.files.Exists(record)) ports.files.Delete(record);
         Notice(ports, ErrorOccurredInline("backupProcess", ErrorDescription(ports.system, error)));
         return false;
     }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "foundations/durable_file.h"
 #include "foundations/registry.h"
 #include "foundations/report_banner.h"
 #include "foundations/app_identity.h"
@@ -73,20 +74,17 @@ bool RunKeyHolds(Registry& registry, RegKey hive, const std::string& keyPath, co
     return text && type == kRegSz && *text == command;
 }
 
-// True when both files can be read and hold the same bytes.
-bool SameBytes(FileSystem& files, const std::string& a, const std::string& b) {
-    const auto first = files.Read(a);
-    if (!first) return false;
-    const auto second = files.Read(b);
-    return second && *first == *second;
-}
-
 // Copies a shortcut over to `to` and takes it away at `from` once the copy
-// holds its bytes. A failed copy is the command's error; a failed removal is
-// not, the item is then in both places.
+// reads back as its bytes. A failed copy, or one that holds other bytes (it
+// goes again), is the command's error; a failed removal is not, the item is
+// then in both places.
 SysError MoveShortcut(FileSystem& files, const std::string& from, const std::string& to) {
     if (const SysError error = files.Copy(from, to, true)) return error;
-    if (SameBytes(files, from, to)) files.Delete(from);
+    if (const SysError error = CheckCopy(files, from, to)) {
+        files.Delete(to);
+        return error;
+    }
+    files.Delete(from);
     return kNoError;
 }
 
@@ -108,7 +106,14 @@ public:
                           "is and so were the items of that list. Press Refresh and try again.");
             return false;
         }
-        if (const SysError error = ports_.files.WriteAtomic(path, content)) {
+        if (const SysError error = WriteDurably(ports_.files, path, content)) {
+            // A store that does not read back as written goes back to what
+            // the list read, so the lines it held before are not lost with it.
+            const std::optional<std::string>& was = list_.stores[scope].content;
+            if (ports_.files.Read(path) != was) {
+                if (was) ports_.files.WriteAtomic(path, *was);
+                else ports_.files.Delete(path);
+            }
             ShowError(ports_, command_,
                       "The list of disabled items " + path + " could not be written: " +
                           ErrorDescription(ports_.system, error));

@@ -94,6 +94,13 @@ SysError FakeFileSystem::Change(const std::string& op, const std::string& path) 
     return kNoError;
 }
 
+std::string FakeFileSystem::Landed(std::string content) {
+    if (++writes != corruptWrite) return content;
+    if (content.empty()) return "?";
+    content[content.size() / 2] ^= 0x20;
+    return content;
+}
+
 bool FakeFileSystem::ParentExists(const std::string& path) const {
     auto it = nodes_.find(Key(ParentOf(path)));
     return it != nodes_.end() && it->second.isFolder;
@@ -121,7 +128,7 @@ SysError FakeFileSystem::Write(const std::string& path, const std::string& conte
     if (!ParentExists(path)) return kPathNotFound;
     if (IsFolder(path)) return failError;
     if (SysError error = Change("Write", path)) return error;
-    nodes_[Key(path)] = Node{path, false, content};
+    nodes_[Key(path)] = Node{path, false, Landed(content)};
     return kNoError;
 }
 
@@ -130,8 +137,8 @@ SysError FakeFileSystem::Append(const std::string& path, const std::string& cont
     if (IsFolder(path)) return failError;
     if (SysError error = Change("Append", path)) return error;
     auto it = nodes_.find(Key(path));
-    if (it == nodes_.end()) nodes_[Key(path)] = Node{path, false, content};
-    else it->second.content += content;
+    if (it == nodes_.end()) nodes_[Key(path)] = Node{path, false, Landed(content)};
+    else it->second.content += Landed(content);
     return kNoError;
 }
 
@@ -140,7 +147,7 @@ SysError FakeFileSystem::WriteAtomic(const std::string& path, const std::string&
     if (!ParentExists(path)) return kPathNotFound;
     if (IsFolder(path)) return failError;
     if (SysError error = Change("WriteAtomic", path)) return error;
-    nodes_[Key(path)] = Node{path, false, content};
+    nodes_[Key(path)] = Node{path, false, Landed(content)};
     return kNoError;
 }
 
@@ -187,7 +194,7 @@ SysError FakeFileSystem::Copy(const std::string& from, const std::string& to, bo
         leavePart();
         return error;
     }
-    nodes_[Key(to)] = Node{to, false, content};
+    nodes_[Key(to)] = Node{to, false, Landed(content)};
     return kNoError;
 }
 

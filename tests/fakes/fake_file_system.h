@@ -41,6 +41,12 @@ public:
     // file at its target, as a real copy stopped part-way (a full disk, a
     // power cut) may.
     bool copiesLeaveParts = false;
+    // A write that reports success yet keeps other bytes, as a full disk, a
+    // filter driver or a failing medium can: the `corruptWrite`th Write,
+    // WriteAtomic, Append or Copy (counted in `writes`) lands with its middle
+    // byte changed.
+    int writes = 0;
+    int corruptWrite = 0;
 
     bool Exists(const std::string& path) override;
     bool IsFolder(const std::string& path) override;
@@ -70,6 +76,7 @@ private:
     // Counts a change and applies the faults; a non-zero result is the failure to return.
     SysError Change(const std::string& op, const std::string& path);
     bool Faulty(const std::string& op, const std::string& path) const;
+    std::string Landed(std::string content);
     bool ParentExists(const std::string& path) const;
     static std::string Key(const std::string& path);
 };

@@ -1,7 +1,7 @@
 #pragma once
 // One fault armed on the registry and file-system fakes for one run of a
-// command: the Nth call fails, the Nth change fails, or the run stops after
-// the Nth change as a crash would. A test runs its command under every fault
+// command: the Nth call fails, the Nth change fails, the run stops after the
+// Nth change as a crash would, or the Nth write lands with other bytes. A test runs its command under every fault
 // for N = 1, 2, ... until the fault is no longer reached, and checks after
 // each run that nothing was lost.
 #include <functional>
@@ -12,26 +12,33 @@
 
 namespace corvane::fakes {
 
-enum class Fault { RegistryCallFails, RegistryChangeFails, RegistryCrashes, FileCallFails, FileChangeFails, FilesCrash };
+enum class Fault { RegistryCallFails, RegistryChangeFails, RegistryCrashes, FileCallFails, FileChangeFails, FilesCrash,
+                   WriteCorrupts };
 inline constexpr Fault kEveryFault[] = {Fault::RegistryCallFails, Fault::RegistryChangeFails, Fault::RegistryCrashes,
-                                        Fault::FileCallFails,     Fault::FileChangeFails,     Fault::FilesCrash};
+                                        Fault::FileCallFails,     Fault::FileChangeFails,     Fault::FilesCrash,
+                                        Fault::WriteCorrupts};
 
 class FaultRun {
 public:
-    // Arms the fault; the changes made so far (a test's own setting up) do not count.
+    // Arms the fault beside the refusals the test set up; the changes made so
+    // far (a test's own setting up) do not count.
     FaultRun(Fault fault, int n, FakeRegistry& registry, FakeFileSystem& files)
-        : fault_(fault), n_(n), registry_(registry), files_(files) {
-        registry.changes = files.changes = 0;
+        : fault_(fault), n_(n), registry_(registry), files_(files), registryRefuses_(registry.failIf),
+          filesRefuse_(files.failIf) {
+        registry.changes = files.changes = files.writes = 0;
         switch (fault) {
             case Fault::RegistryCallFails:
                 // A failed close would only leave a handle open.
-                registry.failIf = [this](const std::string& op, const std::string&, const std::string&) {
-                    return op != "CloseKey" && Hit();
+                registry.failIf = [this](const std::string& op, const std::string& key, const std::string& value) {
+                    return (registryRefuses_ && registryRefuses_(op, key, value)) || (op != "CloseKey" && Hit());
                 };
                 break;
             case Fault::FileCallFails:
-                files.failIf = [this](const std::string&, const std::string&) { return Hit(); };
+                files.failIf = [this](const std::string& op, const std::string& path) {
+                    return (filesRefuse_ && filesRefuse_(op, path)) || Hit();
+                };
                 break;
+            case Fault::WriteCorrupts: files.corruptWrite = n; break;
             case Fault::RegistryChangeFails: registry.failChange = n; break;
             case Fault::FileChangeFails: files.failChange = n; break;
             case Fault::RegistryCrashes: registry.crashAfterChange = n; break;
@@ -48,10 +55,10 @@ public:
         } catch (const SimulatedCrash&) {
             crashed_ = true;
         }
-        registry_.failIf = nullptr;
-        files_.failIf = nullptr;
+        registry_.failIf = registryRefuses_;
+        files_.failIf = filesRefuse_;
         registry_.failChange = registry_.crashAfterChange = 0;
-        files_.failChange = files_.crashAfterChange = 0;
+        files_.failChange = files_.crashAfterChange = files_.corruptWrite = 0;
         return crashed_;
     }
 
@@ -64,6 +71,7 @@ public:
             case Fault::FilesCrash: return !crashed_;
             case Fault::RegistryChangeFails: return registry_.changes < n_;
             case Fault::FileChangeFails: return files_.changes < n_;
+            case Fault::WriteCorrupts: return files_.writes < n_;
         }
         return true;
     }
@@ -71,7 +79,8 @@ public:
     std::string Name() const {
         static const char* const names[] = {"registry call fails", "registry change fails",
                                             "crash after registry change", "file call fails",
-                                            "file change fails",   "crash after file change"};
+                                            "file change fails",   "crash after file change",
+                                            "write lands corrupt"};
         return std::string(names[static_cast<int>(fault_)]) + " " + std::to_string(n_);
     }
 
@@ -86,6 +95,8 @@ private:
     int n_;
     FakeRegistry& registry_;
     FakeFileSystem& files_;
+    decltype(FakeRegistry::failIf) registryRefuses_;
+    decltype(FakeFileSystem::failIf) filesRefuse_;
     int calls_ = 0;
     bool reached_ = false;
     bool crashed_ = false;

@@ -1,0 +1,666 @@
+// Every command that changes the machine or a store, run over one machine in
+// memory under every fault the fakes can make: each platform call failing in
+// turn, a crash after each change, a write that says it succeeded but kept
+// other bytes, and the folder, hive and store troubles a user meets. After
+// each run one invariant holds: every item is whole in its source or in a
+// store (or was removed for good at the user's word), no key is left in part,
+// no temporary file stays and every handle is closed.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <set>
+#include <sstream>
+
+#include "applications/application_commands.h"
+#include "applications/installed_applications.h"
+#include "browser/browser_commands.h"
+#include "browser/browser_items.h"
+#include "fakes/command_fakes.h"
+#include "fakes/fake_file_facts.h"
+#include "fakes/fake_process_table.h"
+#include "fakes/fake_program_runner.h"
+#include "fakes/fake_shortcuts.h"
+#include "fakes/fault_injection.h"
+#include "foundations/delete_on_reboot.h"
+#include "foundations/functions.h"
+#include "foundations/reg_file.h"
+#include "foundations/registry_view.h"
+#include "foundations/store_check.h"
+#include "foundations/text.h"
+#include "options/backup_commands.h"
+#include "processes/backup_store.h"
+#include "processes/process_commands.h"
+#include "processes/reference_lists.h"
+#include "shell/report_cli.h"
+#include "startup/run_key_store.h"
+#include "startup/startup_commands.h"
+#include "startup/startup_items.h"
+#include "support/golden.h"
+
+namespace corvane {
+namespace {
+
+using namespace std::string_literals;
+
+const std::string kApp = "C:\\Corvane";
+const std::string kCommonStartup = "C:\\All Users\\Startup", kUserStartup = "C:\\Me\\Startup";
+const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+const std::string kBHO = "HKLM\\"s + kHelperObjectsKey;
+const std::string kAwkward = "{11111111-2222-3333-4444-555555555555}", kPlain = "{AAAAAAAA-0000-0000-0000-000000000001}",
+                  kKept = "{BBBBBBBB-0000-0000-0000-000000000002}", kTwin = "{77777777-0000-0000-0000-000000000007}";
+const std::string kToolbar = "{CCCCCCCC-0000-0000-0000-000000000003}", kUserToolbar = "{DDDDDDDD-0000-0000-0000-000000000004}";
+const std::string kButton = "{EEEEEEEE-0000-0000-0000-000000000005}", kUserButton = "{FFFFFFFF-0000-0000-0000-000000000006}";
+const std::string kMenu = "&Translate: this?", kUserMenu = "E&xport";  // no file name can hold the first
+const std::string kFull = "{A1B2C3D4-0000-1111-2222-333344445555}";
+const std::string kProgram = "C:\\Apps\\Tool.exe", kRestoreTarget = "C:\\Apps\\Old.exe";
+const std::string kProgramBytes = "MZ\x90\0program bytes"s, kKeptBytes = "MZ\x90\0\xff kept program\r\n\x1a"s;
+const std::string kSafeList = kApp + "\\CommonProcess.qdl", kWinInit = "C:\\WINDOWS\\WinInit.ini";
+const std::string kReport = "C:\\Reports\\report.txt", kQueued = "[Rename]\r\nNUL=C:\\OLD.EXE";
+
+std::string RunKeyOf(const std::string& location) {
+    return location == kLocHKCU ? "HKCU" + kRun
+                                : location == kLocHKLM ? "HKLM" + kRun : "HKLM\\Software\\Wow6432Node" + kRun.substr(9);
+}
+std::string ShortcutFolder(const std::string& location, bool stored) {
+    if (stored) return kApp + (location == kLocStartupLM ? "\\DLMStartup" : "\\DCUStartup");
+    return location == kLocStartupLM ? kCommonStartup : kUserStartup;
+}
+
+// A 64-bit machine with something in every place the commands reach, and the
+// values that have broken them before: awkward types and names, a text
+// without its NUL, one name in both registry views, a cache record that
+// cannot be opened.
+struct World {
+    fakes::FakeRegistry registry;
+    fakes::FakeFileSystem files;
+    fakes::FakeFileFacts facts;
+    fakes::FakeClock clock;
+    fakes::FakeEnvironment environment;
+    fakes::FakeShortcuts shortcuts{files};
+    fakes::FakePrompts prompts;
+    fakes::FakeSystemInfo system;
+    fakes::FakeProcessTable table;
+    fakes::FakeProgramRunner runner;
+    StartupSources startup{registry, files, facts, clock, environment, shortcuts};
+    CommandPorts startupPorts{registry, files, prompts, system};
+    BrowserCommandPorts browser{registry, files, prompts, system, clock, kApp};
+    ApplicationCommandPorts apps{registry, files, prompts, system, clock, kApp};
+    ProcessCommandPorts processes{table, files, system, prompts, clock, {facts, files, environment, system, prompts}, kApp};
+    BackupCommandPorts backups{files, system, prompts, kApp};
+    SelectedProcess process{EncodeNumberKey(1234), "Tool.exe", "C:\\Apps\\"};
+    StartupPlaces places;
+    StartupList list;  // what the pane showed when the command was chosen
+    int selected = -1;
+    Row row;
+    std::vector<std::string> kept;  // every kept .reg file's keys, read once per look
+
+    World() {
+        const std::string shell = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+        registry.PutString("HKLM" + shell, "Common Startup", kCommonStartup);
+        registry.PutString("HKCU" + shell, "Startup", kUserStartup);
+        files.AddFolder(kCommonStartup);
+        files.AddFolder(kUserStartup);
+        files.AddFolder(kApp);
+        MakeStoreFolders(files, kApp);
+        registry.PutString(RunKeyOf(kLocHKLM), "Alpha", "C:\\Tools\\alpha.exe /min");
+        registry.PutString(RunKeyOf(kLocHKLM), "Beta", "\"C:\\Program Files\\Beta\\beta.exe\" -q");
+        registry.PutString(RunKeyOf(kLocHKCU), "Gamma", "%WINDIR%\\gamma.exe");
+        registry.Put(RunKeyOf(kLocHKCU), "Cut", kRegSz, "C:\\cut.exe");
+        registry.PutString(RunKeyOf(kLocHKLM32), "Beta", "C:\\x86\\beta.exe");
+        registry.Put(RunKeyOf(kLocHKLM32), "Eta", kRegExpandSz, "%ProgramFiles%\\eta.exe\0"s);
+        files.AddFile(RunStorePath(kApp, kLocHKLM), FormatStoreLine("Old LM", "C:\\old.exe", kLocHKLM));
+        files.AddFile(RunStorePath(kApp, kLocHKCU), FormatStoreLine("Old CU", "C:\\Tools\\alpha.exe -old", kLocHKCU) +
+                                                        FormatStoreLine("Old CU 2", "C:\\two.exe", kLocHKCU));
+        files.AddFile(RunStorePath(kApp, kLocHKLM32), FormatStoreLine("Old 32", "C:\\x86\\old.exe", kLocHKLM32));
+        for (const auto& [name, location, stored] : {std::tuple{"one.lnk", kLocStartupLM, false},
+                                                     {"two.lnk", kLocStartupCU, false},
+                                                     {"three.lnk", kLocStartupLM, true},
+                                                     {"four.lnk", kLocStartupCU, true}}) {
+            files.AddFile(ShortcutFolder(location, stored) + "\\" + name,
+                          fakes::FakeShortcutBytes("C:\\Tools\\alpha.exe", "/"s + name));
+        }
+
+        const std::string a = kBHO + "\\" + kAwkward;
+        registry.PutDword(a, "NoExplorer", 1);
+        registry.PutString(a, "", "Awkward helper");
+        registry.Put(a, "Empty", kRegBinary, "");
+        registry.Put(a, "Multi", kRegMultiSz, "one\0two\0\0"s);
+        registry.Put(a, "a=b \"q\" c\\d", kRegSz, "line\r\nnext\x01" "end\0"s);
+        registry.Put(a, "Path", kRegExpandSz, "%SystemRoot%\\a.dll\0"s);
+        registry.Put(a, "NoNul", kRegSz, "abc");
+        registry.PutDword(a + "\\Settings", "Level", 7);
+        registry.PutString(a + "\\Settings\\Deep", "", "deep");
+        registry.AddKey(kBHO + "\\" + kPlain);
+        for (const char* root : {"HKLM\\Software\\", "HKLM\\Software\\Wow6432Node\\"}) {
+            const std::string key = root + std::string(kHelperObjectsKey).substr(9) + "\\" + kTwin;
+            registry.Put(key, "Bytes", kRegBinary, root + "\x00\xff"s);
+            registry.PutDword(key + "\\Deep", "Level", static_cast<uint32_t>(key.size()));
+        }
+        registry.PutString(kBHO + "\\" + kKept, "Kept", "yes");
+        registry.AddKey(kBHO + "\\" + kKept + "\\Sub");
+        DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
+        registry.PutString("HKLM\\"s + kMachineToolbarKey, kToolbar, "");
+        registry.Put("HKCU\\"s + kUserToolbarKey, kUserToolbar, kRegBinary, "\x01\x02"s);
+        registry.PutString("HKLM\\"s + kExtensionsKey + "\\" + kButton, "Exec", "C:\\e.exe");
+        registry.Put("HKCU\\"s + kExtensionsKey + "\\" + kUserButton + "\\Sub", "Bin", kRegBinary, "");
+        registry.PutString("HKCU\\"s + kExtensionsKey + "\\" + kUserButton, "ButtonText", "F");
+        registry.PutString("HKLM\\"s + kMenuExtKey + "\\" + kMenu, "", "res://x.dll/menu.htm");
+        registry.PutDword("HKLM\\"s + kMenuExtKey + "\\" + kMenu, "Contexts", 0x11);
+        registry.PutString("HKCU\\"s + kMenuExtKey + "\\" + kUserMenu, "", "C:\\export.htm");
+
+        const std::string uninstall = "HKLM\\"s + kUninstallKey + "\\", cache = "HKLM\\"s + kArpCacheKey + "\\";
+        registry.PutString(uninstall + kFull, "DisplayName", "Full Application");
+        registry.PutString(uninstall + kFull, "UninstallString", "MsiExec.exe /X" + kFull);
+        registry.Put(uninstall + kFull, "InstallLocation", kRegExpandSz, "%ProgramFiles%\\Full\0"s);
+        registry.Put(uninstall + kFull, "a=b \"q\" c\\d", kRegSz, "line\r\nnext\x01" "end\0"s);
+        registry.PutString(uninstall + kFull + "\\Patches\\One", "", "patch");
+        registry.Put(cache + kFull, "SlowInfoCache", kRegBinary, std::string(552, '\xff'));
+        registry.PutString(uninstall + "Plain", "DisplayName", "Plain Tool");
+        registry.PutString(uninstall + "Odd: name?", "DisplayName", "Odd");
+        registry.Put(cache + "Odd: name?", "SlowInfoCache", kRegBinary, "short");
+        registry.PutString(uninstall + "Locked", "DisplayName", "Locked");
+        registry.Put(cache + "Locked", "SlowInfoCache", kRegBinary, "locked");
+
+        facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
+        table.Add(1234, kProgram);
+        files.AddFile(kProgram, kProgramBytes);
+        fakes::FakeFile program;
+        program.shortPath = "C:\\APPS\\TOOL.EXE";
+        facts.Add(kProgram, program);
+        environment.variables = {{"OS", "Windows_NT"}, {"WinDir", "C:\\WINDOWS"}};
+        files.AddFile(BackupCopyPath(kApp, "1_2_2_3_4_5"), kKeptBytes);
+        files.AddFile(BackupRecordPath(kApp, "1_2_2_3_4_5"), BackupRecord(kRestoreTarget, "1/2/2003"));
+        files.AddFile(kRestoreTarget, "an older program");
+        files.AddFile(kSafeList, "alpha.exe\r\nbeta.exe\ngamma.exe\rdelta.exe\r\n");
+        files.AddFile(kWinInit, kQueued);
+        files.AddFile(kReport, "last week's report\r\n");
+        files.copiesLeaveParts = true;
+        system.errorTexts[5] = "Access is denied.\r\n";
+        prompts.shown.clear();
+    }
+
+    static Row HelperRow(const std::string& clsid, const char* state, uint32_t view) {
+        Row helper(kBHOColumns.size());
+        helper.cells[kBrowserColId] = clsid;
+        helper.cells[kBrowserColState] = state;
+        helper.cells[kBrowserColView] = TextOfView(view);
+        helper.checked = true;
+        return helper;
+    }
+    void Collect() {
+        places = LoadStartupPlaces(startup, kApp);
+        list = CollectStartupItems(startup, places, "All");
+    }
+    std::string Registry() {
+        fakes::FakeFileSystem none;
+        return fakes::MachineSnapshot(registry, none);
+    }
+};
+
+// ---- where an item may rightly be: each place gives the bytes it holds of the item ----
+
+using Place = std::function<std::vector<std::string>(World&)>;
+struct KeyRef {
+    RegKey root;
+    std::string path;
+    uint32_t view;
+};
+struct Item {
+    Item(std::string n, std::vector<Place> p, std::vector<KeyRef> k = {}) : name(n), places(p), keys(k) {}
+    std::string name;
+    std::vector<Place> places;
+    std::vector<KeyRef> keys;  // each whole or gone
+};
+
+std::string Canon(const std::optional<std::vector<RegFileKey>>& keys) {
+    return keys ? FormatRegFile(RegFile{{}, *keys}) : std::string();
+}
+std::optional<std::vector<RegFileKey>> Tree(World& w, const KeyRef& key) {
+    RegistryInView registry(w.registry, key.view);
+    return ReadRegKeyTree(registry, key.root, key.path);
+}
+std::vector<std::string> Some(const std::optional<std::string>& text) {
+    return text && !text->empty() ? std::vector<std::string>{*text} : std::vector<std::string>{};
+}
+Place FileAt(std::string path) {
+    return [path](World& w) { return Some(w.files.Content(path)); };
+}
+// Every .reg file the program keeps: the helper objects' store and the backups.
+std::vector<std::string> ReadKeptFiles(World& w) {
+    std::vector<std::string> kept;
+    for (const std::string& path : w.files.Paths()) {
+        if (path.rfind(kApp + "\\", 0) != 0 || path.substr(path.size() - 4) != ".reg") continue;
+        if (const auto file = ParseRegFile(w.files.Content(path).value())) kept.push_back(Canon(file->keys));
+    }
+    return kept;
+}
+Place KeptFiles() {
+    return [](World& w) { return w.kept; };
+}
+Place KeysAt(std::vector<KeyRef> keys) {
+    return [keys](World& w) {
+        std::vector<RegFileKey> all;
+        for (const KeyRef& key : keys) {
+            if (auto tree = Tree(w, key)) all.insert(all.end(), tree->begin(), tree->end());
+        }
+        return all.empty() ? std::vector<std::string>{} : std::vector<std::string>{Canon(all)};
+    };
+}
+// A program file in the process backup store: its copy, with a record naming it.
+Place BackupPair(std::string program) {
+    return [program](World& w) {
+        std::vector<std::string> copies;
+        for (const BackupEntry& entry : ListBackups(w.files, kApp)) {
+            if (entry.folder + entry.fileName == program) {
+                for (auto& copy : Some(w.files.Content(BackupFolder(kApp) + BackupCopyName(entry.recordName)))) {
+                    copies.push_back(copy);
+                }
+            }
+        }
+        return copies;
+    };
+}
+
+std::vector<Item> Items() {
+    std::vector<Item> items;
+    for (const auto& [location, name] :
+         {std::pair{kLocHKLM, "Alpha"}, {kLocHKLM, "Beta"}, {kLocHKCU, "Gamma"}, {kLocHKCU, "Cut"}, {kLocHKLM32, "Beta"},
+          {kLocHKLM32, "Eta"}, {kLocHKLM, "Old LM"}, {kLocHKCU, "Old CU"}, {kLocHKCU, "Old CU 2"}, {kLocHKLM32, "Old 32"}}) {
+        const std::string loc = location, n = name;
+        items.push_back({n + "|" + loc,
+                         {[loc, n](World& w) {
+                              const auto value = w.registry.Value(RunKeyOf(loc), n);
+                              return Some(value ? std::optional(value->data) : std::nullopt);
+                          },
+                          [loc, n](World& w) {
+                              std::vector<std::string> lines;
+                              for (const StoreLine& line :
+                                   ParseRunStore(w.files.Content(RunStorePath(kApp, loc)).value_or(""), loc)) {
+                                  if (line.name == n) lines.push_back(line.command + '\0');
+                              }
+                              return lines;
+                          }}});
+    }
+    for (const auto& [name, location] : {std::pair{"one.lnk", kLocStartupLM}, {"two.lnk", kLocStartupCU},
+                                         {"three.lnk", kLocStartupLM}, {"four.lnk", kLocStartupCU}}) {
+        items.push_back({name + "|"s + location,
+                         {FileAt(ShortcutFolder(location, false) + "\\" + name),
+                          FileAt(ShortcutFolder(location, true) + "\\" + name)}});
+    }
+    const auto keyItem = [&](const std::string& name, std::vector<KeyRef> keys) {
+        items.push_back({name, {KeysAt(keys), KeptFiles()}, keys});
+    };
+    for (const std::string& clsid : {kAwkward, kPlain, kKept, kTwin}) {
+        keyItem(clsid, {{kHKeyLocalMachine, kHelperObjectsKey + "\\"s + clsid, 0}});
+    }
+    keyItem(kTwin + " 32-bit", {{kHKeyLocalMachine, kHelperObjectsKey + "\\"s + kTwin, kKeyWow64_32Key}});
+    for (const auto& [id, root, key] : {std::tuple{kButton, kHKeyLocalMachine, kExtensionsKey},
+                                        {kUserButton, kHKeyCurrentUser, kExtensionsKey},
+                                        {kMenu, kHKeyLocalMachine, kMenuExtKey},
+                                        {kUserMenu, kHKeyCurrentUser, kMenuExtKey}}) {
+        keyItem(id, {{root, key + "\\"s + id, 0}});
+    }
+    for (const auto& [id, root, key] : {std::tuple{kToolbar, kHKeyLocalMachine, kMachineToolbarKey},
+                                        {kUserToolbar, kHKeyCurrentUser, kUserToolbarKey}}) {
+        const std::string value = id, path = key;
+        const RegKey hive = root;
+        items.push_back({id,
+                         {[=](World& w) {
+                              const auto kept = ReadRegValue(w.registry, hive, path, value);
+                              return Some(kept ? Canon(std::vector{*kept}) : "");
+                          },
+                          KeptFiles()}});
+    }
+    for (const std::string& entry : {kFull, "Plain"s, "Odd: name?"s, "Locked"s}) {
+        keyItem("entry " + entry,
+                {{kHKeyLocalMachine, kUninstallKey + "\\"s + entry, 0}, {kHKeyLocalMachine, kArpCacheKey + "\\"s + entry, 0}});
+    }
+    items.push_back({"program", {FileAt(kProgram), BackupPair(kProgram)}});
+    items.push_back({"kept program", {BackupPair(kRestoreTarget), FileAt(kRestoreTarget)}});
+    for (const char* entry : {"alpha.exe", "beta.exe", "gamma.exe", "delta.exe"}) {
+        items.push_back({entry, {[entry](World& w) {
+                             const auto lines = TextLines(w.files.Content(kSafeList).value_or(""));
+                             return Some(std::find(lines.begin(), lines.end(), entry) != lines.end() ? entry : "");
+                         }}});
+    }
+    // What other programs queued for the next start.
+    items.push_back({"queued at reboot", {[](World& w) { return Some(w.files.Content(kWinInit).value_or("").substr(0, kQueued.size())); }}});
+    items.push_back({"last report", {FileAt(kReport)}});
+    return items;
+}
+
+// ---- the rows: every command that changes the machine or a store ----
+
+struct Command {
+    Command(std::string n, std::function<void(World&)> p, std::function<void(World&)> r, std::string g = "",
+            std::string f = "", bool h = false, bool file = false, std::pair<std::string, std::string> b = {})
+        : name(n), prepare(p), run(r), gone(g), folder(f), hklm(h), folderAsFile(file), behind(b) {}
+    std::string name;
+    std::function<void(World&)> prepare;  // what the pane did before: list, check, select
+    std::function<void(World&)> run;
+    std::string gone;     // the item the user confirmed removing, of which the design keeps no copy
+    std::string folder;   // the store folder it checks before it asks; "" when none
+    bool hklm = false;    // it changes machine-wide keys
+    bool folderAsFile = false;            // still has work to do when `folder` is a plain file
+    std::pair<std::string, std::string> behind;  // a store the pane read, and what someone adds to it meanwhile
+    std::string whole;    // a file that ends as it was, as a whole run leaves it, or not at all
+    bool onlyCopy = false;  // it rewrites the one copy there is, which no read-back can save
+};
+
+std::vector<Command> Commands() {
+    std::vector<Command> rows;
+    const auto nothing = [](World&) {};
+    const struct {
+        std::string location, live, stored;
+    } places[] = {{kLocHKLM, "Alpha", "Old LM"}, {kLocHKCU, "Gamma", "Old CU"}, {kLocHKLM32, "Beta", "Old 32"},
+                  {kLocStartupLM, "one.lnk", "three.lnk"}, {kLocStartupCU, "two.lnk", "four.lnk"}};
+    for (const auto& p : places) {
+        const bool run = p.location.find("Startup") == std::string::npos;
+        const bool machine = p.location != kLocHKCU && run;
+        const std::string location = p.location;
+        const auto check = [location](const char* enabled) {
+            return [location, enabled](World& w) {
+                w.Collect();
+                for (StartupRow& r : w.list.rows) {
+                    r.checked = r.cells[kStartupColLocation] == location && r.cells[kStartupColEnabled] == enabled;
+                }
+            };
+        };
+        const auto select = [location](std::string name) {
+            return [location, name](World& w) {
+                w.Collect();
+                for (size_t i = 0; i < w.list.rows.size(); ++i) {
+                    if (w.list.rows[i].cells[kStartupColName] == name && w.list.rows[i].cells[kStartupColLocation] == location) {
+                        w.selected = static_cast<int>(i);
+                    }
+                }
+            };
+        };
+        const std::string store = run ? kApp : ShortcutFolder(location, true);
+        const auto behind = run ? std::pair{RunStorePath(kApp, location), FormatStoreLine("Foreign", "C:\\f.exe", location)}
+                                : std::pair<std::string, std::string>{};
+        const auto del = [](World& w) { DeleteSelectedItem(w.startupPorts, w.places, w.list, w.selected); };
+        rows.push_back({"disable " + location, check("True"),
+                        [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
+                        !run, behind});
+        rows.push_back({"enable " + location, check("False"),
+                        [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
+                        false, behind});
+        rows.push_back({"delete " + p.live + "|" + location, select(p.live), del, p.live + "|" + location, kApp,
+                        machine, false, behind});
+        rows.push_back({"delete " + p.stored + "|" + location, select(p.stored), del, p.stored + "|" + location, kApp,
+                        false, false, behind});
+    }
+    const std::string dbho = kApp + "\\" + kHelperObjectStore, backup = kApp + "\\backup";
+    const std::string foreign = "[HKEY_LOCAL_MACHINE\\Software\\Foreign]\r\n\"Foreign\"=\"x\"\r\n\r\n";
+    for (const auto& [clsid, view] : {std::pair{kAwkward, 0u}, {kTwin, kKeyWow64_32Key}}) {
+        const Row row = World::HelperRow(clsid, "True", view);
+        rows.push_back({"disable helper object " + clsid + (view ? " 32-bit" : ""), nothing,
+                        [row](World& w) { DisableCheckedHelperObjects(w.browser, {row}); }, "", dbho, true, true,
+                        {HelperObjectStorePath(kApp, clsid, view), "REGEDIT4\r\n\r\n" + foreign}});
+    }
+    rows.push_back({"enable helper object", nothing,
+                    [](World& w) { EnableCheckedHelperObjects(w.browser, {World::HelperRow(kKept, "False", 0)}); }, "",
+                    dbho, true, false, {HelperObjectStorePath(kApp, kKept), foreign}});
+    const auto browserRow = [](const std::string& id, const char* scope, size_t columns) {
+        Row row(columns);
+        row.cells[0] = id;
+        row.cells[1] = scope;
+        return row;
+    };
+    for (const auto& [what, command, id, scope, columns] :
+         {std::tuple{"toolbar", &DeleteToolbar, kToolbar, kScopeAllUsers, kToolbarColumns.size()},
+          {"toolbar", DeleteToolbar, kUserToolbar, kScopeCurrentUser, kToolbarColumns.size()},
+          {"button", DeleteButton, kButton, kScopeAllUsers, kButtonColumns.size()},
+          {"button", DeleteButton, kUserButton, kScopeCurrentUser, kButtonColumns.size()},
+          {"menu item", DeleteMenuItem, kMenu, kScopeAllUsers, kMenuColumns.size()},
+          {"menu item", DeleteMenuItem, kUserMenu, kScopeCurrentUser, kMenuColumns.size()}}) {
+        const Row row = browserRow(id, scope, columns);
+        const auto remove = command;
+        rows.push_back({"delete "s + what + " " + id, nothing, [row, remove](World& w) { remove(w.browser, &row); }, "",
+                        backup, scope == kScopeAllUsers, true});
+    }
+    for (const std::string& entry : {kFull, "Plain"s, "Odd: name?"s, "Locked"s}) {
+        Row row = browserRow("", "", kAddRemoveColumns.size());
+        row.key = entry;
+        rows.push_back({"delete entry " + entry, nothing, [row](World& w) { DeleteApplicationEntry(w.apps, &row); }, "",
+                        backup, true, true});
+    }
+    Row uninstall = browserRow("Full Application", "", kAddRemoveColumns.size());
+    uninstall.key = kFull;
+    uninstall.cells[kAppColCommand] = "MsiExec.exe /X" + kFull;
+    rows.push_back({"uninstall", nothing, [uninstall](World& w) { UninstallApplication(w.apps, w.runner, &uninstall, [] {}); }});
+    rows.push_back({"kill", nothing, [](World& w) { cmdKill_Click(w.processes, &w.process); }});
+    rows.push_back({"delete program", nothing, [](World& w) { cmdDelete_Click(w.processes, &w.process); }, "",
+                    kApp + "\\Backup", false, true});
+    const auto backupRow = [](World& w) { w.row = BackupRows(w.files, kApp).at(0); };
+    rows.push_back({"restore backup", backupRow, [](World& w) { RestoreBackup(w.backups, &w.row, false); }});
+    rows.back().whole = kRestoreTarget;
+    rows.push_back({"restore and delete backup", backupRow, [](World& w) { RestoreBackup(w.backups, &w.row, true); }});
+    rows.back().whole = kRestoreTarget;
+    rows.push_back({"delete backup", backupRow, [](World& w) { DeleteBackup(w.backups, &w.row); }, "kept program",
+                    kApp + "\\Backup"});
+    rows.push_back({"safe list add", nothing, [](World& w) { AddToSafeList(w.files, kApp, {"New.EXE", "ALPHA.exe"}); }});
+    rows.push_back({"safe list remove", nothing, [](World& w) { RemoveFromSafeList(w.files, kApp, {"BETA.exe"}); },
+                    "beta.exe"});
+    rows.push_back({"delete on reboot, Windows 9x", [](World& w) { w.environment.variables.erase("OS"); },
+                    [](World& w) { DeleteFileOnReboot(w.processes.reboot, kProgram); }});
+    rows.back().whole = kWinInit;
+    rows.push_back({"console report", nothing,
+                    [](World& w) {
+                        ConsolePrompts console;
+                        fakes::FakeShell shell;
+                        ReportPorts ports{w.files, w.system, w.clock, console, shell};
+                        FullReportPlatform platform{ports};
+                        std::ostringstream out, err;
+                        RunCorvaneReport({kReport}, platform, console, out, err);
+                    },
+                    "last report"});
+    rows.back().whole = kReport;
+    for (const char* own : {"safe list add", "safe list remove", "delete on reboot, Windows 9x", "console report"}) {
+        for (Command& row : rows) row.onlyCopy |= row.name == own;
+    }
+    return rows;
+}
+
+// ---- the one invariant ----
+
+struct Before {
+    std::vector<std::string> bytes;              // per item: what it held, "" when this world lacks it
+    std::vector<std::vector<std::string>> keys;  // per item: each of its keys as it was
+    std::optional<std::string> whole;            // the command's whole file
+    std::string machine;                         // every file and key, when asked for
+};
+
+Before Take(World& w, const std::vector<Item>& items, const Command& c, bool machine = false) {
+    Before before{{}, {}, w.files.Content(c.whole), machine ? fakes::MachineSnapshot(w.registry, w.files) : ""};
+    w.kept = ReadKeptFiles(w);
+    for (const Item& item : items) {
+        std::string held;
+        for (const Place& place : item.places) {
+            const auto found = place(w);
+            if (held.empty() && !found.empty()) held = found.front();
+        }
+        before.bytes.push_back(held);
+        std::vector<std::string> keys;
+        for (const KeyRef& key : item.keys) keys.push_back(Canon(Tree(w, key)));
+        before.keys.push_back(keys);
+    }
+    return before;
+}
+
+// The standing refusals of the world (a cache record no one may open) and,
+// with `hklm`, a user without rights to the machine's keys.
+void Refuse(World& w, bool hklm) {
+    w.registry.failIf = [hklm](const std::string& op, const std::string& key, const std::string&) {
+        const bool change = op == "SetValue" || op == "DeleteValue" || op == "CreateKey" || op == "DeleteKey";
+        return (op == "OpenKey" && key.find("ARPCache\\Locked") != std::string::npos) ||
+               (hklm && change && key.rfind("HKLM", 0) == 0);
+    };
+}
+
+// A temporary file may stay after a crash, or when the failing call was the one to delete it.
+void ExpectNothingLost(World& w, const Command& c, const std::vector<Item>& items, const Before& before, bool crashed,
+                       bool tempMayStay, const std::optional<std::string>& wholeDone, const std::string& context) {
+    w.registry.failIf = nullptr;
+    w.files.failIf = nullptr;
+    w.kept = ReadKeptFiles(w);
+    for (size_t i = 0; i < items.size(); ++i) {
+        const Item& item = items[i];
+        if (before.bytes[i].empty() || item.name == c.gone) continue;
+        bool found = false;
+        for (const Place& place : item.places) {
+            for (const std::string& held : place(w)) found |= held == before.bytes[i];
+        }
+        EXPECT_TRUE(found) << item.name << " lost: " << context;
+        for (size_t k = 0; k < item.keys.size() && !crashed; ++k) {
+            const std::string now = Canon(Tree(w, item.keys[k]));
+            const bool back = item.keys.size() == 1 && now == before.bytes[i];  // enabled from its store
+            EXPECT_TRUE(now.empty() || now == before.keys[i][k] || back) << item.keys[k].path << " left in part: " << context;
+        }
+    }
+    if (!c.whole.empty()) {
+        // A file of its own only copy (the report) may say less when a read failed, never end up part-written.
+        const auto now = w.files.Content(c.whole);
+        const std::string head = wholeDone.value_or("").substr(0, wholeDone.value_or("").find('\n'));
+        EXPECT_TRUE(!now || now == wholeDone || now == before.whole || (c.onlyCopy && now->rfind(head, 0) == 0))
+            << c.whole << " in part: " << context;
+    }
+    if (crashed) return;
+    EXPECT_EQ(w.registry.OpenHandles(), 0u) << context;
+    EXPECT_EQ(w.table.OpenHandles(), 0u) << context;
+    for (const std::string& path : w.files.Paths()) {
+        if (tempMayStay) break;
+        const bool temporary = path.find(".tmp") != std::string::npos || path.find(".restoring") != std::string::npos ||
+                               path.find(kProbeFileName) != std::string::npos;
+        EXPECT_FALSE(temporary) << path << " left: " << context;
+    }
+}
+
+std::string Slug(const std::string& text) {
+    std::string slug;
+    for (char c : text) slug += std::isalnum(static_cast<unsigned char>(c)) || c == '.' ? c : '-';
+    return slug;
+}
+
+// The file each command writes into the program's folder, byte for byte, and
+// what it changed and said, all as the fault-free run leaves them.
+TEST(FaultMatrix, WithoutAFaultEachCommandWritesWhatItAlwaysHas) {
+    const std::vector<Item> items = Items();
+    std::string outcomes;
+    for (const Command& c : Commands()) {
+        World w;
+        c.prepare(w);
+        const Before before = Take(w, items, c, true);
+        Refuse(w, false);
+        c.run(w);
+        ExpectNothingLost(w, c, items, before, false, false, w.files.Content(c.whole), c.name);
+        World fresh;
+        for (const std::string& path : w.files.Paths()) {
+            const auto content = w.files.Content(path);
+            if (path.rfind(kApp + "\\", 0) != 0 || content == fresh.files.Content(path)) continue;
+            const std::string name = path.substr(path.find_last_of('\\') + 1);
+            const bool reg = name.size() > 4 && name.substr(name.size() - 4) == ".reg";
+            EXPECT_TRUE(golden::Matches(reg ? Slug(c.name) + ".reg" : "store-" + Slug(c.name + " " + name) + ".txt",
+                                        *content));
+        }
+        // The lines of the machine that went and came, and the messages shown.
+        std::set<std::string> was, is;
+        std::istringstream a(before.machine), b(fakes::MachineSnapshot(w.registry, w.files));
+        for (std::string line; std::getline(a, line);) was.insert(line);
+        for (std::string line; std::getline(b, line);) is.insert(line);
+        outcomes += "== " + c.name + "\n";
+        for (const std::string& line : was) outcomes += is.count(line) ? "" : "- " + line + "\n";
+        for (const std::string& line : is) outcomes += was.count(line) ? "" : "+ " + line + "\n";
+        for (const auto& shown : w.prompts.shown) outcomes += "> " + shown.text + "\n";
+    }
+    EXPECT_TRUE(golden::Matches("store-fault-matrix-outcomes.txt", outcomes));
+}
+
+// Each platform call failing in turn, a crash after each change, and each
+// write landing with other bytes.
+TEST(FaultMatrix, NoFaultLosesAnItem) {
+    const std::vector<Item> items = Items();
+    int runs = 0;
+    for (const Command& c : Commands()) {
+        World done;
+        c.prepare(done);
+        c.run(done);
+        for (const fakes::Fault fault : fakes::kEveryFault) {
+            // A file that is its own only copy has nothing to compare a write with.
+            if (c.onlyCopy && fault == fakes::Fault::WriteCorrupts) continue;
+            for (int n = 1;; ++n, ++runs) {
+                World w;
+                c.prepare(w);
+                const Before before = Take(w, items, c);
+                Refuse(w, false);
+                fakes::FaultRun run(fault, n, w.registry, w.files);
+                const bool crashed = run.Run([&] { c.run(w); });
+                const bool fileFails = fault == fakes::Fault::FileCallFails || fault == fakes::Fault::FileChangeFails;
+                ExpectNothingLost(w, c, items, before, crashed, crashed || fileFails, done.files.Content(c.whole),
+                                  c.name + ", " + run.Name());
+                if (run.Missed()) break;
+            }
+        }
+    }
+    EXPECT_GT(runs, 700);
+}
+
+// A program folder that takes no file, a store folder whose name a file
+// holds, a user without rights to the machine's keys, and a store someone
+// changed after the pane read it.
+TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
+    const std::vector<Item> items = Items();
+    for (const Command& c : Commands()) {
+        World done;
+        c.prepare(done);
+        Refuse(done, false);
+        c.run(done);
+        done.registry.failIf = nullptr;
+        const std::string doneMachine = fakes::MachineSnapshot(done.registry, done.files);
+        for (const std::string column : {"program folder read-only", "store folder is a file", "HKLM refused",
+                                         "store changed behind the list"}) {
+            const bool readOnly = column == "program folder read-only", asFile = column == "store folder is a file";
+            if ((asFile && !c.folderAsFile) || (column == "store changed behind the list" && c.behind.first.empty())) {
+                continue;
+            }
+            World w;
+            if (asFile) {
+                for (const std::string& path : w.files.Paths()) {
+                    if (path.rfind(c.folder + "\\", 0) == 0) w.files.Delete(path);
+                }
+                w.files.RemoveFolder(c.folder);
+                w.files.AddFile(c.folder, "not a folder");
+            }
+            c.prepare(w);
+            if (!c.behind.first.empty() && column == "store changed behind the list") {
+                w.files.AddFile(c.behind.first, w.files.Content(c.behind.first).value_or("") + c.behind.second);
+            }
+            const Before before = Take(w, items, c, true);
+            Refuse(w, column == "HKLM refused");
+            if (readOnly) fakes::MakeReadOnly(w.files, kApp);
+            c.run(w);
+            const std::string context = c.name + ", " + column;
+            ExpectNothingLost(w, c, items, before, false, false, done.files.Content(c.whole), context);
+            const std::string machine = fakes::MachineSnapshot(w.registry, w.files);
+            if ((readOnly || asFile) && !c.folder.empty()) {
+                EXPECT_EQ(machine, before.machine) << context;
+                ASSERT_EQ(w.prompts.shown.size(), 1u) << context;
+                EXPECT_NE(w.prompts.shown[0].text.find("\r\n" + c.folder + "\r\n"), std::string::npos) << context;
+            }
+            if (column == "HKLM refused" && c.hklm) {
+                EXPECT_EQ(machine, before.machine) << context;
+                EXPECT_TRUE(!w.prompts.shown.empty() && w.prompts.shown.back().buttons == PromptButtons::Ok) << context;
+            } else if (column == "HKLM refused") {
+                EXPECT_EQ(machine, doneMachine) << context;
+            }
+            if (column == "store changed behind the list") {
+                EXPECT_NE(machine.find(c.behind.second), std::string::npos) << "what was added went: " << context;
+                EXPECT_EQ(w.Registry().find("Foreign"), std::string::npos) << context;
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvane
