@@ -328,10 +328,13 @@ CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, 
                               PromptButtons::Ok);
         return CommandEnd::Nothing;
     }
-    // A live item keeps no copy, yet a program that cannot write its stores
-    // changes nothing at all: the user sees why before being asked.
-    std::vector<std::string> folders{places.appPath};
-    if (IsFolderLocation(location) && !IsLive(row)) folders.push_back(StoreFolderOf(places, location));
+    // Only a disabled item is deleted from what the program keeps: its
+    // run-key store is rewritten, or its shortcut goes from the store folder.
+    // Where that folder cannot be written the user sees why before being
+    // asked. A live item's delete keeps nothing and writes nothing there.
+    std::vector<std::string> folders;
+    if (!IsLive(row) && IsRunLocation(location)) folders.push_back(places.appPath);
+    if (!IsLive(row) && IsFolderLocation(location)) folders.push_back(StoreFolderOf(places, location));
     if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, "cmdDelete", folders)) return CommandEnd::Nothing;
     const std::string question = "Are you sure you want to delete selected Startup Item?\r\n\r\n" + name +
                                  "\r\n\r\nStartup items are not backed up.";
