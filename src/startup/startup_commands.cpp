@@ -92,7 +92,8 @@ SysError MoveShortcut(FileSystem& files, const std::string& from, const std::str
 
 // The store files of one command: rewritten only while each still holds what
 // the list was read from, so no line the list did not show, and no line
-// someone else wrote meanwhile, is dropped.
+// someone else wrote meanwhile, is dropped. A store that has gone since is
+// written anew: the list's rows hold every line of it that the list showed.
 class StoreWriter {
 public:
     StoreWriter(CommandPorts& ports, const StartupPlaces& places, StartupList& list, const char* command)
@@ -135,7 +136,7 @@ private:
         if (list_.full) return false;
         auto it = list_.stores.find(scope);
         if (it == list_.stores.end() || it->second.readFailed) return false;
-        if (!ports_.files.Exists(path)) return !it->second.content.has_value();
+        if (!ports_.files.Exists(path)) return true;
         const auto now = ports_.files.Read(path);
         return now && it->second.content && *now == *it->second.content;
     }
