@@ -48,7 +48,7 @@ void frmAddRemove::refreshApplicationList() {
     ApplicationListOptions options;
     options.windowsVersionName = app.shared.WindowsVersionName;
     options.decimalSign = app.clock->DecimalSign();
-    lstvAddRemove_.Show(CollectApplications(sources, options));
+    lstvAddRemove_.Show(CollectApplications(sources, options), RowList::Sizing::WhenNotEmpty);
     // Windows 95 and 98 keep no cache record: its three columns go, and the
     // command column takes their room.
     if (lstvAddRemove_.Count() > 0 && IsWindows9x(app.shared.WindowsVersionName)) {

@@ -138,7 +138,7 @@ void frmOptions::chkFontBold_Click() {
 
 void frmOptions::refreshBackupList() {
     AppContext& app = App();
-    lstvBackup_.Show(BackupRows(*app.files, app.appPath));
+    lstvBackup_.Show(BackupRows(*app.files, app.appPath), RowList::Sizing::WhenNotEmpty);
 }
 
 void frmOptions::cmdrestore_Click() {
