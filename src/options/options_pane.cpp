@@ -138,7 +138,10 @@ void frmOptions::chkFontBold_Click() {
 
 void frmOptions::refreshBackupList() {
     AppContext& app = App();
-    lstvBackup_.Show(BackupRows(*app.files, app.appPath), RowList::Sizing::WhenNotEmpty);
+    // A record that cannot be read ends the list where it stood, unsized.
+    bool cutShort = false;
+    std::vector<Row> rows = BackupRows(*app.files, app.appPath, &cutShort);
+    lstvBackup_.Show(std::move(rows), cutShort ? RowList::Sizing::Never : RowList::Sizing::WhenNotEmpty);
 }
 
 void frmOptions::cmdrestore_Click() {

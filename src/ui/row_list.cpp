@@ -71,7 +71,7 @@ void RowList::Show(std::vector<Row> rows, Sizing sizing) {
     // Once the user sorted the list it stays sorted, across fills too.
     ApplySort();
     SendMessageA(list_, WM_SETREDRAW, TRUE, 0);
-    if (sizing == Sizing::Always || !rows_.empty()) AutoSizeColumns(list_);
+    if (sizing == Sizing::Always || (sizing == Sizing::WhenNotEmpty && !rows_.empty())) AutoSizeColumns(list_);
     FitBoldItems();
     InvalidateRect(list_, nullptr, TRUE);
 }
