@@ -44,7 +44,7 @@ void frmAddRemove::refreshApplicationList() {
     // The list stays hidden while it fills.
     ShowWindow(lstvAddRemove_.hwnd(), SW_HIDE);
     FileFactsCache facts(*app.facts);
-    ApplicationSources sources{*app.registry, facts};
+    ApplicationSources sources{*app.registry, facts, *app.encoding};
     ApplicationListOptions options;
     options.windowsVersionName = app.shared.WindowsVersionName;
     options.decimalSign = app.clock->DecimalSign();

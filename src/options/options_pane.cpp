@@ -175,6 +175,7 @@ void frmOptions::cmdReport_Click() {
         platform.registry = app.registry;
         platform.environment = app.environment;
         platform.shortcuts = app.shortcuts;
+        platform.encoding = app.encoding;
         // The same areas and writers as the console report, each let in after
         // the window has painted; the window takes no input until the end, so
         // no second command can start while the areas are collected.
