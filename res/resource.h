@@ -123,7 +123,7 @@
 // A list tab of the browser pane: its frame, its list and up to six buttons,
 // which each tab captions and binds for itself.
 #define IDD_IE_LIST 1320
-#define IDC_IETAB_FRAME 1321
+#define IDC_IETAB_FRAME 1321    // fmIE(index): the URL tab's frame too
 #define IDC_IETAB_LIST 1322
 #define IDC_IETAB_CMD0 1330
 #define IDC_IETAB_CMD1 1331
@@ -131,7 +131,8 @@
 #define IDC_IETAB_CMD3 1333
 #define IDC_IETAB_CMD4 1334
 #define IDC_IETAB_CMD5 1335
-// The URL tab: three frames, eight fields with their labels and buttons, Apply.
+// The URL tab: its frame (IDC_IETAB_FRAME, as a list tab's), three frames within it,
+// eight fields with their labels and buttons, Apply.
 #define IDD_IE_URLS 1340
 #define IDC_FMSTARTPAGE 1341
 #define IDC_FMSEARCHURL 1342

@@ -9,8 +9,8 @@
 #
 # ~/.wine is never touched unless you name it. With a display it runs until
 # you close it. Without one it runs under Xvfb, saves a screenshot of each
-# pane, each tab of the browser pane, the startup pane's Other Places and the
-# about box to out/, writes the full report to out/report.txt, and exits.
+# pane, each browser tab, the startup pane's Other Places, the file detail
+# dialog and the about box to out/, writes the full report to out/report.txt.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"

@@ -44,11 +44,11 @@ void frmAddRemove::refreshApplicationList() {
     // The list stays hidden while it fills.
     ShowWindow(lstvAddRemove_.hwnd(), SW_HIDE);
     FileFactsCache facts(*app.facts);
-    ApplicationSources sources{*app.registry, facts};
+    ApplicationSources sources{*app.registry, facts, *app.encoding};
     ApplicationListOptions options;
     options.windowsVersionName = app.shared.WindowsVersionName;
     options.decimalSign = app.clock->DecimalSign();
-    lstvAddRemove_.Show(CollectApplications(sources, options));
+    lstvAddRemove_.Show(CollectApplications(sources, options), RowList::Sizing::WhenNotEmpty);
     // Windows 95 and 98 keep no cache record: its three columns go, and the
     // command column takes their room.
     if (lstvAddRemove_.Count() > 0 && IsWindows9x(app.shared.WindowsVersionName)) {

@@ -33,7 +33,8 @@ std::vector<Row> CollectAreaRows(FullReportPlatform& platform) {
     ReportPorts& report = platform.report;
     std::string version, build, servicePack, computer, user;
     clsSysInfo(report.system).sysInfo(version, build, servicePack, computer, user);
-    ApplicationSources sources{*platform.registry, *platform.facts};
+    ApplicationSources sources{*platform.registry, *platform.facts,
+                               platform.encoding ? *platform.encoding : Windows1252Text()};
     ApplicationListOptions options;
     options.windowsVersionName = version;
     options.decimalSign = report.clock.DecimalSign();

@@ -76,7 +76,7 @@ void CollectInView(ApplicationSources& sources, const ApplicationListOptions& op
             if (!displayIcon.empty()) {
                 IconFromDisplayIcon(std::move(displayIcon), path, index);
             } else if (recordAtHand) {
-                path = SlowInfoImagePath(fields());
+                path = SlowInfoImagePath(fields(), sources.ansi);
             }
             if (!path.empty() && sources.facts.Exists(path)) {
                 row.iconFile = std::move(path);

@@ -15,6 +15,7 @@
 #include "foundations/row_limit.h"
 #include "platform/file_facts.h"
 #include "platform/registry.h"
+#include "platform/text_encoding.h"
 
 namespace corvane {
 
@@ -39,6 +40,7 @@ enum AddRemoveColumn : int {
 struct ApplicationSources {
     Registry& registry;
     FileFacts& facts;  // whether an icon's file exists
+    TextEncoding& ansi = Windows1252Text();  // the system's code page, for the cache record's path
 };
 
 // How one fill reads the rows.

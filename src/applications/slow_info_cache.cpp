@@ -82,7 +82,7 @@ SlowInfoTexts DecodeSlowInfoCache(std::span<const uint8_t, kSlowInfoCacheSize> r
     return texts;
 }
 
-std::string SlowInfoImagePath(std::span<const uint8_t, kSlowInfoCacheSize> record) {
+std::string SlowInfoImagePath(std::span<const uint8_t, kSlowInfoCacheSize> record, TextEncoding& ansi) {
     if (record[kSlowInfoNameFlag] == 0) return {};
     std::u16string path;
     for (size_t i = kSlowInfoImagePath; i + 1 < kSlowInfoCacheSize; i += 2) {
@@ -90,7 +90,7 @@ std::string SlowInfoImagePath(std::span<const uint8_t, kSlowInfoCacheSize> recor
         if (unit == 0) break;
         path.push_back(unit);
     }
-    return AnsiFromUtf16(path);
+    return ansi.AnsiOfUtf16(path);
 }
 
 }  // namespace corvane

@@ -10,6 +10,8 @@
 #include <span>
 #include <string>
 
+#include "platform/text_encoding.h"
+
 namespace corvane {
 
 // The size of the record; a record of any other size is not read.
@@ -44,8 +46,9 @@ struct SlowInfoTexts {
 SlowInfoTexts DecodeSlowInfoCache(std::span<const uint8_t, kSlowInfoCacheSize> record, bool windows2000,
                                   const std::string& decimalSign);
 
-// The image path in the ANSI code page, cut at its first NUL; empty when the
-// name flag is 0.
-std::string SlowInfoImagePath(std::span<const uint8_t, kSlowInfoCacheSize> record);
+// The image path in the system's ANSI code page (`ansi`), cut at its first
+// NUL; empty when the name flag is 0.
+std::string SlowInfoImagePath(std::span<const uint8_t, kSlowInfoCacheSize> record,
+                              TextEncoding& ansi = Windows1252Text());
 
 }  // namespace corvane

@@ -31,7 +31,9 @@ struct FullReportPlatform {
     ShortcutReader* shortcuts = nullptr;
     // When given, each block that names a file gains a line with its SHA-256.
     FileHasher* hasher = nullptr;
-    // The ANSI code page's texts to UTF-8, for the CSV; none: taken as they are.
+    // The system's ANSI code page: what the system keeps in UTF-16 (a cache
+    // record's path, a task file) comes in through it, and the CSV's texts go
+    // out from it to UTF-8. None: Windows-1252 in, the CSV's texts as they are.
     TextEncoding* encoding = nullptr;
 };
 

@@ -7,13 +7,6 @@
 
 namespace corvane {
 
-// UTF-16 text in the ANSI code page, as a narrow system call would pass it
-// on: each character Windows-1252 holds becomes its byte, any other one
-// (a surrogate pair counting as one) becomes "?", the system's default
-// character. The system's best-fit forms (an "A" for an "\u0100") are not
-// made: such a name is not one a narrow call could open either way.
-std::string AnsiFromUtf16(std::u16string_view text);
-
 // Text in lower case as the ANSI code page (Windows-1252) spells it, the way
 // file and process names are compared with the reference lists.
 std::string LowerAnsi(std::string text);

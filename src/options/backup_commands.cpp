@@ -32,9 +32,9 @@ const std::string& Cell(const Row& row, size_t column) {
 
 }  // namespace
 
-std::vector<Row> BackupRows(FileSystem& files, const std::string& appPath) {
+std::vector<Row> BackupRows(FileSystem& files, const std::string& appPath, bool* cutShort) {
     std::vector<Row> rows;
-    for (BackupEntry& entry : ListBackups(files, appPath)) {
+    for (BackupEntry& entry : ListBackups(files, appPath, cutShort)) {
         Row row;
         row.key = std::move(entry.recordName);
         row.cells = {std::move(entry.date), std::move(entry.fileName), std::move(entry.folder)};

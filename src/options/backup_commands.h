@@ -30,8 +30,9 @@ inline constexpr const char* kRestored = "File restored successfully";
 inline constexpr const char* kNotRestored = "File Could not be restored";
 
 // refreshBackupList's rows: one per listed backup, in the store's order,
-// keyed by the record's name.
-std::vector<Row> BackupRows(FileSystem& files, const std::string& appPath);
+// keyed by the record's name. `cutShort`, when given, says that a record could
+// not be read and the rows end before it.
+std::vector<Row> BackupRows(FileSystem& files, const std::string& appPath, bool* cutShort = nullptr);
 
 // cmdrestore: puts the row's copy back at its folder and file name. A file
 // already there is deleted first, or, when it cannot be, the restore stops

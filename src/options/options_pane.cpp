@@ -138,7 +138,10 @@ void frmOptions::chkFontBold_Click() {
 
 void frmOptions::refreshBackupList() {
     AppContext& app = App();
-    lstvBackup_.Show(BackupRows(*app.files, app.appPath));
+    // A record that cannot be read ends the list where it stood, unsized.
+    bool cutShort = false;
+    std::vector<Row> rows = BackupRows(*app.files, app.appPath, &cutShort);
+    lstvBackup_.Show(std::move(rows), cutShort ? RowList::Sizing::Never : RowList::Sizing::WhenNotEmpty);
 }
 
 void frmOptions::cmdrestore_Click() {
@@ -172,6 +175,7 @@ void frmOptions::cmdReport_Click() {
         platform.registry = app.registry;
         platform.environment = app.environment;
         platform.shortcuts = app.shortcuts;
+        platform.encoding = app.encoding;
         // The same areas and writers as the console report, each let in after
         // the window has painted; the window takes no input until the end, so
         // no second command can start while the areas are collected.

@@ -45,16 +45,21 @@ void SplitBackupPath(const std::string& path, std::string& folder, std::string& 
     fileName = slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-std::vector<BackupEntry> ListBackups(FileSystem& files, const std::string& appPath) {
+std::vector<BackupEntry> ListBackups(FileSystem& files, const std::string& appPath, bool* cutShort) {
     std::vector<BackupEntry> entries;
+    if (cutShort) *cutShort = false;
     const std::string folder = BackupFolder(appPath);
     for (const FolderEntry& found : files.List(folder.substr(0, folder.size() - 1), "*.prc")) {
         // The system's pattern also matches a longer extension through its
         // short name ("x.prcx" is X~1.PRC); only records are records.
-        if (found.isFolder || !EndsWithPrc(found.name)) continue;
-        // A record that cannot be read now is passed over: the others still list.
+        if (found.isFolder || found.hiddenOrSystem || !EndsWithPrc(found.name)) continue;
+        // Unlike a fill's bad item, a record that cannot be read stops the
+        // listing: the rows so far stand, and no more are looked for.
         const std::optional<std::string> content = files.Read(folder + found.name);
-        if (!content) continue;
+        if (!content) {
+            if (cutShort) *cutShort = true;
+            break;
+        }
         const std::optional<BackupRecordFields> fields = ReadBackupRecord(*content);
         if (!fields) continue;
         BackupEntry entry;

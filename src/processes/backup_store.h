@@ -39,9 +39,11 @@ struct BackupEntry {
 };
 
 // The .prc files of the store's folder, in the order the system lists them,
-// each with its record's fields; a record that is empty or has no separator,
-// or cannot be read, gives no entry.
-std::vector<BackupEntry> ListBackups(FileSystem& files, const std::string& appPath);
+// each with its record's fields. Only plain files are records: a folder, a
+// hidden or a system file is passed over, a read-only one is listed. A record
+// that is empty or has no separator gives no entry; one that cannot be read
+// ends the list where it stood, and sets `cutShort` when one is given.
+std::vector<BackupEntry> ListBackups(FileSystem& files, const std::string& appPath, bool* cutShort = nullptr);
 
 // The .bup name that goes with a record's name: ".prc" at its end, in any
 // case, replaced by ".bup".

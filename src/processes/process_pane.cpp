@@ -60,7 +60,7 @@ void frmProcess::refreshProcessList() {
 }
 
 void frmProcess::ShowRows(std::vector<ProcessRow> rows) {
-    lstvProcess_.Show(std::move(rows));
+    lstvProcess_.Show(std::move(rows), RowList::Sizing::WhenNotEmpty);
     if (lstvProcess_.Count() > 0) {
         lstvProcess_.Select(0);
         lstvProcess_ItemClick(0);

@@ -21,9 +21,13 @@ HBRUSH Background() {
     return brush;
 }
 
+// Arial, not the dialog's Tahoma: Wine's own Tahoma Bold is bold only at the
+// dialog's small sizes, and draws a heading this large with the strokes of
+// the regular face. Arial's bold is bold on every Windows, and under Wine,
+// which has no Arial, so is the sans serif bold that stands in for it.
 HFONT TitleFont() {
     static HFONT font = CreateFontA(-TwipsToPixelsY(360), 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, ANSI_CHARSET, 0, 0,
-                                    DEFAULT_QUALITY, 0, "Tahoma");
+                                    DEFAULT_QUALITY, 0, "Arial");
     return font;
 }
 

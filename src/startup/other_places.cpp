@@ -314,7 +314,7 @@ private:
                 continue;
             }
             const std::optional<std::string> bytes = sources_.files.Read(path);
-            const TaskFile task = bytes ? ReadTaskFile(*bytes) : TaskFile{};
+            const TaskFile task = bytes ? ReadTaskFile(*bytes, sources_.ansi) : TaskFile{};
             if (!task.wellFormed) {
                 // The task is there, but what it runs cannot be read.
                 Row(name, "", kLocTask, true, "");

@@ -90,7 +90,8 @@ SysError MoveShortcut(FileSystem& files, const std::string& from, const std::str
 
 // The store files of one command: rewritten only while each still holds what
 // the list was read from, so no line the list did not show, and no line
-// someone else wrote meanwhile, is dropped.
+// someone else wrote meanwhile, is dropped. A store that has gone since is
+// written anew: the list's rows hold every line of it that the list showed.
 class StoreWriter {
 public:
     StoreWriter(CommandPorts& ports, const StartupPlaces& places, StartupList& list, const char* command)
@@ -140,7 +141,7 @@ private:
         if (list_.full) return false;
         auto it = list_.stores.find(scope);
         if (it == list_.stores.end() || it->second.readFailed) return false;
-        if (!ports_.files.Exists(path)) return !it->second.content.has_value();
+        if (!ports_.files.Exists(path)) return true;
         const auto now = ports_.files.Read(path);
         return now && it->second.content && *now == *it->second.content;
     }
@@ -333,10 +334,13 @@ CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, 
                               PromptButtons::Ok);
         return CommandEnd::Nothing;
     }
-    // A live item keeps no copy, yet a program that cannot write its stores
-    // changes nothing at all: the user sees why before being asked.
-    std::vector<std::string> folders{places.appPath};
-    if (IsFolderLocation(location) && !IsLive(row)) folders.push_back(StoreFolderOf(places, location));
+    // Only a disabled item is deleted from what the program keeps: its
+    // run-key store is rewritten, or its shortcut goes from the store folder.
+    // Where that folder cannot be written the user sees why before being
+    // asked. A live item's delete keeps nothing and writes nothing there.
+    std::vector<std::string> folders;
+    if (!IsLive(row) && IsRunLocation(location)) folders.push_back(places.appPath);
+    if (!IsLive(row) && IsFolderLocation(location)) folders.push_back(StoreFolderOf(places, location));
     if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, "cmdDelete", folders)) return CommandEnd::Nothing;
     const std::string question = "Are you sure you want to delete selected Startup Item?\r\n\r\n" + name +
                                  "\r\n\r\nStartup items are not backed up.";

@@ -18,6 +18,7 @@
 #include "platform/file_system.h"
 #include "platform/registry.h"
 #include "platform/shortcuts.h"
+#include "platform/text_encoding.h"
 
 namespace corvane {
 
@@ -87,6 +88,7 @@ struct StartupSources {
     Clock& clock;
     Environment& environment;
     ShortcutReader& shortcuts;
+    TextEncoding& ansi = Windows1252Text();  // the system's code page, for the task files
 };
 
 // What the pane fixes once per load.

@@ -21,7 +21,7 @@ constexpr LPARAM kOtherPlacesParam = 0x4F50;
 
 StartupSources Sources() {
     AppContext& app = App();
-    return {*app.registry, *app.files, *app.facts, *app.clock, *app.environment, *app.shortcuts};
+    return {*app.registry, *app.files, *app.facts, *app.clock, *app.environment, *app.shortcuts, *app.encoding};
 }
 
 CommandPorts Ports() {
@@ -105,7 +105,7 @@ void frmStartup::NodeClick(const std::string& key) {
     // next fill, after a command changed files, reads them anew.
     AppContext& app = App();
     FileFactsCache facts(*app.facts);
-    StartupSources sources{*app.registry, *app.files, facts, *app.clock, *app.environment, *app.shortcuts};
+    StartupSources sources{*app.registry, *app.files, facts, *app.clock, *app.environment, *app.shortcuts, *app.encoding};
     StartupList collected = CollectStartupNode(sources, places_, key);
     stores_ = std::move(collected.stores);
     full_ = collected.full;

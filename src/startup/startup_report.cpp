@@ -83,7 +83,8 @@ bool HasPorts(const FullReportPlatform& platform) {
 
 StartupSources SourcesOf(FullReportPlatform& platform) {
     return StartupSources{*platform.registry, platform.report.files, *platform.facts, platform.report.clock,
-                          *platform.environment, *platform.shortcuts};
+                          *platform.environment, *platform.shortcuts,
+                          platform.encoding ? *platform.encoding : Windows1252Text()};
 }
 
 }  // namespace

@@ -64,18 +64,18 @@ std::u16string_view LocalName(std::u16string_view name) {
     return colon == std::u16string_view::npos ? name : name.substr(colon + 1);
 }
 
-std::string Trimmed(const std::u16string& text) {
+std::string Trimmed(const std::u16string& text, TextEncoding& ansi) {
     size_t begin = 0, end = text.size();
     while (begin < end && IsSpace(text[begin])) ++begin;
     while (end > begin && IsSpace(text[end - 1])) --end;
-    return AnsiFromUtf16(std::u16string_view(text).substr(begin, end - begin));
+    return ansi.AnsiOfUtf16(std::u16string_view(text).substr(begin, end - begin));
 }
 
 // The reader proper: one pass over the text, an explicit stack of the open
 // elements' local names, and the Exec action being read.
 class Reader {
 public:
-    explicit Reader(std::u16string_view text) : text_(text) {}
+    Reader(std::u16string_view text, TextEncoding& ansi) : text_(text), ansi_(ansi) {}
 
     TaskFile Read() {
         TaskFile file;
@@ -288,7 +288,7 @@ private:
     void Close() {
         if (field_ && open_.size() == fieldDepth_) field_ = nullptr;
         if (execDepth_ != 0 && open_.size() == execDepth_) {
-            execs_.push_back({Trimmed(command_), Trimmed(arguments_)});
+            execs_.push_back({Trimmed(command_, ansi_), Trimmed(arguments_, ansi_)});
             execDepth_ = 0;
         }
         open_.pop_back();
@@ -300,6 +300,7 @@ private:
     }
 
     std::u16string_view text_;
+    TextEncoding& ansi_;
     size_t at_ = 0;
     std::vector<std::u16string_view> open_;
     int roots_ = 0;
@@ -322,9 +323,9 @@ std::u16string TaskFileText(std::string_view bytes) {
     return FromUtf8(bytes);
 }
 
-TaskFile ReadTaskFile(std::string_view bytes) {
+TaskFile ReadTaskFile(std::string_view bytes, TextEncoding& ansi) {
     const std::u16string text = TaskFileText(bytes);
-    return Reader(text).Read();
+    return Reader(text, ansi).Read();
 }
 
 }  // namespace corvane

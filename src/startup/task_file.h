@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/text_encoding.h"
+
 namespace corvane {
 
 struct TaskExec {
@@ -22,10 +24,11 @@ struct TaskFile {
 };
 
 // `bytes`: UTF-16LE or UTF-16BE, or UTF-8, with or without a byte order
-// mark. Text outside the ANSI code page becomes "?", as elsewhere in
-// the program. Comments, CDATA sections, the five named entities, numeric
-// character references and namespace prefixes are understood.
-TaskFile ReadTaskFile(std::string_view bytes);
+// mark. The texts come out in the system's ANSI code page (`ansi`), where a
+// character outside it becomes "?", as elsewhere in the program. Comments,
+// CDATA sections, the five named entities, numeric character references and
+// namespace prefixes are understood.
+TaskFile ReadTaskFile(std::string_view bytes, TextEncoding& ansi = Windows1252Text());
 
 // The text of a task file as UTF-16 code units, by its byte order mark; with
 // none, UTF-16 when its first character is a "<" in that form, else UTF-8.

@@ -9,6 +9,7 @@
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
+#include "platform/win32/file_hasher_win32.h"
 #include "platform/win32/file_system_win32.h"
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/program_runner_win32.h"
@@ -31,6 +32,7 @@ struct AppContext {
     Win32Shortcuts win32Shortcuts;
     Win32ProcessTable win32Processes;
     Win32ProgramRunner win32Runner;
+    Win32TextEncoding win32Encoding;
 
     HINSTANCE instance = nullptr;
     std::string appPath;  // folder of the executable, no trailing backslash
@@ -51,6 +53,7 @@ struct AppContext {
     ShortcutReader* shortcuts = &win32Shortcuts;
     ProcessTable* processes = &win32Processes;
     ProgramRunner* runner = &win32Runner;
+    TextEncoding* encoding = &win32Encoding;
     Settings settings{win32Profile, ""};
 };
 

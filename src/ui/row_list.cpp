@@ -50,7 +50,7 @@ void RowList::Detach() {
     list_ = nullptr;
 }
 
-void RowList::Show(std::vector<Row> rows) {
+void RowList::Show(std::vector<Row> rows, Sizing sizing) {
     rows_ = std::move(rows);
     SendMessageA(list_, WM_SETREDRAW, FALSE, 0);
     DeleteAllItems(list_);
@@ -71,7 +71,7 @@ void RowList::Show(std::vector<Row> rows) {
     // Once the user sorted the list it stays sorted, across fills too.
     ApplySort();
     SendMessageA(list_, WM_SETREDRAW, TRUE, 0);
-    AutoSizeColumns(list_);
+    if (sizing == Sizing::Always || (sizing == Sizing::WhenNotEmpty && !rows_.empty())) AutoSizeColumns(list_);
     FitBoldItems();
     InvalidateRect(list_, nullptr, TRUE);
 }

@@ -35,9 +35,13 @@ public:
     // view still exists, when the pane unloads.
     void Detach();
 
+    // When a fill sizes the columns to their texts: the process, applications
+    // and backup lists keep the widths they had when a fill gives no row, and
+    // the backup list when its listing broke off.
+    enum class Sizing { Always, WhenNotEmpty, Never };
     // Shows `rows` in place of what the list showed, in their order, sorted
     // if the user has sorted the list, its columns sized to their texts.
-    void Show(std::vector<Row> rows);
+    void Show(std::vector<Row> rows, Sizing sizing = Sizing::Always);
 
     HWND hwnd() const { return list_; }
     int Count() const;

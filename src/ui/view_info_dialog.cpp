@@ -2,6 +2,7 @@
 
 #include "foundations/file_description.h"
 #include "resource.h"
+#include "ui/layout.h"
 #include "ui/skin.h"
 #include "ui/twips.h"
 
@@ -94,17 +95,11 @@ void frmviewInfo::Form_Load() {
     FillFields();
 }
 
-// Size, place and look: the fixed outer size, centred on the owner, a bold
-// heading and flat value boxes.
+// Size, place and look: a bold heading, flat value boxes, the fixed outer
+// size with the controls spread over it and their captions fitted in (the
+// template's dialog units follow the font, the window does not), centred on
+// the owner.
 void frmviewInfo::Arrange() {
-    const int width = TwipsToPixelsX(kWidthTwips), height = TwipsToPixelsY(kHeightTwips);
-    RECT area;
-    HWND owner = GetWindow(hWnd_, GW_OWNER);
-    if (!owner || !GetWindowRect(owner, &area)) SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
-    const int x = area.left + (area.right - area.left - width) / 2;
-    const int y = area.top + (area.bottom - area.top - height) / 2;
-    SetWindowPos(hWnd_, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
-
     LOGFONTA font{};
     if (auto dialogFont = reinterpret_cast<HFONT>(SendMessageA(hWnd_, WM_GETFONT, 0, 0));
         dialogFont && GetObjectA(dialogFont, sizeof font, &font)) {
@@ -119,6 +114,15 @@ void frmviewInfo::Arrange() {
         SetWindowLongPtrA(box, GWL_STYLE, GetWindowLongPtrA(box, GWL_STYLE) | WS_BORDER);
         SetWindowPos(box, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);
     }
+
+    FitDialogWindow(hWnd_, kWidthTwips, kHeightTwips);
+    const int width = TwipsToPixelsX(kWidthTwips), height = TwipsToPixelsY(kHeightTwips);
+    RECT area;
+    HWND owner = GetWindow(hWnd_, GW_OWNER);
+    if (!owner || !GetWindowRect(owner, &area)) SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
+    const int x = area.left + (area.right - area.left - width) / 2;
+    const int y = area.top + (area.bottom - area.top - height) / 2;
+    SetWindowPos(hWnd_, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void frmviewInfo::ShowIcon() {

@@ -6,7 +6,9 @@
 //   corvane_driver lastnode   select the last root of the startup pane's tree (Other Places)
 //   corvane_driver wait       wait until the main window is visible
 //   corvane_driver about      open the about box (returns at once)
-//   corvane_driver ok         press OK in the about box
+//   corvane_driver info NAME  select the process pane's row NAME by typing it, as a user
+//                             can, and open View Information for it (returns at once)
+//   corvane_driver ok [TITLE] press OK in the dialog TITLE (the about box when none)
 //   corvane_driver close      close the main window
 //   corvane_driver shortcut LNK TARGET [ARGS]   save a shortcut file (needs no window)
 // Exit 0 on success, 1 when the window is not found.
@@ -113,10 +115,21 @@ int main(int argc, char** argv) {
                      reinterpret_cast<LPARAM>(GetDlgItem(top, IDC_LBLABOUT)));
         return 0;
     }
-    if (std::strcmp(argv[1], "ok") == 0) {
-        HWND about = FindWindowA("#32770", "About: Corvane");
-        if (!about) return 1;
-        PostMessageA(about, WM_COMMAND, IDOK, 0);
+    if (std::strcmp(argv[1], "info") == 0 && argc == 3) {
+        HWND pane = GetWindow(GetDlgItem(main, IDC_CLIENT), GW_CHILD);
+        HWND list = pane ? GetDlgItem(pane, IDC_LSTVPROCESS) : nullptr;
+        HWND button = pane ? GetDlgItem(pane, IDC_CMDVIEWINFORMATION) : nullptr;
+        if (!list || !button) return 1;
+        // The list selects the row whose name begins with what is typed.
+        for (const char* c = argv[2]; *c; ++c) PostMessageA(list, WM_CHAR, static_cast<unsigned char>(*c), 1);
+        SendMessageTimeoutA(list, WM_NULL, 0, 0, SMTO_NORMAL, 5000, nullptr);
+        Click(button);
+        return 0;
+    }
+    if (std::strcmp(argv[1], "ok") == 0 && argc <= 3) {
+        HWND dialog = FindWindowA("#32770", argc == 3 ? argv[2] : "About: Corvane");
+        if (!dialog) return 1;
+        PostMessageA(dialog, WM_COMMAND, IDOK, 0);
         return 0;
     }
     if (std::strcmp(argv[1], "close") == 0) {

@@ -69,4 +69,18 @@ std::string Win32TextEncoding::Utf8OfAnsi(std::string_view ansi) {
     return utf8;
 }
 
+std::string Win32TextEncoding::AnsiOfUtf16(std::u16string_view text) {
+    if (text.empty()) return {};
+    static_assert(sizeof(wchar_t) == sizeof(char16_t));
+    const auto* wide = reinterpret_cast<const wchar_t*>(text.data());
+    const int length = static_cast<int>(text.size());
+    // No flags and no default character: the system's own choices, as the
+    // narrow calls make them.
+    const int bytes = WideCharToMultiByte(CP_ACP, 0, wide, length, nullptr, 0, nullptr, nullptr);
+    if (bytes <= 0) return std::string(text.size(), '?');
+    std::string ansi(static_cast<size_t>(bytes), '\0');
+    WideCharToMultiByte(CP_ACP, 0, wide, length, ansi.data(), bytes, nullptr, nullptr);
+    return ansi;
+}
+
 }  // namespace corvane

@@ -23,10 +23,12 @@ private:
     std::vector<unsigned char> block_;
 };
 
-// MultiByteToWideChar from CP_ACP, then WideCharToMultiByte to UTF-8.
+// MultiByteToWideChar from CP_ACP, then WideCharToMultiByte to UTF-8; and
+// WideCharToMultiByte to CP_ACP, the conversion the narrow calls make.
 class Win32TextEncoding final : public TextEncoding {
 public:
     std::string Utf8OfAnsi(std::string_view ansi) override;
+    std::string AnsiOfUtf16(std::u16string_view text) override;
 };
 
 }  // namespace corvane
