@@ -180,6 +180,7 @@ TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
     for (const auto& [row, listed] : rows) EXPECT_EQ(hashes.count(row), listed ? 1u : 0u) << row;
     EXPECT_EQ(hashes["startup|HKCU\\"s + kRunKeyPath + "|" + utf8], HostSha256(big));
     DeleteFileA(big.c_str());
+    DeleteFileA((big + ".sum").c_str());
 }
 
 // ---- RealBackups: regedit /s takes what we keep back to the same keys ----
