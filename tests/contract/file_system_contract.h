@@ -46,9 +46,7 @@ inline void CheckFileSystemContract(FileSystem& fs, const std::string& root) {
     EXPECT_NE(fs.CreateFolder(sub), kNoError) << "an existing folder is an error";
     EXPECT_TRUE(fs.IsFolder(sub));
     EXPECT_FALSE(fs.IsFolder(b));
-    ASSERT_EQ(fs.Write(sub + "\\Caf\xE9 \xA9.lnk", "link"), kNoError);
-    ASSERT_EQ(fs.Write(sub + "\\other.txt", "t"), kNoError);
-    ASSERT_EQ(fs.Write(sub + "\\UPPER.LNK", "link"), kNoError);
+    for (const char* name : {"Caf\xE9 \xA9.lnk", "other.txt", "UPPER.LNK"}) ASSERT_EQ(fs.Write(sub + "\\" + name, "x"), kNoError);
 
     auto names = [](std::vector<FolderEntry> entries) {
         std::vector<std::string> out;
@@ -61,9 +59,7 @@ inline void CheckFileSystemContract(FileSystem& fs, const std::string& root) {
     EXPECT_TRUE(fs.Exists(root + "\\SUB\\OTHER.TXT")) << "names ignore case";
 
     EXPECT_NE(fs.RemoveFolder(sub), kNoError) << "a folder with files stays";
-    ASSERT_EQ(fs.Delete(sub + "\\Caf\xE9 \xA9.lnk"), kNoError);
-    ASSERT_EQ(fs.Delete(sub + "\\other.txt"), kNoError);
-    ASSERT_EQ(fs.Delete(sub + "\\upper.lnk"), kNoError);
+    for (const char* name : {"Caf\xE9 \xA9.lnk", "other.txt", "upper.lnk"}) ASSERT_EQ(fs.Delete(sub + "\\" + name), kNoError);
     EXPECT_NE(fs.Delete(sub + "\\other.txt"), kNoError);
     ASSERT_EQ(fs.RemoveFolder(sub), kNoError);
     EXPECT_FALSE(fs.Exists(sub));

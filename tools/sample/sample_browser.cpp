@@ -1,6 +1,6 @@
 #include "wine/browser_machine.h"
 
-#include "sample/sample_parts.h"
+#include "sample_parts.h"
 
 namespace corvane::sample {
 

@@ -25,7 +25,7 @@
 #include "platform/win32/shortcuts_win32.h"
 #include "processes/backup_store.h"
 #include "processes/process_commands.h"
-#include "sample/sample_parts.h"
+#include "sample_parts.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
 #include "wine/other_places_machine.h"
