@@ -1,14 +1,21 @@
-// Every output the program writes or shows from the golden machine, compared
-// byte for byte with tests/golden: the rows of each list (one per line, the
-// mark first, cells tab-separated, CR LF and tabs written as \r \n \t), each
-// pane's report, the full report, the console report's CSV and comparison,
-// its exit codes and messages. CORVANE_UPDATE_GOLDEN=1 rewrites the files.
+// Every output the program writes or shows, from one machine in memory with
+// every area, every kind of place and the data that once broke the readers
+// (its registry is tests/golden/machine.reg, its files and processes
+// tests/golden/machine.txt), compared byte for byte with tests/golden: the rows
+// of each list (one per line, the mark first, cells tab-separated, CR LF and
+// tabs written as \r \n \t), each pane's report, the full report, the console
+// report's CSV and comparison, its exit codes and messages.
+// CORVANE_UPDATE_GOLDEN=1 rewrites the files.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <regex>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 
 #include "applications/applications_report.h"
 #include "browser/browser_commands.h"
@@ -16,19 +23,134 @@
 #include "contract/file_facts_contract.h"
 #include "contract/process_table_contract.h"
 #include "contract/shortcuts_contract.h"
+#include "fakes/fake_clock.h"
+#include "fakes/fake_file_facts.h"
+#include "fakes/fake_file_hasher.h"
+#include "fakes/fake_file_system.h"
+#include "fakes/fake_process_table.h"
+#include "fakes/fake_registry.h"
+#include "fakes/fake_shortcuts.h"
+#include "fakes/fakes.h"
 #include "foundations/file_description.h"
 #include "foundations/file_facts_cache.h"
+#include "foundations/reg_file.h"
+#include "foundations/registry.h"
 #include "foundations/sys_info.h"
 #include "foundations/text.h"
-#include "golden_machine.h"
+#include "platform/text_encoding.h"
 #include "processes/process_report.h"
 #include "processes/reference_lists.h"
+#include "shell/report_cli.h"
 #include "startup/other_places.h"
+#include "startup/run_key_store.h"
+#include "startup/startup_items.h"
 #include "startup/startup_report.h"
+#include "support/golden.h"
 #include "ui/sort_policy.h"
 
 namespace corvane::golden {
 namespace {
+
+constexpr const char* kApp = "C:\\Corvane";
+const std::string kLM = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion";
+const std::string kCU = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion";
+
+// The records of a data file of tests/golden: one a line, fields by tabs,
+// `r `n `t and `xNN standing for CR, LF, tab and any byte; # begins a comment.
+std::vector<std::vector<std::string>> Records(const std::string& name) {
+    std::vector<std::vector<std::string>> records;
+    std::ifstream in(Path(name), std::ios::binary);
+    for (std::string line; std::getline(in, line);) {
+        if (line[0] == '#') continue;
+        std::vector<std::string>& fields = records.emplace_back();
+        for (size_t at = 0, tab = 0; at <= line.size(); at = tab + 1) {
+            tab = std::min(line.find('\t', at), line.size());
+            std::string field;
+            for (size_t i = at; i < tab; ++i) {
+                const char c = line[i] == '`' ? line[++i] : 0;
+                if (c == 'x') field += static_cast<char>(std::stoi(line.substr(i + 1, 2), nullptr, 16)), i += 2;
+                else field += c == 'r' ? '\r' : c == 'n' ? '\n' : c == 't' ? '\t' : c ? c : line[i];
+            }
+            fields.push_back(field);
+        }
+    }
+    return records;
+}
+
+struct Machine {
+    fakes::FakeRegistry registry;
+    fakes::FakeFileSystem files;
+    fakes::FakeFileFacts facts;
+    fakes::FakeClock clock;
+    fakes::FakeEnvironment environment;
+    fakes::FakeShortcuts shortcuts{files};
+    fakes::FakeProcessTable processes;
+    fakes::FakeSystemInfo system;
+    fakes::FakeShell shell;
+    fakes::FakeFileHasher hasher;
+    Windows1252Encoding encoding;
+    ConsolePrompts prompts;
+    ReportPorts report{files, system, clock, prompts, shell};
+    FullReportPlatform platform{report};
+
+    // A program with a version resource in `block`'s language and code page (empty: none).
+    void Program(const std::string& path, uint64_t size, const std::string& block = "040704E4",
+                 const std::string& company = "Pr\xFC" "fwerk GmbH", const std::string& shortPath = "") {
+        fakes::FakeFile file{std::nullopt, fakes::MakeFileTime(2003, 1, 31, 23, 30), {}, size, false, shortPath};
+        auto word = [&](size_t at) { return static_cast<uint16_t>(std::stoul(block.substr(at, 4), nullptr, 16)); };
+        if (!block.empty()) {
+            file.version = {fakes::TranslationBytes(word(0), word(4)),
+                            {{block + "\\CompanyName", company}, {block + "\\ProductName", "Product"},
+                             {block + "\\FileDescription", "Does\r\nthings"}, {block + "\\FileVersion", "1.0"}}};
+        }
+        facts.Add(path, file);  // created 2003-01-31 23:30 UTC: a day later in local time
+        hasher.Add(path, "h" + std::to_string(size));
+    }
+
+    Machine() {
+        system.version = {5, 1, 2600, 2, "Service Pack 3"};
+        system.computerName = "PC1";
+        system.userName = "M\xFCller";
+        system.errorTexts = {{3, "The system cannot find the path specified.\r\n"}, {5, "Access is denied.\r\n"}};
+        clock.utcOffsetMinutes = 60;
+        environment.variables = {{"WINDIR", "C:\\Windows"}, {"SystemRoot", "C:\\Windows"},
+                                 {"ProgramFiles", "C:\\Program Files"}};
+        platform.registry = &registry;
+        platform.facts = &facts;
+        platform.environment = &environment;
+        platform.shortcuts = &shortcuts;
+        platform.processes = &processes;
+        platform.encoding = &encoding;
+        platform.appPath = kApp;
+
+        // The registry, but for a name with a line break, which a .reg file cannot hold.
+        registry.PutString(kCU + "\\Run", "Two\r\nlines", "C:\\TOOLS\\ALPHA.EXE");
+        std::ifstream in(Path("machine.reg"), std::ios::binary);
+        const auto reg = ParseRegFile(std::string(std::istreambuf_iterator<char>(in), {}));
+        if (!reg || ImportRegKeys(registry, reg->keys) != kRegOk) throw std::runtime_error("tests/golden/machine.reg");
+        // The rest, but for two programs of paths too long to read there: just within
+        // and just past 32,767 characters from the drive's letter to the end of ".exe".
+        Program("C:" + std::string(32761, 'z') + ".exe", 1, "");
+        Program("C:" + std::string(32762, 'z') + ".exe", 2, "");
+        for (std::vector<std::string> f : Records("machine.txt")) {
+            f.resize(6);
+            if (f[0] == "F") Program(f[1], std::stoull(f[2]), f[3], f[4], f[5]);
+            if (f[0] == "D") facts.Add(f[1], fakes::FakeFile{std::nullopt, {}, {}, 0, true, ""});
+            if (f[0] == "R") files.AddFolder(f[1]);
+            if (f[0] == "T") files.AddFile(f[1], f[2]);
+            if (f[0] == "L") files.AddFile(f[1], fakes::FakeShortcutBytes(f[2], f[3], f[4]));
+            if (f[0] == "H") files.SetHiddenOrSystem(f[1]);
+            if (f[0] == "U") {
+                std::string utf16("\xFF\xFE", 2);
+                for (const char c : f[2]) utf16 += std::string{c, '\0'};
+                files.AddFile(f[1], utf16);
+            }
+            if (f[0] != "P") continue;
+            const uint32_t id = static_cast<uint32_t>(std::stoul(f[1]));
+            processes.Add(id, f[2], f[3]) = {id, f[2], f[3], f[4] == "o", f[4] == "q", f[4] == "m", f[4] == "s"};
+        }
+    }
+};
 
 using Args = std::vector<std::string>;
 using Make = std::function<std::string(Machine&)>;
@@ -69,18 +191,10 @@ std::array<std::vector<Row>, 4> Browser(Machine& m) {
             CollectToolbars(sources, places), CollectButtons(sources, places), CollectMenuItems(sources, places)};
 }
 
-std::vector<Row> Applications(Machine& m) {
-    std::string name, build, servicePack, computer, user;
-    clsSysInfo(m.system).sysInfo(name, build, servicePack, computer, user);
-    ApplicationSources sources{m.registry, m.facts};
-    return CollectApplications(sources, {name, m.clock.DecimalSign(), true});
-}
-
 Make ApplicationRows(OsVersion version, const char* decimalSign) {
     return [=](Machine& m) {
-        m.system.version = version;
-        m.clock.decimalSign = decimalSign;
-        return Lines(Applications(m));
+        ApplicationSources sources{m.registry, m.facts};
+        return Lines(CollectApplications(sources, {WindowsVersionNameOf(version), decimalSign, true}));
     };
 }
 
@@ -114,11 +228,9 @@ Make Compare(bool older) {
         Run(m, older ? Args{"C:\\r\\old.csv", "/csv"} : Args{"C:\\r\\old.csv", "/csv", "/hash"}, !older);
         if (older) m.files.AddFile("C:\\r\\old.csv", m.files.Content("C:\\r\\old.csv")->substr(3));
         m.registry.PutString(kCU + "\\Run", "Newcomer", "C:\\Tools\\new.exe");
-        RegKey run;
-        m.registry.OpenKey(kHKeyLocalMachine, "Software\\Microsoft\\Windows\\CurrentVersion\\Run", kKeyAllAccess, run);
-        m.registry.DeleteValue(run, "Say \"beta\"");
-        m.registry.DeleteValue(run, "Alpha, the first");
-        m.registry.CloseKey(run);
+        for (const char* name : {"Say \"beta\"", "Alpha, the first"}) {
+            DeleteRegValue(m.registry, m.prompts, m.system, kHKeyLocalMachine, kRunKeyPath, name);
+        }
         m.files.Append(std::string(kApp) + "\\DHKLMRunKey.run",
                        FormatStoreLine("Say \"beta\"", "\"C:\\Program Files\\Beta\\beta.exe\" -q", "HKLM"));
         m.registry.PutString(kLM + "\\Run", "ALPHA, THE FIRST", "\"C:\\Tools\\alpha.exe\" /min");
@@ -129,33 +241,17 @@ Make Compare(bool older) {
     };
 }
 
-// The command line's refusals and failures, each on a fresh machine; fault 1
-// fails the banner (the second change), 2 the move over the report, 3 every append.
+// The command lines of tests/golden/cli.txt, each on a fresh machine.
 std::string CliTable(Machine&) {
-    const std::pair<Args, int> cases[] = {
-        {{"/?"}, 0}, {{"r.txt", "/bogus", "/?"}, 0}, {{}, 0}, {{""}, 0}, {{"a.txt", "b.txt"}, 0}, {{"r", "-?"}, 0},
-        {{"r", "/areas:"}, 0}, {{"r", "/areas:process,"}, 0}, {{"r", "/areas:browser"}, 0}, {{"r", "/areas"}, 0},
-        {{"r", "/areas:ie", "/areas:process"}, 0}, {{"r", "/csv", "/compare:o.csv"}, 0}, {{"r", "/compare:"}, 0},
-        {{"r", "/compare:a.csv", "/compare:b.csv"}, 0}, {{"r", "/csv", "/csv"}, 0}, {{"r", "/hash", "/HASH"}, 0},
-        {{"r", "/csv:yes"}, 0}, {{"Old.CSV", "/compare:old.csv"}, 0}, {{"/compare:old.csv"}, 0},
-        {{"C:\\nowhere\\r.txt"}, 0}, {{"C:\\r\\folder"}, 0}, {{"C:\\r\\ok.txt", "/AREAS:AddRemove,IE,ie"}, 0},
-        {{"C:\\r\\old.txt"}, 1}, {{"C:\\r\\old.txt"}, 2}, {{"C:\\r\\old.txt"}, 3},
-        {{"C:\\r\\c.txt", "/compare:C:\\r\\missing.csv"}, 0}, {{"C:\\r\\c.txt", "/compare:C:\\r\\folder"}, 0},
-        {{"C:\\r\\c.txt", "/compare:C:\\r\\other.csv"}, 0}, {{"C:\\r\\c.txt", "/compare:C:\\r\\cut.csv"}, 0},
-        {{"C:\\r\\c.txt", "/compare:C:\\r\\wide.csv"}, 0}};
     std::string text;
-    for (const auto& [args, fault] : cases) {
+    for (const std::vector<std::string>& line : Records("cli.txt")) {
         Machine m;
-        m.files.AddFolder("C:\\r\\folder");
-        m.files.AddFile("C:\\r\\old.txt", "the old report");
-        m.files.AddFile("C:\\r\\other.csv", "Name,Value\r\nx,1\r\n");
-        m.files.AddFile("C:\\r\\cut.csv", InventoryCsv({}, false) + "startup,\"unclosed\r\n");
-        m.files.AddFile("C:\\r\\wide.csv", InventoryCsv({}, false) + "startup,a,b\r\n");
-        m.files.failChange = fault == 1 ? 2 : 0;
-        m.files.failIf = [f = fault](const std::string& op, const std::string&) {
-            return (f == 2 && op == "Move") || (f == 3 && op == "Append");
+        const char fault = line[0][0];
+        m.files.failChange = fault == '1' ? 2 : 0;  // the banner is the second change
+        m.files.failIf = [fault](const std::string& op, const std::string&) {
+            return (fault == '2' && op == "Move") || (fault == '3' && op == "Append");
         };
-        text += Run(m, args);
+        text += Run(m, Args(line.begin() + 1, line.end()));
     }
     return text;
 }
@@ -166,7 +262,8 @@ std::string PaneReports(Machine& m) {
     fakes::FakePrompts prompts;
     ReportPorts ports{m.files, m.system, m.clock, prompts, m.shell};
     const auto browser = Browser(m);
-    const std::vector<Row> processes = Processes(m, "Microsoft Windows XP"), applications = Applications(m);
+    ApplicationSources sources{m.registry, m.facts};
+    const auto processes = Processes(m, "Microsoft Windows XP"), applications = CollectApplications(sources, "Microsoft Windows XP");
     std::vector<Row> startup = Startup(m, "All");
     for (const Row& row : Startup(m, kOtherPlacesKey)) startup.push_back(row);
     const std::pair<const char*, std::function<bool(const std::string&)>> reports[] = {
@@ -238,8 +335,7 @@ const std::pair<const char*, Make> kGoldens[] = {
              for (const char* path : {"C:\\Tools\\alpha.exe", "C:\\Program Files\\Beta\\beta.exe", "C:\\Tools\\bare.exe",
                                       "C:\\Caf\xE9\\caf\xE9 \x9A\xFF.exe", "C:\\Tools\\missing.exe"}) {
                  clsProcess info(m.facts, m.clock);
-                 info.GetFileDescription(path);
-                 text += path;
+                 text += info.GetFileDescription(path) + path;  // the result is always empty
                  for (int16_t i = 0; i < clsProcess::kItemCount; ++i) text += "\t" + Escaped(info.getItem(i));
                  text += "\n";
              }
@@ -253,8 +349,7 @@ const std::pair<const char*, Make> kGoldens[] = {
              SortState state = InitialSortState(policy);
              for (const int16_t column : {0, 0, 0, 3, 5, 2, 2, 4, 4, 2, 3, 7}) {
                  state = AfterColumnClick(policy, state, column);
-                 text += std::to_string(column) + (state.sorted ? ">" : ">unsorted ") + std::to_string(state.column) +
-                         (state.order == SortOrder::Ascending ? "a " : "d ");
+                 text += std::to_string(state.sorted * 100 + state.column) + "ad"[static_cast<int>(state.order)] + " ";
              }
              text += "\n";
          }
@@ -309,7 +404,8 @@ TEST(Golden, TheMachinesFakesKeepTheirContracts) {
     m.files.AddFolder("C:\\links");
     contract::CheckShortcutContract(m.shortcuts, {[&](const std::string& path, const std::string& target,
                                                       const std::string& args, const std::string& icon, int index) {
-                                                      m.Link(path, target, args, icon + "," + std::to_string(index));
+                                                      m.files.AddFile(path, fakes::FakeShortcutBytes(
+                                                                                target, args, icon + "," + std::to_string(index)));
                                                   },
                                                   m.files, "C:\\links", "C:\\Tools\\alpha.exe"});
 }
