@@ -26,6 +26,7 @@
 #include "bench/bench_registry.h"
 #include "bench/fixture_files.h"
 #include "bench/harness.h"
+#include "bench/read_count.h"
 #include "foundations/file_facts_cache.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
@@ -264,12 +265,14 @@ int main(int argc, char** argv) {
         made = size;
         size_t shown = 0;
         auto collectAndShow = [&] {
-            FileFactsCache cache(facts);
+            CountedFacts counted(facts);
+            FileFactsCache cache(counted);
             ApplicationSources sources{registry, cache};
             ApplicationListOptions options;
             options.windowsVersionName = "Microsoft Windows XP";
             options.decimalSign = clock.DecimalSign();
             std::vector<Row> rows = CollectApplications(sources, options);
+            counted.Check("the applications list's fill");
             shown = rows.size();
             ours.Show(std::move(rows));
         };
@@ -318,5 +321,5 @@ int main(int argc, char** argv) {
                                   [&] { KeepAlive(RunToEnd("uninstaller.exe --list")); }, runs);
     PrintRatio(a, b);
     RemoveAll();
-    return 0;
+    return ReadsExitCode(0);
 }

@@ -22,6 +22,7 @@
 #include "bench/bench_registry.h"
 #include "bench/fixture_files.h"
 #include "bench/harness.h"
+#include "bench/read_count.h"
 #include "browser/browser_items.h"
 #include "foundations/file_facts_cache.h"
 #include "platform/win32/adapters.h"
@@ -234,10 +235,12 @@ int main(int argc, char** argv) {
         MakeItems(helpers, toolbars, buttons, files);
         size_t shown = 0;
         auto collectAndShow = [&] {
-            FileFactsCache cache(facts);
+            CountedFacts counted(facts);
+            FileFactsCache cache(counted);
             BrowserSources sources{registry, fileSystem, cache, clock, environment};
             std::vector<Row> lists[3] = {CollectHelperObjects(sources, places, {}), CollectToolbars(sources, places),
                                          CollectButtons(sources, places)};
+            counted.Check("the browser lists' fill");
             shown = 0;
             for (int i = 0; i < 3; ++i) {
                 shown += lists[i].size();
@@ -283,5 +286,5 @@ int main(int argc, char** argv) {
         ImageList_Destroy(bareImages[i]);
     }
     RemoveAll();
-    return 0;
+    return ReadsExitCode(0);
 }

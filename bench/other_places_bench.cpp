@@ -26,6 +26,7 @@
 #include "bench/bench_registry.h"
 #include "bench/fixture_files.h"
 #include "bench/harness.h"
+#include "bench/read_count.h"
 #include "foundations/file_facts_cache.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
@@ -414,9 +415,11 @@ int main(int argc, char** argv) {
 
     size_t shown = 0, bareShown = 0;
     auto ours = [&] {
-        FileFactsCache cache(facts);
+        CountedFacts counted(facts);
+        FileFactsCache cache(counted);
         StartupSources sources{registry, files, cache, clock, environment, shortcuts};
         StartupList list = CollectStartupNode(sources, places, kOtherPlacesKey);
+        counted.Check("the other places' fill");
         shown = list.rows.size();
         ours_.Show(std::move(list.rows));
     };
@@ -431,9 +434,11 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) collectOnly = collectOnly || std::strcmp(argv[i], "--collect-only") == 0;
     if (collectOnly) {
         auto collectOurs = [&] {
-            FileFactsCache cache(facts);
+            CountedFacts counted(facts);
+            FileFactsCache cache(counted);
             StartupSources sources{registry, files, cache, clock, environment, shortcuts};
             shown = CollectStartupNode(sources, places, kOtherPlacesKey).rows.size();
+            counted.Check("the other places' collection");
         };
         auto collectBare = [&] { bare.Collect(); };
         const Measurement a = Measure("collect", collectOurs, 7);
@@ -441,7 +446,7 @@ int main(int argc, char** argv) {
         PrintRatio(a, b);
         SHDeleteKeyA(HKEY_CURRENT_USER, "Software\\CorvaneBench");
         RemoveFolder(kRoot);
-        return 0;
+        return ReadsExitCode(0);
     }
     const int runs = QuickMode() ? 1 : 11;
     if (!QuickMode()) {
@@ -475,5 +480,5 @@ int main(int argc, char** argv) {
     ImageList_Destroy(bareImages);
     SHDeleteKeyA(HKEY_CURRENT_USER, "Software\\CorvaneBench");
     RemoveFolder(kRoot);
-    return status;
+    return ReadsExitCode(status);
 }

@@ -32,6 +32,7 @@
 #include "bench/bare_list.h"
 #include "bench/fixture_files.h"
 #include "bench/harness.h"
+#include "bench/read_count.h"
 #include "foundations/file_facts_cache.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
@@ -263,9 +264,11 @@ int main(int argc, char** argv) {
         size_t shown = 0;
         // As the pane fills: each file read once for the fill.
         auto ours = [&] {
-            FileFactsCache cache(facts);
+            CountedFacts counted(facts);
+            FileFactsCache cache(counted);
             StartupSources sources{registry, files, cache, clock, environment, shortcuts};
             StartupList list = CollectStartupItems(sources, places, "All");
+            counted.Check("the startup list's fill");
             shown = list.rows.size();
             ours_.Show(std::move(list.rows));
         };
@@ -313,9 +316,11 @@ int main(int argc, char** argv) {
         MakeItems(values, 0, kNaming);
         size_t shown = 0;
         auto cached = [&] {
-            FileFactsCache cache(facts);
+            CountedFacts counted(facts);
+            FileFactsCache cache(counted);
             StartupSources sources{registry, files, cache, clock, environment, shortcuts};
             StartupList list = CollectStartupItems(sources, places, "All");
+            counted.Check("the startup list's fill");
             shown = list.rows.size();
             ours_.Show(std::move(list.rows));
         };
@@ -370,5 +375,5 @@ int main(int argc, char** argv) {
     RemoveFolder(kRoot);
     CoUninitialize();
     (void)met;
-    return 0;
+    return ReadsExitCode(0);
 }
