@@ -121,6 +121,9 @@ frmMain* frmMain::Create(HWND appWindow, bool show) {
         return nullptr;
     }
     App().mainWindow = form->hwnd_;
+    // Message boxes and the common dialogs are modal to the main window: while
+    // one is up, no other pane can be opened under the command that asked.
+    App().win32Prompts.SetOwner(form->hwnd_);
     HWND w = form->hwnd_;
     form->picTop_ = Child(w, kBarClass, "", WS_CLIPCHILDREN, 0, 0, clientWidth, topBarHeight, IDC_PICTOP);
     form->picLeft_ = Child(w, kBarClass, "", WS_CLIPCHILDREN, 0, topBarHeight, leftBarWidth,
@@ -250,7 +253,10 @@ LRESULT CALLBACK frmMain::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
             return 0;
         case WM_NCDESTROY:
             SetWindowLongPtrA(hwnd, GWLP_USERDATA, 0);
-            if (App().mainWindow == hwnd) App().mainWindow = nullptr;
+            if (App().mainWindow == hwnd) {
+                App().mainWindow = nullptr;
+                App().win32Prompts.SetOwner(nullptr);
+            }
             delete form;
             return DefWindowProcA(hwnd, message, wParam, lParam);
         default:

@@ -39,9 +39,34 @@ void RowList::Attach(HWND list, std::span<const char* const> columns, DWORD exte
         SetSmallImageList(list_, images_);
     }
     bold_ = BoldFontOf(list_);
+    SetWindowSubclass(list_, RightButtonProc, 0, reinterpret_cast<DWORD_PTR>(this));
+}
+
+// The list view's own handling of the right button selects the row under
+// the mouse, or clears the selection over the empty part, before its parent
+// hears of the click. The menu is for the row the user selected, wherever the
+// mouse is, so the press only takes the focus and the menu opens when the
+// button is let go over the list.
+LRESULT CALLBACK RowList::RightButtonProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                          DWORD_PTR self) {
+    auto* rows = reinterpret_cast<RowList*>(self);
+    switch (message) {
+        case WM_RBUTTONDOWN:
+        case WM_RBUTTONDBLCLK:
+            SetFocus(list);
+            rows->rightPressed_ = true;
+            return 0;
+        case WM_RBUTTONUP:
+            if (rows->rightPressed_ && rows->onRightClick) rows->onRightClick();
+            rows->rightPressed_ = false;
+            return 0;
+        default:
+            return DefSubclassProc(list, message, wParam, lParam);
+    }
 }
 
 void RowList::Detach() {
+    if (list_ && IsWindow(list_)) RemoveWindowSubclass(list_, RightButtonProc, 0);
     if (list_ && IsWindow(list_)) SetSmallImageList(list_, nullptr);
     if (images_) ImageList_Destroy(images_);
     if (bold_) DeleteObject(bold_);
@@ -219,16 +244,6 @@ bool RowList::Notify(const NMHDR& header, LRESULT& result) {
             return true;
         case NM_DBLCLK:
             if (onDoubleClick) onDoubleClick();
-            return true;
-        case NM_RCLICK:
-            // The list view keeps WM_RBUTTONUP to itself: it follows the mouse
-            // from the button's press and tells its parent NM_RCLICK when the
-            // button is let go, over a row or over the empty part alike, and
-            // after the press has selected the row under it (or cleared the
-            // selection over the empty part). That is the mouse-up a menu
-            // opens on; WM_CONTEXTMENU would also come from the keyboard.
-            if (onRightClick) onRightClick();
-            result = TRUE;
             return true;
         default:
             return false;

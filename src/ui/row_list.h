@@ -61,7 +61,7 @@ public:
     // What the pane does when the user acts on the list.
     std::function<void(int item)> onSelect;  // a row became selected or was clicked
     std::function<void()> onDoubleClick;
-    std::function<void()> onRightClick;  // the right button was let go over the list
+    std::function<void()> onRightClick;  // the right button was pressed and let go over the list; the selection stays
 
     // The list's notifications, passed on by its pane; true when handled.
     bool Notify(const NMHDR& header, LRESULT& result);
@@ -74,6 +74,8 @@ private:
     // measured in the list's own font.
     void FitBoldItems();
     static int CALLBACK Compare(LPARAM first, LPARAM second, LPARAM self);
+    static LRESULT CALLBACK RightButtonProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                            DWORD_PTR self);
 
     const SharedValues& colours_;
     SortPolicy policy_;
@@ -82,6 +84,7 @@ private:
     HIMAGELIST images_ = nullptr;
     HFONT bold_ = nullptr;
     std::vector<Row> rows_;  // as collected; each item's lParam is its index here
+    bool rightPressed_ = false;
 };
 
 }  // namespace corvane

@@ -1,0 +1,589 @@
+// One walk through the program's windows as a user makes it: the mouse and
+// the keys go through X (xdotool), every message box and dialog that comes up
+// is answered by clicking its own buttons, and after each step the machine,
+// the list, its colours and the fit of every text are looked at. Each row of
+// the table runs by its button, by its pop-up menu item (a real right-click)
+// and with the program folder read-only. The texts the windows showed go to
+// tests/golden/walk-texts.txt. The program runs in this process, on a thread
+// of its own, so that fonts, menus and list items can be read as its own.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "res/resource.h"
+#include "shell/main_window.h"
+#include "support/golden.h"
+#include "ui/app_context.h"
+#include "wine/applications_machine.h"
+#include "wine/browser_machine.h"
+#include "wine/fixture_process.h"
+#include "wine/startup_machine.h"
+#include "wine/wine_support.h"
+
+namespace corvane {
+namespace {
+
+std::atomic<HWND> g_main{nullptr};
+DWORD g_thread = 0;
+std::string g_texts;  // what the windows showed, in the order they showed it
+int g_nav = 0;        // the navigation button of the pane shown
+
+// ---- input through X ----
+
+HANDLE Start(std::string line) {
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
+    return CloseHandle(process.hThread), process.hProcess;
+}
+// Runs xdotool; Wine starts a Unix program but cannot wait for it, so the
+// command leaves a file behind when it is done.
+void Xdo(const std::string& args) {
+    static int count = 0;
+    const std::string marker = "/tmp/corvane-walk-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
+    CloseHandle(Start("/bin/sh -c \"xdotool " + args + " && touch " + marker + "\""));
+    for (int i = 0; i < 500; ++i, Sleep(10))
+        if (DeleteFileA(("Z:" + marker).c_str())) return Sleep(60);  // and let the program read what X sent it
+    ADD_FAILURE() << "xdotool " << args << " did not finish";
+}
+void ClickAt(POINT p, int button = 1, int times = 1) {
+    Xdo("mousemove " + std::to_string(p.x) + " " + std::to_string(p.y) + " click --repeat " + std::to_string(times) +
+        " " + std::to_string(button));
+}
+POINT Centre(HWND window) {
+    RECT r{};
+    return GetWindowRect(window, &r), POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+}
+template <class F>
+bool WaitFor(F ready, int ms = 5000) {
+    for (int waited = 0; !ready(); waited += 20, Sleep(20)) if (waited >= ms) return false;
+    return true;
+}
+
+// ---- what the windows show ----
+
+std::string TextOf(HWND window) {
+    char text[1024] = {};
+    return GetWindowTextA(window, text, sizeof text), text;
+}
+std::string ClassOf(HWND window) {
+    char name[64] = {};
+    return GetClassNameA(window, name, sizeof name), name;
+}
+std::string Bare(std::string text) { return std::erase(text, '&'), text; }  // without the mnemonic's ampersand
+// The descendants of `root` that `pick` takes, in their order (visible ones only when `visible`).
+std::vector<HWND> Children(HWND root, std::function<bool(HWND)> pick, bool visible = true) {
+    std::vector<HWND> found;
+    for (HWND child = GetWindow(root, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        if (visible && !IsWindowVisible(child)) continue;
+        if (pick(child)) found.push_back(child);
+        for (HWND below : Children(child, pick, visible)) found.push_back(below);
+    }
+    return found;
+}
+HWND First(HWND root, std::function<bool(HWND)> pick) {
+    const auto found = Children(root, pick);
+    return found.empty() ? nullptr : found.front();
+}
+HWND ByText(HWND root, const std::string& text) {
+    return First(root, [&](HWND w) { return Bare(TextOf(w)) == text && ClassOf(w) != "Edit"; });
+}
+HWND ById(HWND root, int id) { return First(root, [&](HWND w) { return GetDlgCtrlID(w) == id; }); }
+// The program's top-level window of class `name` (a dialog, a menu), other than the main window.
+HWND TopWindow(const char* name) {
+    for (HWND w = FindWindowExA(nullptr, nullptr, name, nullptr); w; w = FindWindowExA(nullptr, w, name, nullptr))
+        if (w != g_main && IsWindowVisible(w) && GetWindowThreadProcessId(w, nullptr) == g_thread) return w;
+    return nullptr;
+}
+HWND Pane() { return GetWindow(GetDlgItem(g_main, IDC_CLIENT), GW_CHILD); }
+HWND List() { return First(Pane(), [](HWND w) { return ClassOf(w) == WC_LISTVIEWA; }); }
+std::string ItemText(HWND list, int item, int column) {
+    char text[512] = {};
+    LVITEMA lv{};
+    lv.iSubItem = column;
+    lv.pszText = text;
+    lv.cchTextMax = sizeof text;
+    SendMessageA(list, LVM_GETITEMTEXTA, item, reinterpret_cast<LPARAM>(&lv));
+    return text;
+}
+// The item with a cell that reads `name`; -1 for none.
+int ItemOf(HWND list, const std::string& name) {
+    const int count = list ? static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) : 0;
+    for (int item = 0; item < count; ++item)
+        for (int column = 0; column < 4; ++column) if (ItemText(list, item, column) == name) return item;
+    return -1;
+}
+int SelectedItem(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, -1, LVNI_SELECTED)); }
+RECT ItemRect(HWND list, int item) {
+    SendMessageA(list, LVM_ENSUREVISIBLE, item, FALSE);
+    RECT r{LVIR_LABEL, 0, 0, 0};
+    SendMessageA(list, LVM_GETITEMRECT, item, reinterpret_cast<LPARAM>(&r));
+    MapWindowPoints(list, nullptr, reinterpret_cast<POINT*>(&r), 2);
+    return r;
+}
+POINT ItemPoint(HWND list, int item) { return {ItemRect(list, item).left + 12, (ItemRect(list, item).top + ItemRect(list, item).bottom) / 2}; }
+// Whether the item's first cell is drawn in `colour`: one pixel of it will do.
+bool DrawnIn(HWND list, int item, COLORREF colour) {
+    RECT r = ItemRect(list, item);
+    MapWindowPoints(nullptr, list, reinterpret_cast<POINT*>(&r), 2);
+    HDC dc = GetDC(list);
+    bool found = false;
+    for (int y = r.top; y < r.bottom && !found; ++y)
+        for (int x = r.left; x < r.right && !found; ++x) found = GetPixel(dc, x, y) == colour;
+    return ReleaseDC(list, dc), found;
+}
+
+// ---- the layout fit rules ----
+
+int ScreenDpi() {
+    HDC screen = GetDC(nullptr);
+    const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
+    return ReleaseDC(nullptr, screen), dpi;
+}
+std::string Describe(HWND c) { return ClassOf(c) + " " + std::to_string(GetDlgCtrlID(c)) + " \"" + TextOf(c) + "\""; }
+// The size of `text` in the control's own font, on one line or wrapped to `wrap`.
+SIZE DrawnSize(HWND control, const std::string& text, int wrap = 0) {
+    HDC dc = GetDC(control);
+    HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)));
+    RECT rect{0, 0, wrap, 0};
+    DrawTextA(dc, text.c_str(), -1, &rect, DT_CALCRECT | (wrap ? DT_WORDBREAK : DT_SINGLELINE));
+    SelectObject(dc, old);
+    ReleaseDC(control, dc);
+    return {rect.right, rect.bottom};
+}
+// Every visible control of `window` (and of the dialogs inside it) lies in its
+// parent's client area; no button, check box, radio or group box has its text
+// cut, nor a label its wrapped text, nor a list its column headers.
+void ExpectFits(HWND window, const std::string& what) {
+    const int box = MulDiv(13, ScreenDpi(), 96) + 3;  // a check box or radio circle, and its gap
+    for (HWND c : Children(window, [](HWND) { return true; })) {
+        RECT r, client, in;
+        GetWindowRect(c, &r);
+        MapWindowPoints(nullptr, GetParent(c), reinterpret_cast<POINT*>(&r), 2);
+        GetClientRect(GetParent(c), &in);
+        if (ClassOf(GetParent(c)) == "SysListView32" || ClassOf(GetParent(c)) == "ComboBox") continue;
+        EXPECT_TRUE(r.left >= 0 && r.top >= 0 && r.right <= in.right && r.bottom <= in.bottom)
+            << what << ": " << Describe(c) << " reaches past its parent's client area";
+        GetClientRect(c, &client);
+        const std::string cls = ClassOf(c), text = TextOf(c);
+        const LONG style = GetWindowLongA(c, GWL_STYLE), button = style & BS_TYPEMASK, label = style & SS_TYPEMASK;
+        int room = -1, wrap = 0;  // the width the text has, and the width a label wraps it to
+        if (cls == "Button") room = client.right - (button == BS_GROUPBOX ? 14 : button <= BS_DEFPUSHBUTTON ? 4 : box);
+        if (cls == "Static" && (label <= SS_RIGHT || label == SS_LEFTNOWORDWRAP)) {
+            room = client.right, wrap = label == SS_LEFTNOWORDWRAP ? 0 : client.right;
+        }
+        if (room >= 0 && !text.empty()) {
+            const SIZE size = DrawnSize(c, text, wrap);
+            EXPECT_TRUE(size.cx <= room && size.cy <= client.bottom)
+                << what << ": " << Describe(c) << " needs " << size.cx << " x " << size.cy;
+        } else if (cls == "SysHeader32") {
+            const int count = static_cast<int>(SendMessageA(c, HDM_GETITEMCOUNT, 0, 0));
+            for (int column = 0; column < count; ++column) {
+                char caption[260] = {};
+                HDITEMA item{};
+                item.mask = HDI_TEXT | HDI_WIDTH;
+                item.pszText = caption;
+                item.cchTextMax = sizeof caption;
+                SendMessageA(c, HDM_GETITEMA, column, reinterpret_cast<LPARAM>(&item));
+                // Zero wide is a column the pane hides on purpose.
+                EXPECT_TRUE(item.cxy == 0 || DrawnSize(c, caption).cx + 12 <= item.cxy)
+                    << what << ": the header \"" << caption << "\" is cut to " << item.cxy << " pixels";
+            }
+        }
+    }
+}
+
+// ---- the program, on a thread of its own ----
+
+struct Program {
+    explicit Program(const std::string& folder) {
+        std::atomic<bool> up{false};
+        thread_ = std::thread([&] {
+            static const bool registered = [] {  // as WinMain does, once
+                InitApp(GetModuleHandleA(nullptr));
+                INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
+                return InitCommonControlsEx(&controls) && (RegisterMainClasses(App().instance), true);
+            }();
+            App().appPath = folder;
+            App().settings.SetAppPath(folder);
+            g_thread = GetCurrentThreadId();
+            HWND appWindow = CreateAppWindow(App().instance);
+            frmMain* form = frmMain::Create(appWindow);
+            g_main = form ? form->hwnd() : nullptr;
+            up = registered;
+            MSG msg;
+            while (form && GetMessageA(&msg, nullptr, 0, 0) > 0) {
+                if (IsWindow(g_main) && IsDialogMessageA(g_main, &msg)) continue;
+                TranslateMessage(&msg);
+                DispatchMessageA(&msg);
+            }
+            DestroyWindow(appWindow);
+        });
+        WaitFor([&] { return up.load(); }, 20000);
+        SetForegroundWindow(g_main);
+        g_nav = IDC_CMDPROCESS;  // the first pane
+    }
+    ~Program() { PostMessageA(g_main, WM_CLOSE, 0, 0), thread_.join(); }
+    std::thread thread_;
+};
+
+
+// Returns once the program has handled what it was sent.
+void Settle() { SendMessageTimeoutA(g_main, WM_NULL, 0, 0, SMTO_NORMAL, 20000, nullptr); }
+
+void Navigate(int button) {
+    if (g_nav == button) return;
+    HWND before = Pane();
+    ClickAt(Centre(GetDlgItem(GetDlgItem(g_main, IDC_PICLEFT), button)));
+    EXPECT_TRUE(WaitFor([&] { return Pane() != before; }, 20000)) << "navigation button " << button;
+    Settle();
+    g_nav = button;
+}
+
+// While a prompt is up the main window takes no input: a click on another
+// pane's navigation button leaves the pane (and the command waiting in it) alone.
+void ExpectModal(const std::string& what) {
+    EXPECT_FALSE(IsWindowEnabled(g_main)) << what << ": the main window is enabled under a prompt";
+    HWND pane = Pane();
+    const int other = g_nav == IDC_CMDOPTIONS ? IDC_CMDPROCESS : IDC_CMDOPTIONS;
+    ClickAt(Centre(GetDlgItem(GetDlgItem(g_main, IDC_PICLEFT), other)));
+    Sleep(200);
+    EXPECT_EQ(Pane(), pane) << what << ": a navigation click under a prompt changed the pane";
+}
+
+std::string DialogTexts(HWND dialog) {
+    std::string texts = "== " + TextOf(dialog) + "\n";
+    const auto shown = [](HWND w) { return (ClassOf(w) == "Static" || ClassOf(w) == "Button") && !TextOf(w).empty(); };
+    for (HWND c : Children(dialog, shown)) texts += "  " + TextOf(c) + "\n";
+    return std::regex_replace(texts, std::regex("[0-9]+/[0-9]+/[0-9]{4}"), "<date>");  // a file's, made today
+}
+
+// Answers the prompts as they come, one token each: a button's text to click,
+// "key:K" to press K, "type:T" to type T. None may be left over.
+void Answer(const std::vector<std::string>& answers, const std::string& what) {
+    HWND last = nullptr;
+    for (const std::string& answer : answers) {
+        HWND dialog = nullptr;
+        ASSERT_TRUE(WaitFor([&] { return (dialog = TopWindow("#32770")) != nullptr; })) << what << ": no prompt for " << answer;
+        if (dialog != last) {
+            Sleep(100);
+            g_texts += DialogTexts(dialog);
+            // Our own dialogs must fit; the system's file and colour dialogs are Wine's.
+            if (Children(dialog, [](HWND w) { return ClassOf(w) == "Edit"; }, false).empty()) ExpectFits(dialog, what);
+            if (!last) ExpectModal(what);
+            last = dialog;
+        }
+        if (answer[0] == '#') {  // a control of the dialog, near its top left corner
+            RECT r{};
+            GetWindowRect(GetDlgItem(dialog, std::atoi(answer.c_str() + 1)), &r);
+            ClickAt({r.left + 6, r.top + 6});
+        } else if (answer.rfind("key:", 0) == 0) {
+            Xdo("key " + answer.substr(4));
+        } else if (answer.rfind("type:", 0) == 0) {
+            Xdo("type '" + answer.substr(5) + "'");
+        } else if (HWND button = ByText(dialog, answer)) {
+            ClickAt(Centre(button));
+        } else {
+            ADD_FAILURE() << what << ": no button \"" << answer << "\" in\n" << DialogTexts(dialog);
+        }
+    }
+    Sleep(250);
+    HWND extra = nullptr;
+    if (WaitFor([&] { return (extra = TopWindow("#32770")) == nullptr; }, 3000)) return;
+    ADD_FAILURE() << what << ": a prompt was left unanswered:\n" << DialogTexts(extra);
+    PostMessageA(extra, WM_CLOSE, 0, 0);
+}
+
+void ChooseMenuItem(HWND window, const std::string& text, const std::string& what) {
+    HMENU menu = reinterpret_cast<HMENU>(SendMessageA(window, MN_GETHMENU, 0, 0));
+    g_texts += "-- menu:";
+    int chosen = -1;
+    for (int pos = 0; pos < GetMenuItemCount(menu); ++pos) {
+        char caption[128] = {};
+        GetMenuStringA(menu, pos, caption, sizeof caption, MF_BYPOSITION);
+        g_texts += std::string(" | ") + caption;
+        if (Bare(caption) == text) chosen = pos;
+    }
+    g_texts += "\n";
+    if (chosen < 0) return ADD_FAILURE() << what << ": the menu has no \"" << text << "\"", Xdo("key Escape");
+    EXPECT_FALSE(GetMenuState(menu, chosen, MF_BYPOSITION) & MF_GRAYED) << what << ": \"" << text << "\" is grey";
+    RECT r{};
+    ClickAt((GetMenuItemRect(nullptr, menu, chosen, &r), POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2}));
+}
+
+bool Exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+bool KeyThere(HKEY hive, const std::string& path) {
+    HKEY key;
+    return RegOpenKeyExA(hive, path.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS && RegCloseKey(key) == ERROR_SUCCESS;
+}
+bool ValueThere(HKEY hive, const std::string& path, const std::string& name) {
+    return RegGetValueA(hive, path.c_str(), name.c_str(), RRF_RT_ANY, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+}
+bool Holds(const std::string& path, const std::string& text) {
+    return wine::FileBytes(path).find(text) != std::string::npos;
+}
+
+enum class Way { Button, Menu, ReadOnly };
+const char* const kWayNames[] = {" (button)", " (menu)", " (read-only folder)"};
+
+struct Step {
+    const char* what;
+    int nav, control;          // the pane's navigation button; a tab, radio button or tree to click first
+    const char* row;           // the row acted on, by the text of a cell; null for none
+    bool check;                // tick the row (Space) as well as select it
+    const char *button, *menu;  // the button's text ("##id": double-click a control) and the menu item (or null)
+    std::vector<std::string> answers, readOnlyAnswers;
+    std::function<bool()> changed;  // the change on the machine is there
+    int kept;                  // the row is listed after the change (1), or not (0), or either (-1: a twin stays)...
+    COLORREF colour;           // ...drawn in this colour (CLR_NONE: not looked at)
+    bool readOnlyRefused;      // with the program folder read-only the machine stays as it was
+};
+
+std::vector<std::string> g_skipped;  // the rows that could not run with a read-only folder
+
+void RunStep(const Step& s, Way way, const std::string& folder) {
+    const std::string what = s.what + std::string(kWayNames[static_cast<int>(way)]);
+    if (way == Way::Menu && !s.menu) return;
+    Navigate(s.nav);
+    if (HWND control = s.control && s.control != IDC_TVWSTARTUP ? ById(Pane(), s.control) : nullptr) ClickAt(Centre(control));
+    if (s.control == IDC_TVWSTARTUP) {  // the tree's first node, "All Items"
+        union { RECT r; LRESULT item; } place{};  // the message takes the item in the rectangle's place
+        place.item = SendMessageA(ById(Pane(), s.control), TVM_GETNEXTITEM, TVGN_ROOT, 0);
+        SendMessageA(ById(Pane(), s.control), TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place.r));
+        MapWindowPoints(ById(Pane(), s.control), nullptr, reinterpret_cast<POINT*>(&place.r), 2);
+        ClickAt({place.r.left + 5, (place.r.top + place.r.bottom) / 2});
+    }
+    Settle();
+    HWND list = List();
+    int item = -1;
+    if (s.row) {
+        if (!WaitFor([&] { return (item = ItemOf(list = List(), s.row)) >= 0; })) {
+            std::string rows;
+            for (int i = 0; i < ListView_GetItemCount(list); ++i) rows += " | " + ItemText(list, i, 0);
+            FAIL() << what << ": no row among" << rows;
+        }
+        ClickAt(ItemPoint(list, item));
+        const auto ticked = [&] {
+            return (SendMessageA(list, LVM_GETITEMSTATE, item, LVIS_STATEIMAGEMASK) & LVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2);
+        };
+        EXPECT_TRUE(WaitFor([&] { return SelectedItem(list) == item; })) << what << ": the click did not select the row";
+        if (s.check && !ticked()) Xdo("key space");
+        EXPECT_TRUE(!s.check || WaitFor(ticked)) << what << ": Space did not tick the row";
+    }
+    auto readOnly = way == Way::ReadOnly ? std::make_unique<wine::ReadOnlyFolder>(folder) : nullptr;
+    if (readOnly && !readOnly->ok()) {
+        g_skipped.push_back(s.what);
+        return readOnly.reset(), RunStep(s, Way::Button, folder);
+    }
+    if (way == Way::Menu) {
+        // A right-click on another row leaves the selection and opens the selected row's menu...
+        for (int other = 0; other < static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); ++other) {
+            if (other == item || ItemText(list, other, 0).find("orvane") == std::string::npos) continue;
+            ClickAt(ItemPoint(list, other), 3);
+            EXPECT_TRUE(WaitFor([] { return TopWindow("#32768") != nullptr; })) << what << ": no menu on another row";
+            EXPECT_EQ(SelectedItem(list), item) << what << ": a right-click on another row moved the selection";
+            Xdo("key Escape");
+            WaitFor([] { return TopWindow("#32768") == nullptr; });
+            break;
+        }
+        // ...and so does one on the empty part below the rows.
+        RECT client;
+        GetClientRect(list, &client);
+        POINT empty{client.right / 2, client.bottom - 6};
+        ClientToScreen(list, &empty);
+        ClickAt(empty, 3);
+        HWND menu = nullptr;
+        ASSERT_TRUE(WaitFor([&] { return (menu = TopWindow("#32768")) != nullptr; })) << what << ": no menu on the empty part";
+        EXPECT_EQ(SelectedItem(list), item) << what << ": a right-click on the empty part moved the selection";
+        ChooseMenuItem(menu, s.menu, what);
+    } else {
+        HWND button = s.button[0] == '#' ? ById(Pane(), std::atoi(s.button + 2)) : ByText(g_main, s.button);
+        ASSERT_TRUE(button && IsWindowEnabled(button)) << what << ": no button, or a grey one";
+        ClickAt(Centre(button), 1, s.button[0] == '#' ? 2 : 1);
+    }
+    const bool refused = readOnly && s.readOnlyRefused;
+    Answer(readOnly ? s.readOnlyAnswers : s.answers, what);
+    EXPECT_TRUE(refused ? !s.changed() : WaitFor(s.changed)) << what << (refused ? ": changed" : ": did not change");
+    // The list was filled anew: the row is there or gone, in its colour.
+    if (s.row && s.kept >= 0) {
+        const bool kept = refused || s.kept;
+        EXPECT_TRUE(WaitFor([&] { return (ItemOf(List(), s.row) >= 0) == kept; }, 3000))
+            << what << (kept ? ": the row is gone" : ": the row is still listed");
+        if (kept && !refused && s.colour != CLR_NONE) {
+            list = List();
+            item = ItemOf(list, s.row);
+            LVITEMA none{};  // a selected row shows the selection's colours, not its own
+            none.stateMask = LVIS_SELECTED;
+            SendMessageA(list, LVM_SETITEMSTATE, item, reinterpret_cast<LPARAM>(&none));
+            Sleep(200);
+            EXPECT_TRUE(DrawnIn(list, item, s.colour)) << what << ": the row is not drawn in " << std::hex << s.colour;
+        }
+    }
+    ExpectFits(Pane(), what);
+    readOnly.reset();
+    if (refused) RunStep(s, Way::Button, folder);  // the rows after it need what it does
+}
+
+std::vector<std::string> FilesIn(const std::string& folder, const char* pattern) {
+    std::vector<std::string> names;
+    WIN32_FIND_DATAA data;
+    HANDLE find = FindFirstFileA((folder + "\\" + pattern).c_str(), &data);
+    for (bool more = find != INVALID_HANDLE_VALUE; more; more = FindNextFileA(find, &data)) names.push_back(data.cFileName);
+    if (find != INVALID_HANDLE_VALUE) FindClose(find);
+    return names;
+}
+bool InBackup(const std::string& folder, const std::string& text) {
+    for (const std::string& name : FilesIn(folder + "\\backup", "*")) {
+        if (Holds(folder + "\\backup\\" + name, text)) return true;
+    }
+    return false;
+}
+// A program folder with the shipped reference lists, and `extra` lists copied over them.
+std::string ProgramFolder(const std::string& extra) {
+    const std::string folder = wine::FreshFolder("walk-app");
+    for (const std::string& from : {wine::FromUnixPath(CORVANE_DATA_DIR), extra}) {
+        for (const std::string& name : FilesIn(from, "*.qdl")) {
+            CopyFileA((from + "\\" + name).c_str(), (folder + "\\" + name).c_str(), FALSE);
+        }
+    }
+    return folder;
+}
+
+TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
+    wine::StartupMachine startup;
+    const std::string run = kRunKeyPath, bho = std::string(kHelperObjectsKey) + "\\{C0A7E5E5-0000-4000-8000-000000000001}";
+    const std::string uninstall = std::string(kUninstallKey) + "\\", colourBox = "##" + std::to_string(IDC_PICSUSPICIOUS);
+    for (Way way : {Way::Button, Way::Menu, Way::ReadOnly}) {
+        startup.Setup();
+        wine::BrowserMachine browser;
+        wine::ApplicationsMachine applications;
+        const std::string app = ProgramFolder(browser.app), procs = wine::FreshFolder("walk-procs");
+        const std::string report = wine::FreshFolder("walk-out") + "\\processes.txt", safe = app + "\\CommonProcess.qdl";
+        CopyFileA((wine::TestFolder() + "\\fixture_uninstaller.exe").c_str(), (procs + "\\uninstall.exe").c_str(), FALSE);
+        wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort", 0, "UninstallString", REG_SZ,
+                                       "\"" + procs + "\\uninstall.exe\" /remove CorvaneTestShort" + '\0');
+        std::vector<std::unique_ptr<wine::FixtureProcess>> running;
+        for (const char* name : {"kill", "delete", "safe"})
+            running.push_back(std::make_unique<wine::FixtureProcess>(procs + "\\corvanewalk " + name + ".exe"));
+        const std::vector<std::string> none, ok{"OK"}, yes{"Yes"}, save{"type:" + report, "key:Return"};
+        const auto plain = [&] { return ValueThere(HKEY_LOCAL_MACHINE, run, "CorvaneTest Plain"); };
+        const auto helper = [&] { return KeyThere(HKEY_LOCAL_MACHINE, bho); };
+        const auto listed = [&] { return Holds(safe, "corvanewalk safe.exe"); };
+        const auto always = [] { return true; };
+        const std::vector<Step> steps = {
+            {"Add to the safe list", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", true, "Add Checked to Safe list",
+             "Add Checked to Safe list", none, ok, listed, 0, CLR_NONE, true},
+            {"Remove from the safe list", IDC_CMDPROCESS, IDC_OPTFILTER0, "corvanewalk safe.exe", true,
+             "Remove Checked from Safe list", "Remove checked from Safe list", none, ok, std::not_fn(listed), 1, 0, true},
+            {"Kill a process", IDC_CMDPROCESS, 0, "corvanewalk kill.exe", false, "Kill process", "Kill Process", yes, yes,
+             [&] { return running[0]->Ended(0); }, 0, CLR_NONE, false},
+            {"Delete a process", IDC_CMDPROCESS, 0, "corvanewalk delete.exe", false, "Delete Process", "Delete Process", yes,
+             ok, [&] { return !Exists(running[1]->path()) && InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, true},
+            {"View Information", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", false, "View Information", "View Information", ok,
+             ok, always, 1, CLR_NONE, false},
+            {"Process report", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", false, "Generate Report", "Generate Report", save,
+             save, [&] { return Exists(report); }, 1, CLR_NONE, false},
+            {"Disable a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", true, "Disable Checked Items",
+             "Disabled Checked Items", none, ok, std::not_fn(plain), 1, 0x808080, true},
+            {"Enable a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", true, "Enable Checked Items",
+             "Enable Checked Items", none, ok, plain, 1, 0, true},
+            {"Delete a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", false, "Delete Selected item",
+             "Delete Selected item", yes, ok, std::not_fn(plain), 0, CLR_NONE, true},
+            {"Disable a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", true, "Disable Checked Items",
+             "Disabled Checked Items", none, ok, [&] { return !Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); }, 1,
+             0x808080, true},
+            {"Disable a helper object", IDC_CMDIE, IDC_CMDBHO, "CorvaneTest Helper", true, "Disable Checked BHO",
+             "Disable Checked BHO", none, ok, std::not_fn(helper), 1, 64, true},
+            {"Enable a helper object", IDC_CMDIE, IDC_CMDBHO, "CorvaneTest Helper", true, "Enable Checked BHO",
+             "Enable Checked BHO", none, ok, helper, 1, 255, true},
+            {"Delete a toolbar", IDC_CMDIE, IDC_CMDTOOLBAR, "CorvaneTest Bar", false, "Delete Toolbar", "Delete Toolbar", yes,
+             ok, [] { return !ValueThere(HKEY_LOCAL_MACHINE, kMachineToolbarKey, "{C0A7E5E5-0000-4000-8000-000000000003}"); },
+             -1, CLR_NONE, true},
+            {"Delete a button", IDC_CMDIE, IDC_CMDBUT, "CorvaneTest Caf\xE9", false, "Delete Button", "Delete Button", yes, ok,
+             [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kExtensionsKey) + "\\{C0A7E5E5-0000-4000-8000-000000000010}"); },
+             0, CLR_NONE, true},
+            {"Delete a menu item", IDC_CMDIE, IDC_CMDCONTEXT, "CorvaneTest &Menu", false, "Delete Menu Item",
+             "Delete menu Item", yes, ok,
+             [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kMenuExtKey) + "\\CorvaneTest &Menu"); }, -1, CLR_NONE, true},
+            {"Delete Entry", IDC_CMDADDREMOVE, 0, "CorvaneTest Caf\xE9 Full", false, "Delete Entry", "Delete", yes, ok,
+             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestFull"); }, 0, CLR_NONE, true},
+            {"Uninstall", IDC_CMDADDREMOVE, 0, "CorvaneTest Short", false, "Uninstall", "Uninstall", yes, yes,
+             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort"); }, 0, CLR_NONE, false},
+            {"Restore a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Restore", nullptr, ok, ok,
+             [&] { return Exists(running[1]->path()); }, 1, CLR_NONE, false},
+            {"Delete a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Delete", nullptr, yes, ok,
+             [&] { return !InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, true},
+            {"Pick a colour", IDC_CMDOPTIONS, 0, nullptr, false, colourBox.c_str(), nullptr, {"#720", "OK"}, {"#720", "OK"},
+             [&] { return Holds(app + "\\Settings.ini", "SusColor=8421631"); }, 1, CLR_NONE, true},
+            {"About", IDC_CMDOPTIONS, 0, nullptr, false, "About", nullptr, ok, ok, always, 1, CLR_NONE, false},
+        };
+        Program program(app);
+            for (const Step& step : steps) RunStep(step, way, app);
+    }
+    EXPECT_TRUE(golden::Matches("walk-texts.txt", g_texts));
+    for (const std::string& name : g_skipped) std::printf("Ran without a read-only program folder: %s\n", name.c_str());
+}
+
+void ExpectTwips(const RECT& r, int width, int height, const std::string& what) {
+    EXPECT_NEAR(r.right - r.left, MulDiv(width, ScreenDpi(), 1440), 1) << what;
+    EXPECT_NEAR(r.bottom - r.top, MulDiv(height, ScreenDpi(), 1440), 1) << what;
+}
+
+// tests/wine/layout-fit runs this in a prefix of its own at 96 and 120 dpi
+// and without Wine's dialog fonts, and says which through the environment.
+TEST(LayoutFitUnderWine, EveryPaneAndTheAboutBoxFit) {
+    const char *dpi = std::getenv("CORVANE_FIT_DPI"), *fonts = std::getenv("CORVANE_FIT_FONTS");
+    ASSERT_TRUE(!dpi || ScreenDpi() == std::atoi(dpi)) << "the driver's resolution is not in force";
+    const bool tahoma = Exists("C:\\windows\\Fonts\\tahoma.ttf");  // seen by a process started after the change
+    ASSERT_TRUE(!fonts || tahoma == (std::string(fonts) == "with")) << "nor its fonts";
+    const std::string config = std::to_string(ScreenDpi()) + " dpi, " + (tahoma ? "with" : "without") + " Tahoma";
+    Program program(wine::FreshFolder("fit-app"));
+    RECT client;  // the main window grows with the resolution
+    GetClientRect(g_main, &client);
+    ExpectTwips(client, 10875, 7590, config);
+    for (int button : {IDC_CMDPROCESS, IDC_CMDIE, IDC_CMDSTARTUP, IDC_CMDADDREMOVE, IDC_CMDOPTIONS}) {
+        Navigate(button);
+        ExpectFits(g_main, config + ", pane " + std::to_string(button));
+    }
+    ClickAt(Centre(ByText(g_main, "About")));
+    HWND about = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (about = TopWindow("#32770")) != nullptr; })) << config;
+    RECT box;
+    GetWindowRect(about, &box);
+    ExpectTwips(box, 6915, 4200, config);
+    ExpectFits(about, config + ", about box");
+    ClickAt(Centre(ByText(about, "OK")));
+    EXPECT_TRUE(WaitFor([] { return TopWindow("#32770") == nullptr; })) << config;
+}
+
+// A second start of the program brings the first back and ends.
+TEST(WalkUnderWine, ASecondStartBringsTheFirstForward) {
+    const std::string exe = wine::FreshFolder("walk-single") + "\\Corvane.exe";
+    ASSERT_TRUE(CopyFileA(wine::FromUnixPath(CORVANE_EXE).c_str(), exe.c_str(), FALSE));
+    HANDLE first = Start("\"" + exe + "\"");
+    HWND main = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (main = FindWindowA("CorvaneMain", nullptr)) && IsWindowVisible(main); }, 20000));
+    ShowWindow(main, SW_MINIMIZE);
+    ASSERT_TRUE(WaitFor([&] { return IsIconic(main); }));
+    HANDLE second = Start("\"" + exe + "\"");
+    EXPECT_EQ(WaitForSingleObject(second, 20000), WAIT_OBJECT_0) << "the second start ends";
+    EXPECT_TRUE(WaitFor([&] { return !IsIconic(main) && GetForegroundWindow() == main; })) << "the first is in front";
+    EXPECT_EQ(FindWindowExA(nullptr, main, "CorvaneMain", nullptr), nullptr) << "and alone";
+    PostMessageA(main, WM_CLOSE, 0, 0);
+    EXPECT_EQ(WaitForSingleObject(first, 20000), WAIT_OBJECT_0);
+    CloseHandle(first), CloseHandle(second);
+}
+
+}  // namespace
+}  // namespace corvane
