@@ -7,6 +7,7 @@
 // no temporary file stays and every handle is closed.
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <set>
 #include <sstream>
@@ -95,19 +96,16 @@ struct World {
     std::vector<std::string> kept;  // every kept .reg file's keys, read once per look
 
     World() {
-        const std::string shell = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-        registry.PutString("HKLM" + shell, "Common Startup", kCommonStartup);
-        registry.PutString("HKCU" + shell, "Startup", kUserStartup);
+        // Every key and value the commands meet, as a .reg file reads.
+        static const RegFile machine = [] {
+            std::ifstream in(golden::Path("fault-matrix-machine.reg"), std::ios::binary);
+            return ParseRegFile(std::string(std::istreambuf_iterator<char>(in), {})).value();
+        }();
+        ImportRegKeys(registry, machine.keys);
         files.AddFolder(kCommonStartup);
         files.AddFolder(kUserStartup);
         files.AddFolder(kApp);
         MakeStoreFolders(files, kApp);
-        registry.PutString(RunKeyOf(kLocHKLM), "Alpha", "C:\\Tools\\alpha.exe /min");
-        registry.PutString(RunKeyOf(kLocHKLM), "Beta", "\"C:\\Program Files\\Beta\\beta.exe\" -q");
-        registry.PutString(RunKeyOf(kLocHKCU), "Gamma", "%WINDIR%\\gamma.exe");
-        registry.Put(RunKeyOf(kLocHKCU), "Cut", kRegSz, "C:\\cut.exe");
-        registry.PutString(RunKeyOf(kLocHKLM32), "Beta", "C:\\x86\\beta.exe");
-        registry.Put(RunKeyOf(kLocHKLM32), "Eta", kRegExpandSz, "%ProgramFiles%\\eta.exe\0"s);
         files.AddFile(RunStorePath(kApp, kLocHKLM), FormatStoreLine("Old LM", "C:\\old.exe", kLocHKLM));
         files.AddFile(RunStorePath(kApp, kLocHKCU), FormatStoreLine("Old CU", "C:\\Tools\\alpha.exe -old", kLocHKCU) +
                                                         FormatStoreLine("Old CU 2", "C:\\two.exe", kLocHKCU));
@@ -120,47 +118,9 @@ struct World {
                           fakes::FakeShortcutBytes("C:\\Tools\\alpha.exe", "/"s + name));
         }
 
-        const std::string a = kBHO + "\\" + kAwkward;
-        registry.PutDword(a, "NoExplorer", 1);
-        registry.PutString(a, "", "Awkward helper");
-        registry.Put(a, "Empty", kRegBinary, "");
-        registry.Put(a, "Multi", kRegMultiSz, "one\0two\0\0"s);
-        registry.Put(a, "a=b \"q\" c\\d", kRegSz, "line\r\nnext\x01" "end\0"s);
-        registry.Put(a, "Path", kRegExpandSz, "%SystemRoot%\\a.dll\0"s);
-        registry.Put(a, "NoNul", kRegSz, "abc");
-        registry.PutDword(a + "\\Settings", "Level", 7);
-        registry.PutString(a + "\\Settings\\Deep", "", "deep");
-        registry.AddKey(kBHO + "\\" + kPlain);
-        for (const char* root : {"HKLM\\Software\\", "HKLM\\Software\\Wow6432Node\\"}) {
-            const std::string key = root + std::string(kHelperObjectsKey).substr(9) + "\\" + kTwin;
-            registry.Put(key, "Bytes", kRegBinary, root + "\x00\xff"s);
-            registry.PutDword(key + "\\Deep", "Level", static_cast<uint32_t>(key.size()));
-        }
         registry.PutString(kBHO + "\\" + kKept, "Kept", "yes");
         registry.AddKey(kBHO + "\\" + kKept + "\\Sub");
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
-        registry.PutString("HKLM\\"s + kMachineToolbarKey, kToolbar, "");
-        registry.Put("HKCU\\"s + kUserToolbarKey, kUserToolbar, kRegBinary, "\x01\x02"s);
-        registry.PutString("HKLM\\"s + kExtensionsKey + "\\" + kButton, "Exec", "C:\\e.exe");
-        registry.Put("HKCU\\"s + kExtensionsKey + "\\" + kUserButton + "\\Sub", "Bin", kRegBinary, "");
-        registry.PutString("HKCU\\"s + kExtensionsKey + "\\" + kUserButton, "ButtonText", "F");
-        registry.PutString("HKLM\\"s + kMenuExtKey + "\\" + kMenu, "", "res://x.dll/menu.htm");
-        registry.PutDword("HKLM\\"s + kMenuExtKey + "\\" + kMenu, "Contexts", 0x11);
-        registry.PutString("HKCU\\"s + kMenuExtKey + "\\" + kUserMenu, "", "C:\\export.htm");
-
-        const std::string uninstall = "HKLM\\"s + kUninstallKey + "\\", cache = "HKLM\\"s + kArpCacheKey + "\\";
-        registry.PutString(uninstall + kFull, "DisplayName", "Full Application");
-        registry.PutString(uninstall + kFull, "UninstallString", "MsiExec.exe /X" + kFull);
-        registry.Put(uninstall + kFull, "InstallLocation", kRegExpandSz, "%ProgramFiles%\\Full\0"s);
-        registry.Put(uninstall + kFull, "a=b \"q\" c\\d", kRegSz, "line\r\nnext\x01" "end\0"s);
-        registry.PutString(uninstall + kFull + "\\Patches\\One", "", "patch");
-        registry.Put(cache + kFull, "SlowInfoCache", kRegBinary, std::string(552, '\xff'));
-        registry.PutString(uninstall + "Plain", "DisplayName", "Plain Tool");
-        registry.PutString(uninstall + "Odd: name?", "DisplayName", "Odd");
-        registry.Put(cache + "Odd: name?", "SlowInfoCache", kRegBinary, "short");
-        registry.PutString(uninstall + "Locked", "DisplayName", "Locked");
-        registry.Put(cache + "Locked", "SlowInfoCache", kRegBinary, "locked");
-
         facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
         table.Add(1234, kProgram);
         files.AddFile(kProgram, kProgramBytes);
