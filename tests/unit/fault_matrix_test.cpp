@@ -346,10 +346,11 @@ std::vector<Command> Commands() {
         rows.push_back({"enable " + location, check("False"),
                         [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
                         false, behind});
-        rows.push_back({"delete " + p.live + "|" + location, select(p.live), del, p.live + "|" + location, kApp,
+        // A live item's delete keeps nothing, so only a stored item's delete needs its store folder.
+        rows.push_back({"delete " + p.live + "|" + location, select(p.live), del, p.live + "|" + location, "",
                         machine, false, behind});
-        rows.push_back({"delete " + p.stored + "|" + location, select(p.stored), del, p.stored + "|" + location, kApp,
-                        false, false, behind});
+        rows.push_back({"delete " + p.stored + "|" + location, select(p.stored), del, p.stored + "|" + location,
+                        store, false, false, behind});
     }
     const std::string dbho = kApp + "\\" + kHelperObjectStore, backup = kApp + "\\backup";
     const std::string foreign = "[HKEY_LOCAL_MACHINE\\Software\\Foreign]\r\n\"Foreign\"=\"x\"\r\n\r\n";
@@ -607,6 +608,9 @@ TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
                 EXPECT_EQ(machine, before.machine) << context;
                 ASSERT_EQ(w.prompts.shown.size(), 1u) << context;
                 EXPECT_NE(w.prompts.shown[0].text.find("\r\n" + c.folder + "\r\n"), std::string::npos) << context;
+            } else if (readOnly && c.name.rfind("delete ", 0) == 0) {
+                // A delete that keeps nothing beside the program is not stopped by its folder.
+                EXPECT_EQ(machine, doneMachine) << context;
             }
             if (column == "HKLM refused" && c.hklm) {
                 EXPECT_EQ(machine, before.machine) << context;
