@@ -499,7 +499,7 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
             {"Enable a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", true, "Enable Checked Items",
              "Enable Checked Items", none, ok, plain, 1, 0, true},
             {"Delete a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", false, "Delete Selected item",
-             "Delete Selected item", yes, ok, std::not_fn(plain), 0, CLR_NONE, true},
+             "Delete Selected item", yes, yes, std::not_fn(plain), 0, CLR_NONE, false},  // a live item's delete keeps nothing
             {"Disable a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", true, "Disable Checked Items",
              "Disabled Checked Items", none, ok, [&] { return !Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); }, 1,
              0x808080, true},
