@@ -580,9 +580,11 @@ TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
         done.registry.failIf = nullptr;
         const std::string doneMachine = fakes::MachineSnapshot(done.registry, done.files);
         for (const std::string column : {"program folder read-only", "store folder is a file", "HKLM refused",
-                                         "store changed behind the list"}) {
+                                         "store changed behind the list", "store gone behind the list"}) {
             const bool readOnly = column == "program folder read-only", asFile = column == "store folder is a file";
-            if ((asFile && !c.folderAsFile) || (column == "store changed behind the list" && c.behind.first.empty())) {
+            const bool gone = column == "store gone behind the list";
+            if ((asFile && !c.folderAsFile) || (column == "store changed behind the list" && c.behind.first.empty()) ||
+                (gone && !c.behind.first.ends_with(".run"))) {
                 continue;
             }
             World w;
@@ -597,6 +599,8 @@ TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
             if (!c.behind.first.empty() && column == "store changed behind the list") {
                 w.files.AddFile(c.behind.first, w.files.Content(c.behind.first).value_or("") + c.behind.second);
             }
+            const auto original = w.files.Content(c.behind.first);
+            if (gone) w.files.Delete(c.behind.first);
             const Before before = Take(w, items, c, true);
             Refuse(w, column == "HKLM refused");
             if (readOnly) fakes::MakeReadOnly(w.files, kApp);
@@ -621,6 +625,10 @@ TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
             if (column == "store changed behind the list") {
                 EXPECT_NE(machine.find(c.behind.second), std::string::npos) << "what was added went: " << context;
                 EXPECT_EQ(w.Registry().find("Foreign"), std::string::npos) << context;
+            }
+            // A run-key store that went after the list was read is written anew from the list's rows.
+            if (gone && done.files.Content(c.behind.first) != original) {
+                EXPECT_EQ(machine, doneMachine) << context;
             }
         }
     }
