@@ -38,7 +38,9 @@
 #include "foundations/registry.h"
 #include "foundations/sys_info.h"
 #include "foundations/text.h"
+#include "options/backup_commands.h"
 #include "platform/text_encoding.h"
+#include "processes/backup_store.h"
 #include "processes/process_report.h"
 #include "processes/reference_lists.h"
 #include "shell/report_cli.h"
@@ -317,6 +319,25 @@ const std::pair<const char*, Make> kGoldens[] = {
          for (const auto& rows : Browser(m)) text += Lines(rows) + "--\n";
          for (const std::string& url : LoadBrowserURLs(m.registry)) text += Escaped(url) + "\n";
          return text;
+     }},
+    {"rows-backups.txt",
+     [](Machine& m) {
+         // Plain records only, not a folder, a hidden or a system file; one that cannot be read ends the list.
+         for (const char* stamp : {"1_1_2003_1_1_1", "2_1_2003_1_1_1", "3_1_2003_1_1_1", "4_1_2003_1_1_1"}) {
+             m.files.AddFile(BackupRecordPath(kApp, stamp), BackupRecord(std::string("C:\\Apps\\") + stamp, "1/2/2003"));
+         }
+         m.files.SetHiddenOrSystem(BackupRecordPath(kApp, "2_1_2003_1_1_1"));
+         m.files.CreateFolder(BackupRecordPath(kApp, "0_1_2003_1_1_1"));
+         const auto list = [&m] {
+             bool cut = false;
+             const std::string rows = Lines(BackupRows(m.files, kApp, &cut));
+             return rows + (cut ? "cut short\n" : "whole\n");
+         };
+         const std::string text = list(), unreadable = BackupRecordPath(kApp, "3_1_2003_1_1_1");
+         m.files.failIf = [unreadable](const std::string& op, const std::string& path) {
+             return op == "Read" && path == unreadable;
+         };
+         return text + list();
      }},
     {"rows-applications.txt", ApplicationRows({5, 1, 2600, 2, "Service Pack 3"}, ".")},
     {"rows-applications-2000.txt", ApplicationRows({5, 0, 2195, 2, "SP4"}, ",")},
