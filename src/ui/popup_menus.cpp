@@ -17,7 +17,6 @@ void TrackAtMouse(HMENU menu, HWND owner) {
 }
 
 HMENU g_bar = nullptr;
-Tracker g_tracker = TrackAtMouse;
 
 }  // namespace
 
@@ -39,18 +38,12 @@ void Enable(HMENU menu, int id, bool enabled) {
 }
 
 void PopupMenu(HMENU menu, HWND owner) {
-    if (menu) g_tracker(menu, owner);
+    if (menu) TrackAtMouse(menu, owner);
 }
 
 void Unload() {
     if (g_bar) DestroyMenu(g_bar);
     g_bar = nullptr;
-}
-
-Tracker SetTracker(Tracker tracker) {
-    const Tracker previous = g_tracker;
-    g_tracker = tracker ? tracker : TrackAtMouse;
-    return previous;
 }
 
 }  // namespace corvane::frmMenu

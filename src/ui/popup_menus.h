@@ -20,10 +20,5 @@ void PopupMenu(HMENU menu, HWND owner);
 // Frees the menus (the main window, when it goes).
 void Unload();
 
-// How PopupMenu shows a menu. A real menu waits for the user, so a test
-// puts its own here; returns the one it replaced.
-using Tracker = void (*)(HMENU menu, HWND owner);
-Tracker SetTracker(Tracker tracker);
-
 }  // namespace frmMenu
 }  // namespace corvane
