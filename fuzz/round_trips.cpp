@@ -44,8 +44,7 @@ using namespace corvane;
 
 namespace {
 
-// An input read as records: bytes, runs of bytes and 16-bit little-endian
-// lengths, giving zeros and short runs once it is used up.
+// An input read as records, giving zeros and short runs once used up.
 struct Input {
     const uint8_t* data;
     size_t size, pos = 0;
@@ -74,12 +73,16 @@ std::map<std::string, Property>& Properties() {
     [[maybe_unused]] const bool name##Listed = (Properties()[#name] = name##Holds, true); \
     void name##Holds(Input& in)
 
-// While a seed is replayed: its name, and whether its output `bytes` is
-// what tests/golden/<prefix><seed><suffix> holds. Under libFuzzer anything is.
+// The seed being replayed, and whether its output is tests/golden/<prefix><seed><suffix>.
 std::string seed;
-bool (*matchesGolden)(const std::string& name, const std::string& bytes) = nullptr;
-bool SeedsGolden(const std::string& prefix, const std::string& suffix, const std::string& bytes) {
-    return !matchesGolden || matchesGolden(prefix + seed + suffix, bytes);
+bool SeedsGolden([[maybe_unused]] const std::string& prefix, [[maybe_unused]] const std::string& suffix,
+                 [[maybe_unused]] const std::string& bytes) {
+#ifndef CORVANE_FUZZ
+    const auto result = seed.empty() ? testing::AssertionSuccess() : golden::Matches(prefix + seed + suffix, bytes);
+    if (!result) std::fprintf(stderr, "%s\n", result.message());
+    return static_cast<bool>(result);
+#endif
+    return true;
 }
 
 int32_t Int32(std::string bytes) {
@@ -89,9 +92,8 @@ int32_t Int32(std::string bytes) {
     return number;
 }
 
-// Records until the input ends, under `path`: a tag (bit 7: a subkey, else a
-// value of type tag & 0x0F), the name and a value's data, each after a
-// length of 16 bits (`wide`) or 8.
+// Records under `path` until the input ends: a tag (bit 7: a subkey, else a value of
+// type tag & 0x0F), the name and a value's data, each after a 16-bit (`wide`) or 8-bit length.
 void Fill(fakes::FakeRegistry& reg, const std::string& path, Input& in, bool wide) {
     const auto length = [&] { return wide ? in.Length() : in.Byte(); };
     reg.AddKey(path);
@@ -106,8 +108,8 @@ void Fill(fakes::FakeRegistry& reg, const std::string& path, Input& in, bool wid
     }
 }
 
-// The value list's text and type code of a value: text less its last byte
-// (two for a list of texts), bytes as they are, a number of the first four.
+// A value as the value list shows it: text less its last byte (two for a
+// list of texts), bytes as they are, a number of the first four.
 RegValueEntry Listed(const std::string& name, uint32_t type, const std::string& bytes) {
     if (type == kRegSz || type == kRegExpandSz || type == kRegMultiSz) {
         return {name, bytes.substr(0, bytes.size() - std::min<size_t>(bytes.size(), type == kRegMultiSz ? 2 : 1)), kTypeCodeText};
@@ -166,11 +168,9 @@ long Position(const std::string& text, const std::string& needle) {
     return it == text.end() ? 0 : static_cast<long>(it - text.begin()) + 1;
 }
 
-// CommandToPath on any command line, also where a position passes the 16-bit
-// limit of 32,767, against its rule written out once more with plain long
-// arithmetic: from the character before the first colon to the end of the
-// first ".exe" (or ".dll"), else the whole command. Input: a 16-bit filler
-// length, a byte placing the filler, its byte, then the command.
+// CommandToPath on any command line, also past the 16-bit limit of 32,767, against
+// its rule in plain long arithmetic (input: a 16-bit filler length, a byte placing
+// the filler, its byte, the command).
 PROPERTY(command_to_path) {
     const size_t filler = in.Length(), place = in.Byte(), fill = in.Byte();
     std::string command = in.Rest();
@@ -190,10 +190,9 @@ std::vector<std::string> Others(std::vector<std::string> lines, const std::strin
     return lines;
 }
 
-// The safe list on a file of any content (line ends, blank lines, NULs): a
-// name added is listed once, a name removed is gone, and every other line
-// keeps its place and bytes, no lone CR or LF beside a removed line joining or
-// splitting its neighbours. Input: the name's length, the file, the name.
+// The safe list on a file of any content (input: the name's length, the file,
+// the name): a name added is listed once, a name removed is gone, and every
+// other line keeps its place and bytes, whatever line ends stood beside it.
 PROPERTY(reference_lists) {
     const size_t nameLength = in.Byte();
     const std::string all = in.Rest(), content = all.substr(0, all.size() - std::min(nameLength, all.size()));
@@ -214,9 +213,8 @@ PROPERTY(reference_lists) {
     CHECK((entry.empty() || count(removed) == 0) && Others(removed, entry) == Others(before, entry));
 }
 
-// A .reg file of any bytes: what the reader takes, written out, reads back the
-// same. A seed's text (or refusal) is its golden file's, which pins what a
-// round trip cannot: the editor's wrapping and escapes, loose text read.
+// A .reg file of any bytes: what is read, written out, reads back the same; a
+// seed's text pins what a round trip cannot (wrapping, escapes, loose text).
 PROPERTY(reg_file) {
     const auto file = ParseRegFile(in.Rest());
     const std::string text = file ? FormatRegFile(*file) : "not a .reg file\n";
@@ -230,11 +228,9 @@ bool ValidDate(const std::string& text) {
            year >= 1601 && std::chrono::year_month_day(std::chrono::year(static_cast<int>(year)), std::chrono::month(month), std::chrono::day(day)).ok();
 }
 
-// An installed application's cache record, any 552 bytes of it (input: a byte,
-// bit 0 Windows 2000, bit 1 a decimal comma, then the record, zero-filled):
-// each text keeps its form whatever the bytes say, is empty exactly where its
-// field says "unknown" or overflows, and a walk over a registry holding the
-// record shows the same texts, with the image path as its icon.
+// An application's cache record of any bytes (input: a byte, bit 0 Windows 2000,
+// bit 1 a decimal comma; the record): each text keeps its form, is empty exactly
+// where its field says "unknown" or overflows, and the walk shows it.
 PROPERTY(slow_info_cache) {
     const uint8_t switches = in.Byte();
     const bool windows2000 = switches & 1;
@@ -267,10 +263,9 @@ PROPERTY(slow_info_cache) {
 
 bool Clean(const std::string& field) { return field.find_first_of("\x01\r\n") == std::string::npos; }
 
-// A process backup's .prc record of any content: the reader gives a row
-// exactly when the first line holds a separator, its fields hold no separator
-// or line break, folder and file name make up the path, and a record written
-// from those fields reads back to the same row.
+// A process backup's record of any content: a row exactly when the first line
+// holds a separator, with clean fields, the path split whole, and written anew
+// from its fields, the same row.
 PROPERTY(backup_store) {
     const std::string content = in.Rest();
     const auto fields = ReadBackupRecord(content);
@@ -290,11 +285,9 @@ PROPERTY(backup_store) {
     CHECK(again && again->path == fields->path && again->date == fields->date);
 }
 
-// What Windows disabled, from StartupApproved values of any kind, size and
-// name (input: a clock offset in signed quarter hours, then Fill's narrow
-// records): "Disabled by Windows" exactly when a REG_BINARY value of the
-// item's name holds 12 bytes, the first with bit 0 set; the text never
-// depends on bytes past the twelfth; every key opened is closed.
+// StartupApproved values of any kind, size and name (input: a clock offset in
+// quarter hours; Fill's narrow records): "Disabled by Windows" exactly for 12
+// binary bytes, the first with bit 0 set, and every key opened is closed.
 PROPERTY(startup_approved) {
     const std::string path = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved\\Run";
     fakes::FakeClock clock;
@@ -319,10 +312,8 @@ std::string Found(const TaskFile& file) {
     return found;
 }
 
-// Task files of any bytes: no actions from a file that is not well-formed,
-// the same reading whatever form of UTF-16 carries the text, and a seed's
-// reading its golden file's (encodings with and without marks, entities,
-// CDATA, prefixes, actions out of place, what is not well-formed).
+// Task files of any bytes: no actions unless well-formed, the same reading in
+// either UTF-16, and a seed's reading its golden file's.
 PROPERTY(task_file) {
     const std::string bytes = in.Rest();
     const TaskFile file = ReadTaskFile(bytes);
@@ -335,12 +326,10 @@ PROPERTY(task_file) {
     CHECK(Found(ReadTaskFile(little)) == Found(file) && Found(ReadTaskFile(big)) == Found(file));
 }
 
-// The console report's CSV. Input: a byte; bit 0 clear, the rest is a CSV of
-// any bytes: a refusal names its line and keeps no records, what is taken
-// reads back the same written out again, and the report's reader gives rows
-// of the header's width or a one-line reason. Bit 0 set, the rest is fields,
-// NUL ending each, as rows of the report's width (bit 1: with the hash
-// column), which read back field for field.
+// The report's CSV. Input: a byte; bit 0 clear, a CSV of any bytes, whose refusal
+// names its line, whose records read back the same written out, and whose rows
+// have the header's width. Bit 0 set, NUL-ended fields as rows of the report
+// (bit 1: with hashes), which read back field for field.
 PROPERTY(csv) {
     const uint8_t mode = in.Byte();
     const std::string rest = in.Rest();
@@ -373,12 +362,10 @@ std::string StoreFields(const std::vector<StoreLine>& lines) {
     return fields;
 }
 
-// The stores of disabled run-key items. Input: a byte; bit 0 clear, the rest
-// is a store file, whose reading per hive gives lines of that hive with
-// fields free of separators and line breaks, reading back the same written
-// out. Bit 0 set, rows until the end (a byte: modulo 3 the hive, bit 7
-// enabled; then name and command after 8-bit lengths), whose disabled rows,
-// written as a hive's store, read back as exactly that hive's, in order.
+// The disabled run-key items' stores. Input: a byte; bit 0 clear, a store file of
+// any bytes, whose clean lines per hive read back the same written out. Bit 0
+// set, rows (a byte: modulo 3 the hive, bit 7 enabled; name; command), whose
+// disabled rows, as a hive's store, read back as exactly that hive's.
 PROPERTY(run_key_store) {
     constexpr const char* kScopes[] = {kLocHKLM, kLocHKLM32, kLocHKCU};
     const bool rowsMode = in.Byte() & 1;
@@ -406,11 +393,9 @@ PROPERTY(run_key_store) {
     }
 }
 
-// Settings.ini of any content (input: a byte, bit 0 bold, bit 1 delete; 12
-// bytes of colours; a length and a text; the file as it was): what it holds
-// reads within range (a seed's as its golden file says: blanks, "&H",
-// fractions, numbers past 32 bits), and what the options pane writes reads
-// back the same after a restart.
+// Settings.ini of any content (input: a byte, bit 0 bold, bit 1 delete; three
+// colours; a text; the file): it reads within range, a seed's as its golden file
+// says, and what the options pane writes reads back the same after a restart.
 PROPERTY(settings) {
     const uint8_t flags = in.Byte();
     const int32_t colours[] = {Int32(in.Bytes(4)), Int32(in.Bytes(4)), Int32(in.Bytes(4))};
@@ -442,11 +427,9 @@ PROPERTY(settings) {
     CHECK(!plain || after.ReadSetting("Main", "Note", "") == note.substr(0, 254));
 }
 
-// A file queued for deletion at the next start (input: a byte, bit 0 the NT
-// family, bit 1 no WinInit.ini; an 8-bit length and the short path;
-// WinInit.ini as it was). The NT family hands the whole short path to the
-// system and leaves WinInit.ini alone; the 95 family adds a line naming it at
-// the end of WinInit.ini, every earlier byte kept however long the file.
+// Deleting at the next start (input: a byte, bit 0 the NT family, bit 1 no
+// WinInit.ini; the short path; WinInit.ini): NT takes the whole short path;
+// the 95 family adds its line after every earlier byte of WinInit.ini.
 PROPERTY(delete_on_reboot) {
     const uint8_t flags = in.Byte();
     const std::string path = "C:\\Program Files\\Long Folder\\Running Program.exe", winInit = "C:\\WINDOWS\\WinInit.ini";
@@ -474,11 +457,11 @@ PROPERTY(delete_on_reboot) {
     CHECK(after.compare(after.size() - entry.size(), entry.size(), entry) == 0 && prompts.shown.empty());
 }
 
-Property chosen = nullptr;
-
 }  // namespace
 
 #ifdef CORVANE_FUZZ
+static Property chosen = nullptr;
+
 extern "C" int LLVMFuzzerInitialize(int*, char*** argv) {
     const std::string name = std::filesystem::path((*argv)[0]).filename().string();
     chosen = Properties().at(name.substr(name.find('_') + 1));
@@ -490,29 +473,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     return chosen(in), 0;
 }
 #else
-static void Run(const std::string& bytes) {
-    Input in{reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()};
-    chosen(in);
-}
-
 int main(int argc, char** argv) {
     const auto property = argc == 3 ? Properties().find(argv[1]) : Properties().end();
     if (property == Properties().end()) return std::fprintf(stderr, "usage: %s PROPERTY CORPUS_FOLDER\n", argv[0]), 2;
-    chosen = property->second;
-    // Nothing, every single byte, and long runs of the bytes the readers treat apart.
-    Run("");
-    for (int byte = 0; byte < 256; ++byte) Run(std::string(1, static_cast<char>(byte)));
-    for (const char byte : {'\0', '\x01', '\r', '\n', '"', '\xFF'}) Run(std::string(5000, byte));
-    matchesGolden = [](const std::string& name, const std::string& bytes) {
-        const auto result = golden::Matches(name, bytes);
-        if (!result) std::fprintf(stderr, "%s\n", result.message());
-        return static_cast<bool>(result);
+    const auto run = [&](const std::string& bytes) {
+        Input in{reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()};
+        property->second(in);
     };
+    // Nothing, every single byte, and long runs of the bytes the readers treat apart.
+    run("");
+    for (int byte = 0; byte < 256; ++byte) run(std::string(1, static_cast<char>(byte)));
+    for (const char byte : {'\0', '\x01', '\r', '\n', '"', '\xFF'}) run(std::string(5000, byte));
     size_t seeds = 0;
     for (const auto& entry : std::filesystem::directory_iterator(argv[2])) {
         std::ifstream file(entry.path(), std::ios::binary);
         seed = entry.path().filename().string();
-        Run(std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()));
+        run(std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()));
         ++seeds;
     }
     std::printf("%zu seeds of %s held\n", seeds, argv[2]);
