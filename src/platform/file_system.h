@@ -9,6 +9,7 @@ namespace corvane {
 // A system error code as GetLastError gives it; 0 is success.
 using SysError = uint32_t;
 inline constexpr SysError kNoError = 0;
+inline constexpr SysError kErrorFileTooLarge = 223;
 
 struct FolderEntry {
     std::string name;  // no path
@@ -22,8 +23,11 @@ public:
     virtual ~FileSystem() = default;
     virtual bool Exists(const std::string& path) = 0;  // a file or a folder
     virtual bool IsFolder(const std::string& path) = 0;
-    // The whole file, or nothing when it cannot be read.
-    virtual std::optional<std::string> Read(const std::string& path, SysError* error = nullptr) = 0;
+    // The whole file, or nothing when it cannot be read or holds more than
+    // `maxBytes` (ERROR_FILE_TOO_LARGE). Other programs may keep writing,
+    // renaming or deleting the file meanwhile: a running browser does.
+    virtual std::optional<std::string> Read(const std::string& path, SysError* error = nullptr,
+                                            uint64_t maxBytes = UINT64_MAX) = 0;
     // Creates or overwrites the file with `content`.
     virtual SysError Write(const std::string& path, const std::string& content) = 0;
     virtual SysError Append(const std::string& path, const std::string& content) = 0;

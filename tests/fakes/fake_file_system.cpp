@@ -113,12 +113,13 @@ bool FakeFileSystem::IsFolder(const std::string& path) {
     return it != nodes_.end() && it->second.isFolder;
 }
 
-std::optional<std::string> FakeFileSystem::Read(const std::string& path, SysError* error) {
+std::optional<std::string> FakeFileSystem::Read(const std::string& path, SysError* error, uint64_t maxBytes) {
     SysError result = kNoError;
     auto it = nodes_.find(Key(path));
     if (Faulty("Read", path)) result = failError;
     else if (it == nodes_.end()) result = ParentExists(path) ? kFileNotFound : kPathNotFound;
     else if (it->second.isFolder) result = failError;
+    else if (it->second.content.size() > maxBytes) result = kErrorFileTooLarge;
     if (error) *error = result;
     if (result) return std::nullopt;
     return it->second.content;

@@ -50,9 +50,16 @@ bool Win32FileSystem::IsFolder(const std::string& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-std::optional<std::string> Win32FileSystem::Read(const std::string& path, SysError* error) {
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+std::optional<std::string> Win32FileSystem::Read(const std::string& path, SysError* error, uint64_t maxBytes) {
+    // Share everything, so a browser that renames its settings over this
+    // file while we read still can; the Windows 9x family knows no delete
+    // sharing and refuses the flag as a bad parameter.
+    DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE && GetLastError() == ERROR_INVALID_PARAMETER) {
+        sharing &= ~FILE_SHARE_DELETE;
+        file = CreateFileA(path.c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    }
     if (file == INVALID_HANDLE_VALUE) {
         if (error) *error = LastError();
         return std::nullopt;
@@ -61,8 +68,10 @@ std::optional<std::string> Win32FileSystem::Read(const std::string& path, SysErr
     char buffer[65536];
     DWORD got = 0;
     BOOL ok;
-    while ((ok = ReadFile(file, buffer, sizeof buffer, &got, nullptr)) && got > 0) content.append(buffer, got);
-    const SysError readError = ok ? kNoError : LastError();
+    while ((ok = ReadFile(file, buffer, sizeof buffer, &got, nullptr)) && got > 0 && content.size() <= maxBytes) {
+        content.append(buffer, got);
+    }
+    const SysError readError = !ok ? LastError() : content.size() > maxBytes ? kErrorFileTooLarge : kNoError;
     CloseHandle(file);
     if (readError) {
         if (error) *error = readError;
