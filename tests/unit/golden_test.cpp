@@ -20,6 +20,7 @@
 
 #include "applications/applications_report.h"
 #include "browser/browser_commands.h"
+#include "browser/browser_extensions.h"
 #include "browser/browser_report.h"
 #include "contract/file_facts_contract.h"
 #include "contract/process_table_contract.h"
@@ -318,6 +319,19 @@ const std::pair<const char*, Make> kGoldens[] = {
          std::string text;
          for (const auto& rows : Browser(m)) text += Lines(rows) + "--\n";
          for (const std::string& url : LoadBrowserURLs(m.registry)) text += Escaped(url) + "\n";
+         return text;
+     }},
+    {"rows-extensions.txt",
+     [](Machine& m) {
+         std::string text;
+         for (const ExtensionRecord& r : CollectExtensionRecords(m.files, m.clock, {"C:\\Me\\Local", "C:\\Me\\Roaming", {"de_AT", "de"}})) {
+             text += std::string(r.suspicious ? "S" : "-") + (r.disabled ? "D" : "-");
+             for (const std::string* cell : {&r.name, &r.browser, &r.profile, &r.version, &r.state, &r.installedBy,
+                                             &r.installedOn, &r.id, &r.path}) {
+                 text += "\t" + Escaped(*cell);
+             }
+             text += "\n";
+         }
          return text;
      }},
     {"rows-backups.txt",
