@@ -132,6 +132,8 @@ std::optional<ExtensionRecord> ChromiumRecord(FileSystem& files, Clock& clock, c
     return record;
 }
 
+// An ini file's sections and keys by lower-case name, as Windows finds them
+// without regard to case; the first of a key given twice.
 std::map<std::string, std::map<std::string, std::string>> IniSections(const std::string& text) {
     std::map<std::string, std::map<std::string, std::string>> sections;
     std::map<std::string, std::string>* section = nullptr;
