@@ -4,6 +4,8 @@
 // file removed when the object goes, whatever the test did to it.
 #include <psapi.h>
 
+#include <tuple>
+
 #include "wine/wine_support.h"
 
 namespace corvane::wine {
@@ -14,17 +16,8 @@ public:
     // system can tell its first module, as a walk of the processes needs.
     explicit FixtureProcess(const std::string& path) : path_(path) {
         CopyFileA((TestFolder() + "\\fixture_full.exe").c_str(), path.c_str(), FALSE);
-        STARTUPINFOA startup{};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION info{};
-        std::string line = "\"" + path + "\"";
-        if (!CreateProcessA(path.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
-            return;
-        }
-        CloseHandle(info.hThread);
-        process_ = info.hProcess;
-        id_ = info.dwProcessId;
-        for (int tries = 0; tries < 200; ++tries, Sleep(25)) {
+        std::tie(process_, id_) = Start("\"" + path + "\"");
+        for (int tries = 0; process_ && tries < 200; ++tries, Sleep(25)) {
             HANDLE probe = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, id_);
             HMODULE module = nullptr;
             DWORD needed = 0;

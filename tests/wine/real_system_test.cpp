@@ -1,10 +1,8 @@
-// What only the real system shows, under Wine: the registry's two views as
-// the collectors meet them, the system's registry editor taking our .reg
-// backups back, an uninstaller's child waited for, the console report's
-// hashes and UTF-8 against the host's own tools, older Windows as they report
-// themselves, and the contract suites against the adapters. Each suite takes
-// the locks its sources need (tests/CMakeLists.txt): RealContract none, the
-// others theirs.
+// What only the real system shows, under Wine: the registry's two views, the
+// system's registry editor taking our .reg backups back, an uninstaller's
+// child waited for, the report's hashes and UTF-8 against the host's tools,
+// older Windows as they report themselves, and the contract suites against
+// the adapters. Each suite takes the locks its sources need (tests/CMakeLists.txt).
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -66,9 +64,7 @@ struct Live {
 
 Row TwoCells(size_t columns, const std::string& first, const std::string& second) {
     Row row(columns);
-    row.cells[0] = first;
-    row.cells[1] = second;
-    row.checked = true;
+    row.cells[0] = first, row.cells[1] = second, row.checked = true;
     return row;
 }
 
@@ -111,17 +107,15 @@ TEST(RealContract, EachAdapterKeepsItsFakesContract) {
 
 // ---- RealViews: both registry views, and the console report's texts ----
 
-// Keys of the run's fresh prefix that no other test makes.
-TEST(RealViews, RegistryAndClassesViewContracts) {
+// The view contracts, over keys of the run's fresh prefix that no other test
+// makes; then CorvaneReport.exe's CSV over the startup, browser and
+// applications sources with an entry of the 32-bit view each: listed with
+// their view, and only there; a name of code page 1252 in UTF-8; a file's
+// hash as the host has it.
+TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
     Win32Registry registry;
     contract::CheckRegistryViewContract(registry, "CorvaneTestsViews");
     contract::CheckClassesViewContract(registry, "{C1A55E50-0000-4000-8000-00000000C1A5}");
-}
-
-// CorvaneReport.exe's CSV over the startup, browser and applications sources
-// with an entry of the 32-bit view each: listed with their view, and only
-// there; a name of code page 1252 in UTF-8; a file's hash as the host has it.
-TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
     wine::StartupMachine startup;
     startup.Setup();
     wine::BrowserMachine browser;
@@ -238,28 +232,24 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
 TEST(RealSystem, UninstallWaitsForTheChildItsUninstallerStarts) {
     const std::string program =
         wine::PlaceFixture("fixture_uninstaller.exe", wine::FreshFolder("uninstall dir"), "CorvaneTest Uninstall.exe");
-    const struct {
-        const char *what, *key;
-        std::string command;
-    } cases[] = {
-        {"a quoted path with a blank", "CorvaneTestQuoted", "\"" + program + "\" /remove CorvaneTestQuoted"},
+    const std::pair<const char*, std::string> cases[] = {  // the entry, and the command that deletes it
+        {"CorvaneTestQuoted", "\"" + program + "\" /remove CorvaneTestQuoted"},
         // CreateProcess tries "C:\corvane-tests\uninstall" first.
-        {"an unquoted path with a blank", "CorvaneTestUnquoted", program + " /remove CorvaneTestUnquoted"},
-        {"a program along the search path", "CorvaneTestSearchPath",
-         "reg.exe delete \"HKLM\\"s + kUninstallKey + "\\CorvaneTestSearchPath\" /f"},
+        {"CorvaneTestUnquoted", program + " /remove CorvaneTestUnquoted"},
+        {"CorvaneTestSearchPath", "reg.exe delete \"HKLM\\"s + kUninstallKey + "\\CorvaneTestSearchPath\" /f"},
     };
     wine::FixtureMachine ours({"applications_sources.reg"});  // takes the entries out, whatever happened
-    for (const auto& c : cases) {
-        const std::string key = kUninstallKey + "\\"s + c.key;
+    for (const auto& [entry, command] : cases) {
+        const std::string key = kUninstallKey + "\\"s + entry;
         ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, key, 0, "DisplayName", REG_SZ, "Test\0"s));
         Live live;
         Win32ProgramRunner runner;
         Row row(kAddRemoveColumns.size());
-        row.key = c.key;
-        row.cells[kAppColCommand] = c.command;
-        EXPECT_TRUE(UninstallApplication(live.applications, runner, &row, [] {})) << c.what;
-        EXPECT_EQ(live.prompts.shown.size(), 1u) << c.what << ": the question only";
-        EXPECT_FALSE(RegKeyExists(live.registry, kHKeyLocalMachine, key)) << c.what << ": it did not wait";
+        row.key = entry;
+        row.cells[kAppColCommand] = command;
+        EXPECT_TRUE(UninstallApplication(live.applications, runner, &row, [] {})) << command;
+        EXPECT_EQ(live.prompts.shown.size(), 1u) << command << ": the question only";
+        EXPECT_FALSE(RegKeyExists(live.registry, kHKeyLocalMachine, key)) << command << ": it did not wait";
     }
 }
 

@@ -7,6 +7,7 @@
 #include <shobjidl.h>
 
 #include <algorithm>
+#include <regex>
 #include <set>
 
 #include "foundations/app_identity.h"
@@ -23,18 +24,6 @@ std::string TestFolder() {
 }
 
 namespace {
-
-// The process's handle, or null when it cannot start.
-HANDLE Start(std::string commandLine) {
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
-        return nullptr;
-    }
-    CloseHandle(process.hThread);
-    return process.hProcess;
-}
 
 // Whether a new file can be made in `folder` now (it is taken away again).
 bool TakesNewFile(const std::string& folder) {
@@ -56,7 +45,7 @@ bool Chattr(const std::string& folder, bool immutable) {
 }
 
 bool Ours(const std::string& name) {
-    return name.rfind("CorvaneTest", 0) == 0 || _strnicmp(name.c_str(), "{C0A7E5E5", 9) == 0;
+    return _strnicmp(name.c_str(), "CorvaneTest", 11) == 0 || _strnicmp(name.c_str(), "{C0A7E5E5", 9) == 0;
 }
 
 }  // namespace
@@ -71,8 +60,19 @@ std::string FreshFolder(const std::string& name) {
     return folder;
 }
 
+std::pair<HANDLE, DWORD> Start(std::string commandLine) {
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+        return {nullptr, 0};
+    }
+    CloseHandle(process.hThread);
+    return {process.hProcess, process.dwProcessId};
+}
+
 unsigned long Run(const std::string& commandLine, unsigned long timeoutMs) {
-    HANDLE process = Start(commandLine);
+    const HANDLE process = Start(commandLine).first;
     DWORD code = ~0ul;
     if (!process) return code;
     if (WaitForSingleObject(process, timeoutMs) == WAIT_OBJECT_0) GetExitCodeProcess(process, &code);
@@ -83,7 +83,7 @@ unsigned long Run(const std::string& commandLine, unsigned long timeoutMs) {
 std::string RunUnix(const std::string& command) {
     static int count = 0;
     const std::string out = "/tmp/corvane-unix-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
-    if (HANDLE shell = Start("/bin/sh -c \"(" + command + ") >" + out + ".part 2>&1; mv " + out + ".part " + out + "\"")) {
+    if (HANDLE shell = Start("/bin/sh -c \"(" + command + ") >" + out + ".part 2>&1; mv " + out + ".part " + out + "\"").first) {
         CloseHandle(shell);
     }
     const std::string done = FromUnixPath(out);
@@ -162,10 +162,7 @@ bool MakeShortcut(const std::string& path, const std::string& target, const std:
 bool SetValue(HKEY hive, const std::string& path, REGSAM view, const std::string& name, DWORD type,
               const std::string& bytes) {
     HKEY key;
-    if (RegCreateKeyExA(hive, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | view, nullptr, &key, nullptr) !=
-        ERROR_SUCCESS) {
-        return false;
-    }
+    if (RegCreateKeyExA(hive, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | view, nullptr, &key, nullptr)) return false;
     const LONG result = RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
                                        static_cast<DWORD>(bytes.size()));
     return RegCloseKey(key), result == ERROR_SUCCESS;
@@ -178,21 +175,15 @@ FixtureMachine::~FixtureMachine() { Clear(); }
 void FixtureMachine::Clear() {
     Win32Registry registry;
     std::set<std::pair<RegKey, std::string>> parents, keys;  // where keys of ours lie; where values of ours lie
+    static const std::regex kBelowOurs(R"(^(.*?)\\(CorvaneTest|\{C0A7E5E5))", std::regex::icase);
     for (const std::string& name : regFiles_) {
         const std::optional<RegFile> file = ParseRegFile(FileBytes(TestFolder() + "\\" + name));
         for (const RegFileKey& key : file ? file->keys : std::vector<RegFileKey>{}) {
             const size_t slash = key.path.find('\\');
             const std::string path = key.path.substr(slash + 1);
-            size_t ours = 0;  // where the first key of ours on the path begins
-            while (ours != std::string::npos && !Ours(path.substr(ours))) {
-                ours = path.find('\\', ours);
-                if (ours != std::string::npos) ++ours;
-            }
-            if (ours != std::string::npos) {
-                parents.insert({RegRootOfName(key.path.substr(0, slash)), path.substr(0, ours - 1)});
-            } else {
-                keys.insert({RegRootOfName(key.path.substr(0, slash)), path});
-            }
+            std::smatch parent;  // of the first key of ours on the path
+            const bool below = std::regex_search(path, parent, kBelowOurs);
+            (below ? parents : keys).insert({RegRootOfName(key.path.substr(0, slash)), below ? parent[1].str() : path});
         }
     }
     for (const auto& [root, path] : parents) {
