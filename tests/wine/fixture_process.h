@@ -5,6 +5,7 @@
 #include <psapi.h>
 
 #include <tuple>
+#include <utility>
 
 #include "wine/wine_support.h"
 
@@ -29,11 +30,8 @@ public:
     // Ends it and returns once the system no longer opens its id (under Wine
     // an ended process can still be opened for a moment after its last handle closes).
     ~FixtureProcess() {
-        if (process_) {
-            TerminateProcess(process_, 0);
-            WaitForSingleObject(process_, 5000);
-            CloseHandle(process_);
-        }
+        if (process_) TerminateProcess(process_, 0), WaitForSingleObject(process_, 5000);
+        Release();
         for (int tries = 0; tries < 100; ++tries, Sleep(20)) {
             HANDLE again = OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, id_);
             if (!again) break;
@@ -52,8 +50,7 @@ public:
     bool Ended(DWORD ms = 5000) const { return !process_ || WaitForSingleObject(process_, ms) == WAIT_OBJECT_0; }
     // Lets go of the handle without ending it, so the id stays the process's own only while it runs.
     void Release() {
-        if (process_) CloseHandle(process_);
-        process_ = nullptr;
+        if (process_) CloseHandle(std::exchange(process_, nullptr));
     }
 
 private:

@@ -37,7 +37,6 @@ namespace corvane {
 namespace {
 
 using namespace std::string_literals;
-constexpr auto npos = std::string::npos;
 
 // reg.exe's export of a key ("HKLM\..."), empty when the key is not there.
 std::string RegExport(const std::string& key) {
@@ -118,10 +117,8 @@ TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
     contract::CheckClassesViewContract(registry, "{C1A55E50-0000-4000-8000-00000000C1A5}");
     wine::StartupMachine startup;
     startup.Setup();
-    wine::BrowserMachine browser;
-    browser.Add32BitView();
-    wine::ApplicationsMachine applications;
-    applications.Add32BitEntry();
+    wine::BrowserMachine browser(true);
+    wine::ApplicationsMachine applications(true);
     ASSERT_TRUE(wine::StartupMachine::SetRun32("CorvaneTest Wow", startup.full));
     // Three reads of a megabyte and a few bytes more.
     const std::string big = wine::TestFolder() + "\\real-hash.exe";
@@ -278,8 +275,8 @@ TEST(RealSystem, OlderWindowsAsTheyReportThemselvesAndTheirProcesses) {
         const std::string file = folder + "\\" + c.version + ".txt";
         ASSERT_EQ(Report("\"" + file + "\" /areas:process"), 0u) << c.version;
         const std::string report = wine::FileBytes(file);
-        EXPECT_NE(report.find("Windows Version      : " + c.identity), npos) << report;
-        EXPECT_NE(report.find(c.process), npos) << report;
+        EXPECT_NE(report.find("Windows Version      : " + c.identity), std::string::npos) << report;
+        EXPECT_NE(report.find(c.process), std::string::npos) << report;
     }
 }
 

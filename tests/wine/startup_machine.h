@@ -1,9 +1,8 @@
 #pragma once
 // The startup sources of the prefix made ready for a test: values of our own
-// in both Run keys (startup_run.reg, which also names the machine's Run key
-// of the 32-bit view, where tests add values with SetRun32), shortcuts of our
-// own in both startup folders, and the programs they start. Tests that use it
-// take RESOURCE_LOCK startup_sources.
+// in both Run keys (startup_run.reg, which also names the 32-bit view's, where
+// SetRun32 writes), shortcuts of our own in both startup folders, and the
+// programs they start. Tests that use it take RESOURCE_LOCK startup_sources.
 #include <shlobj.h>
 
 #include "foundations/app_identity.h"

@@ -19,8 +19,7 @@ namespace corvane::wine {
 
 std::string TestFolder() {
     char path[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    return FolderOf(path);
+    return GetModuleFileNameA(nullptr, path, MAX_PATH), FolderOf(path);
 }
 
 namespace {

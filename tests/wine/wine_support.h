@@ -55,8 +55,6 @@ public:
 
     explicit FixtureMachine(std::vector<std::string> regFiles);
     ~FixtureMachine();
-    FixtureMachine(const FixtureMachine&) = delete;
-    FixtureMachine& operator=(const FixtureMachine&) = delete;
 
     void Clear();
     // Copies the programs, making their folders, and imports one of the files.

@@ -165,7 +165,7 @@ void AddStartup(const std::string& app) {
 }
 
 void AddBrowserExtras(const std::string& app) {
-    (new wine::BrowserMachine())->Add32BitView();
+    new wine::BrowserMachine(true);
     // A helper object whose class id is on the shipped suspect list.
     const std::string server = wine::kStartupFiles + "\\srchhlp.dll";
     CopyFileA((wine::TestFolder() + "\\fixture_bare.exe").c_str(), server.c_str(), FALSE);
@@ -232,6 +232,6 @@ int main(int argc, char** argv) {
     AddProcesses(app);
     AddStartup(app);
     AddBrowserExtras(app);
-    (new corvane::wine::ApplicationsMachine())->Add32BitEntry();
+    new corvane::wine::ApplicationsMachine(true);
     return failures == 0 ? 0 : 1;
 }
