@@ -111,9 +111,9 @@ struct Machine {
         system.version = {5, 1, 2600, 2, "Service Pack 3"};
         system.computerName = "PC1";
         system.userName = "M\xFCller";
-        system.errorTexts = {{3, "The system cannot find the path specified.\r\n"}, {5, "Access is denied.\r\n"}};
+        // One system text ends in a blank before its line break: the console still gets a clean line.
+        system.errorTexts = {{3, "The system cannot find the path specified. \r\n"}, {5, "Access is denied.\r\n"}};
         clock.utcOffsetMinutes = 60;
-        environment.variables = {{"WINDIR", "C:\\Windows"}, {"SystemRoot", "C:\\Windows"}};
         platform.registry = &registry;
         platform.facts = &facts;
         platform.environment = &environment;
@@ -139,6 +139,7 @@ struct Machine {
             if (f[0] == "T") files.AddFile(f[1], f[2]);
             if (f[0] == "L") files.AddFile(f[1], fakes::FakeShortcutBytes(f[2], f[3], f[4]));
             if (f[0] == "H") files.SetHiddenOrSystem(f[1]);
+            if (f[0] == "E") environment.variables[f[1]] = f[2];
             if (f[0] == "U") {
                 std::string utf16("\xFF\xFE", 2);
                 for (const char c : f[2]) utf16 += std::string{c, '\0'};
@@ -204,8 +205,8 @@ std::string Run(Machine& m, const Args& args, bool hash = false) {
     std::ostringstream out, err;
     std::string text = ">";
     for (const std::string& arg : args) text += " [" + arg + "]";
-    text += "\nexit " + std::to_string(RunCorvaneReport(args, m.platform, m.prompts, out, err)) + "\nout: " +
-            Escaped(out.str()) + "\nerr: " + Escaped(err.str()) + "\n";
+    const int exit = RunCorvaneReport(args, m.platform, m.prompts, out, err);  // before its streams are read
+    text += "\nexit " + std::to_string(exit) + "\nout: " + Escaped(out.str()) + "\nerr: " + Escaped(err.str()) + "\n";
     for (const std::string& path : m.files.Paths()) {
         if (path.rfind("C:\\r\\", 0) == 0) text += path + " " + std::to_string(m.files.Content(path)->size()) + "\n";
     }
