@@ -36,11 +36,6 @@ public:
 
     bool failVersionRead = false;  // GetFileVersionInfoA fails after the size was given
 
-    // Port calls by operation name ("Exists", "Find", "VersionInfo", ...).
-    std::map<std::string, int> calls;
-    // The calls that go to the disk: all but QueryVersionValue, which reads the caller's block.
-    int DiskReads() const;
-
     uint32_t VersionInfoSize(const std::string& path) override;
     bool VersionInfo(const std::string& path, std::vector<unsigned char>& block) override;
     std::optional<VersionValue> QueryVersionValue(std::vector<unsigned char>& block,

@@ -34,7 +34,6 @@ std::string FakeSystemInfo::ErrorText(int32_t code, size_t size) {
 }
 
 std::string FakeEnvironment::Expand(const std::string& text, size_t size) {
-    ++calls;
     std::string result;
     size_t i = 0;
     while (i < text.size()) {
@@ -64,35 +63,8 @@ std::string FakeEnvironment::Expand(const std::string& text, size_t size) {
 PromptAnswer FakePrompts::Message(const std::string& text, const std::string& title,
                                   PromptIcon icon, PromptButtons buttons) {
     shown.push_back({text, title, icon, buttons});
-    if (!answers.empty()) {
-        const PromptAnswer answer = answers.front();
-        answers.pop_front();
-        return answer;
-    }
     return buttons == PromptButtons::YesNo || buttons == PromptButtons::YesNoCancel ? PromptAnswer::Yes
                                                                                     : PromptAnswer::Ok;
-}
-
-namespace {
-
-template <typename T>
-std::optional<T> Next(std::deque<std::optional<T>>& queue) {
-    if (queue.empty()) return std::nullopt;
-    std::optional<T> answer = queue.front();
-    queue.pop_front();
-    return answer;
-}
-
-}  // namespace
-
-std::optional<std::string> FakePrompts::SaveFile(const std::string& filter, bool overwritePrompt) {
-    saveDialogs.push_back({filter, overwritePrompt});
-    return Next(saveAnswers);
-}
-
-std::optional<int32_t> FakePrompts::PickColor(int32_t initial) {
-    colorDialogs.push_back(initial);
-    return Next(colorAnswers);
 }
 
 namespace {
@@ -182,8 +154,6 @@ std::string FakeProfile::Read(const std::string& section, const std::string& key
 
 bool FakeProfile::Write(const std::string& section, const std::string& key, const std::string& value,
                         const std::string& path) {
-    if (failWrites) return false;
-    ++writes;
     std::vector<std::string> lines = Lines(files[path]);
     const Found found = Find(lines, section, key);
     const std::string entry = key + "=" + value;

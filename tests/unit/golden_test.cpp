@@ -24,14 +24,7 @@
 #include "contract/file_facts_contract.h"
 #include "contract/process_table_contract.h"
 #include "contract/shortcuts_contract.h"
-#include "fakes/fake_clock.h"
-#include "fakes/fake_file_facts.h"
 #include "fakes/fake_file_hasher.h"
-#include "fakes/fake_file_system.h"
-#include "fakes/fake_process_table.h"
-#include "fakes/fake_registry.h"
-#include "fakes/fake_shortcuts.h"
-#include "fakes/fakes.h"
 #include "foundations/file_description.h"
 #include "foundations/file_facts_cache.h"
 #include "foundations/reg_file.h"
@@ -49,6 +42,7 @@
 #include "startup/startup_items.h"
 #include "startup/startup_report.h"
 #include "support/golden.h"
+#include "support/machine.h"
 #include "ui/sort_policy.h"
 
 namespace corvane::golden {
@@ -77,20 +71,11 @@ std::vector<std::vector<std::string>> Records(const std::string& name) {
     return records;
 }
 
-struct Machine {
-    fakes::FakeRegistry registry;
-    fakes::FakeFileSystem files;
-    fakes::FakeFileFacts facts;
-    fakes::FakeClock clock;
-    fakes::FakeEnvironment environment;
-    fakes::FakeShortcuts shortcuts{files};
-    fakes::FakeProcessTable processes;
-    fakes::FakeSystemInfo system;
-    fakes::FakeShell shell;
+struct Machine : fakes::Machine {
     fakes::FakeFileHasher hasher;
     Windows1252Encoding encoding;
-    ConsolePrompts prompts;
-    ReportPorts report{files, system, clock, prompts, shell};
+    ConsolePrompts console;
+    ReportPorts report{files, system, clock, console, shell};
     FullReportPlatform platform{report};
 
     // A program with a version resource in `block`'s language and code page (empty: none).
@@ -205,7 +190,7 @@ std::string Run(Machine& m, const Args& args, bool hash = false) {
     std::ostringstream out, err;
     std::string text = ">";
     for (const std::string& arg : args) text += " [" + arg + "]";
-    const int exit = RunCorvaneReport(args, m.platform, m.prompts, out, err);  // before its streams are read
+    const int exit = RunCorvaneReport(args, m.platform, m.console, out, err);  // before its streams are read
     text += "\nexit " + std::to_string(exit) + "\nout: " + Escaped(out.str()) + "\nerr: " + Escaped(err.str()) + "\n";
     for (const std::string& path : m.files.Paths()) {
         if (path.rfind("C:\\r\\", 0) == 0) text += path + " " + std::to_string(m.files.Content(path)->size()) + "\n";
@@ -257,7 +242,7 @@ std::string CliTable(Machine&) {
 // Each pane's report (the banner with its title, then the blocks of its
 // list), and the words each writer shows, with its icon, when the disk refuses it.
 std::string PaneReports(Machine& m) {
-    fakes::FakePrompts prompts;
+    fakes::FakePrompts& prompts = m.prompts;
     ReportPorts ports{m.files, m.system, m.clock, prompts, m.shell};
     ApplicationSources sources{m.registry, m.facts};
     const auto browser = Browser(m);
