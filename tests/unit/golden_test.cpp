@@ -22,7 +22,10 @@
 #include "browser/browser_commands.h"
 #include "browser/browser_report.h"
 #include "contract/file_facts_contract.h"
+#include "contract/file_system_contract.h"
 #include "contract/process_table_contract.h"
+#include "contract/profile_contract.h"
+#include "contract/registry_contract.h"
 #include "contract/shortcuts_contract.h"
 #include "fakes/fake_file_hasher.h"
 #include "foundations/file_description.h"
@@ -375,8 +378,9 @@ TEST(Golden, EveryOutputOfTheMachine) {
     }
 }
 
-// The machine's fakes keep the contracts the adapters keep, the file facts
-// through a fill's cache too (twice: read, then kept).
+// The machine's fakes keep the contracts the adapters keep (under Wine the
+// same suites run against the adapters), the file facts through a fill's
+// cache too (twice: read, then kept).
 TEST(Golden, TheMachinesFakesKeepTheirContracts) {
     Machine m;
     FileFactsCache cache(m.facts);
@@ -392,6 +396,15 @@ TEST(Golden, TheMachinesFakesKeepTheirContracts) {
         m.files.AddFile(path, fakes::FakeShortcutBytes(target, args, icon + "," + std::to_string(index)));
     };
     contract::CheckShortcutContract(m.shortcuts, {link, m.files, "C:\\links", "C:\\Tools\\alpha.exe"});
+    m.files.AddFolder("C:\\fs-contract");
+    contract::CheckFileSystemContract(m.files, "C:\\fs-contract");
+    m.registry.valueOrder = fakes::FakeRegistry::ValueOrder::Sorted;  // as Wine enumerates them
+    contract::CheckRegistryContract(m.registry, "Software\\CorvaneTests\\Contract");
+    contract::CheckClassesViewContract(m.registry, "{C1A55E50-0000-4000-8000-00000000C1A5}");
+    contract::CheckRegistryViewContract(m.registry, "CorvaneTestsViews");
+    EXPECT_EQ(m.registry.OpenHandles(), 0u);
+    fakes::FakeProfile profile;
+    contract::CheckProfileContract(profile, "C:\\Corvane\\Settings.ini");
 }
 
 #ifdef CORVANE_DATA_DIR
