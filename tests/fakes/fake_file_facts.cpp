@@ -34,14 +34,6 @@ void FakeFileFacts::Add(const std::string& path, const FakeFile& file) {
     if (!file.shortPath.empty()) files_[Lower(file.shortPath)] = {path, file};
 }
 
-void FakeFileFacts::Remove(const std::string& path) {
-    const Entry* entry = Lookup(path);
-    if (!entry) return;
-    const std::string shortPath = entry->file.shortPath;
-    files_.erase(Lower(entry->path));
-    if (!shortPath.empty()) files_.erase(Lower(shortPath));
-}
-
 const FakeFileFacts::Entry* FakeFileFacts::Lookup(const std::string& path) const {
     auto it = files_.find(Lower(path));
     return it == files_.end() ? nullptr : &it->second;

@@ -32,7 +32,6 @@ class FakeFileFacts : public FileFacts {
 public:
     // Paths, and the names inside a version resource, compare without regard to case.
     void Add(const std::string& path, const FakeFile& file);
-    void Remove(const std::string& path);
 
     bool failVersionRead = false;  // GetFileVersionInfoA fails after the size was given
 
