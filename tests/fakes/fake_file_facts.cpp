@@ -34,14 +34,6 @@ void FakeFileFacts::Add(const std::string& path, const FakeFile& file) {
     if (!file.shortPath.empty()) files_[Lower(file.shortPath)] = {path, file};
 }
 
-void FakeFileFacts::Remove(const std::string& path) {
-    const Entry* entry = Lookup(path);
-    if (!entry) return;
-    const std::string shortPath = entry->file.shortPath;
-    files_.erase(Lower(entry->path));
-    if (!shortPath.empty()) files_.erase(Lower(shortPath));
-}
-
 const FakeFileFacts::Entry* FakeFileFacts::Lookup(const std::string& path) const {
     auto it = files_.find(Lower(path));
     return it == files_.end() ? nullptr : &it->second;
@@ -68,14 +60,12 @@ std::string FakeFileFacts::Serialize(const FakeVersionResource& resource) {
 }
 
 uint32_t FakeFileFacts::VersionInfoSize(const std::string& path) {
-    ++calls["VersionInfoSize"];
     const Entry* entry = Lookup(path);
     if (!entry || !entry->file.version) return 0;
     return static_cast<uint32_t>(Serialize(*entry->file.version).size());
 }
 
 bool FakeFileFacts::VersionInfo(const std::string& path, std::vector<unsigned char>& block) {
-    ++calls["VersionInfo"];
     const Entry* entry = Lookup(path);
     if (failVersionRead || !entry || !entry->file.version) return false;
     const std::string data = Serialize(*entry->file.version);
@@ -86,7 +76,6 @@ bool FakeFileFacts::VersionInfo(const std::string& path, std::vector<unsigned ch
 
 std::optional<VersionValue> FakeFileFacts::QueryVersionValue(std::vector<unsigned char>& block,
                                                              const std::string& subBlock) {
-    ++calls["QueryVersionValue"];
     const std::string wanted = Lower(subBlock);
     size_t at = 0;
     while (at < block.size()) {
@@ -108,27 +97,16 @@ std::optional<VersionValue> FakeFileFacts::QueryVersionValue(std::vector<unsigne
 }
 
 std::optional<FoundFile> FakeFileFacts::Find(const std::string& path) {
-    ++calls["Find"];
     const Entry* entry = Lookup(path);
     if (!entry) return std::nullopt;
     return FoundFile{entry->file.created, entry->file.lastWritten, entry->file.size, entry->file.isFolder};
 }
 
-int FakeFileFacts::DiskReads() const {
-    int reads = 0;
-    for (const auto& [name, count] : calls) {
-        if (name != "QueryVersionValue") reads += count;
-    }
-    return reads;
-}
-
 bool FakeFileFacts::Exists(const std::string& path) {
-    ++calls["Exists"];
     return Lookup(path) != nullptr;
 }
 
 uint32_t FakeFileFacts::ShortPathName(const std::string& path, std::string& buffer) {
-    ++calls["ShortPathName"];
     const Entry* entry = Lookup(path);
     if (!entry) return 0;
     const std::string shortPath = entry->file.shortPath.empty() ? entry->path : entry->file.shortPath;

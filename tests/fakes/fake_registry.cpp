@@ -135,14 +135,6 @@ void FakeRegistry::PutString(const std::string& path, const std::string& name, c
     Put(path, name, kRegSz, text + '\0');
 }
 
-void FakeRegistry::PutDword(const std::string& path, const std::string& name, uint32_t value) {
-    const char bytes[4] = {static_cast<char>(value), static_cast<char>(value >> 8), static_cast<char>(value >> 16),
-                           static_cast<char>(value >> 24)};
-    Put(path, name, kRegDword, std::string_view(bytes, 4));
-}
-
-bool FakeRegistry::KeyExists(const std::string& path) const { return NodeAt(path) != nullptr; }
-
 std::optional<FakeRegistry::StoredValue> FakeRegistry::Value(const std::string& path,
                                                              const std::string& name) const {
     auto node = NodeAt(path);
@@ -210,7 +202,6 @@ RegError FakeRegistry::Enter(const char* op, const std::string& keyPath, const s
 }
 
 RegError FakeRegistry::OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) {
-    ++calls["OpenKey"];
     key = 0;
     Handle at;
     if (RegError error = Resolve(parent, at)) return error;
@@ -224,7 +215,6 @@ RegError FakeRegistry::OpenKey(RegKey parent, const std::string& subKey, uint32_
 }
 
 RegError FakeRegistry::CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) {
-    ++calls["CreateKey"];
     key = 0;
     Handle at;
     if (RegError error = Resolve(parent, at)) return error;
@@ -236,7 +226,6 @@ RegError FakeRegistry::CreateKey(RegKey parent, const std::string& subKey, uint3
 }
 
 RegError FakeRegistry::CloseKey(RegKey key) {
-    ++calls["CloseKey"];
     if (RootIndexOfKey(key) >= 0) return kRegOk;
     auto it = handles_.find(key);
     if (it == handles_.end()) return kErrorInvalidHandle;
@@ -247,7 +236,6 @@ RegError FakeRegistry::CloseKey(RegKey key) {
 
 RegError FakeRegistry::QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data,
                                   uint32_t* size) {
-    ++calls["QueryValue"];
     Handle at;
     if (RegError error = Resolve(key, at)) return error;
     if (!(at.access & kKeyQueryValue)) return kErrorAccessDenied;
@@ -271,7 +259,6 @@ RegError FakeRegistry::QueryValue(RegKey key, const std::string& name, uint32_t*
 }
 
 RegError FakeRegistry::EnumKey(RegKey key, uint32_t index, char* name, uint32_t* nameLength) {
-    ++calls["EnumKey"];
     Handle at;
     if (RegError error = Resolve(key, at)) return error;
     if (!(at.access & kKeyEnumerateSubKeys)) return kErrorAccessDenied;
@@ -286,7 +273,6 @@ RegError FakeRegistry::EnumKey(RegKey key, uint32_t index, char* name, uint32_t*
 
 RegError FakeRegistry::EnumValue(RegKey key, uint32_t index, char* name, uint32_t* nameLength, uint32_t* type,
                                  uint8_t* data, uint32_t* dataSize) {
-    ++calls["EnumValue"];
     Handle at;
     if (RegError error = Resolve(key, at)) return error;
     if (!(at.access & kKeyQueryValue)) return kErrorAccessDenied;
@@ -310,7 +296,6 @@ RegError FakeRegistry::EnumValue(RegKey key, uint32_t index, char* name, uint32_
 
 RegError FakeRegistry::SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data,
                                 uint32_t size) {
-    ++calls["SetValue"];
     Handle at;
     if (RegError error = Resolve(key, at)) return error;
     if (!(at.access & kKeySetValue)) return kErrorAccessDenied;
@@ -325,7 +310,6 @@ RegError FakeRegistry::SetValue(RegKey key, const std::string& name, uint32_t ty
 }
 
 RegError FakeRegistry::DeleteValue(RegKey key, const std::string& name) {
-    ++calls["DeleteValue"];
     Handle at;
     if (RegError error = Resolve(key, at)) return error;
     if (!(at.access & kKeySetValue)) return kErrorAccessDenied;
@@ -337,7 +321,6 @@ RegError FakeRegistry::DeleteValue(RegKey key, const std::string& name) {
 }
 
 RegError FakeRegistry::DeleteKey(RegKey parent, const std::string& subKey, uint32_t view) {
-    ++calls["DeleteKey"];
     Handle at;
     if (RegError error = Resolve(parent, at)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;

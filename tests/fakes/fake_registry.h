@@ -49,15 +49,11 @@ public:
     void AddKey(const std::string& path);
     void Put(const std::string& path, const std::string& name, uint32_t type, std::string_view data);
     void PutString(const std::string& path, const std::string& name, const std::string& text);  // REG_SZ, with NUL
-    void PutDword(const std::string& path, const std::string& name, uint32_t value);
-    bool KeyExists(const std::string& path) const;
     std::optional<StoredValue> Value(const std::string& path, const std::string& name) const;
     std::vector<std::string> ValueNames(const std::string& path) const;  // in enumeration order
     std::vector<std::string> SubkeyNames(const std::string& path) const;
     // Handles opened through the port and not yet closed.
     size_t OpenHandles() const { return handles_.size(); }
-    // Port calls by operation name ("EnumValue", "SetValue", ...), faults included.
-    std::map<std::string, int> calls;
 
     // Faults, as in FakeFileSystem. Changes are CreateKey, SetValue,
     // DeleteValue and DeleteKey. `failChange` fails the change with this

@@ -16,11 +16,7 @@
 #include "applications/installed_applications.h"
 #include "browser/browser_commands.h"
 #include "browser/browser_items.h"
-#include "fakes/command_fakes.h"
-#include "fakes/fake_file_facts.h"
-#include "fakes/fake_process_table.h"
 #include "fakes/fake_program_runner.h"
-#include "fakes/fake_shortcuts.h"
 #include "fakes/fault_injection.h"
 #include "foundations/delete_on_reboot.h"
 #include "foundations/functions.h"
@@ -37,6 +33,7 @@
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
 #include "support/golden.h"
+#include "support/machine.h"
 
 namespace corvane {
 namespace {
@@ -71,22 +68,13 @@ std::string ShortcutFolder(const std::string& location, bool stored) {
 // values that have broken them before: awkward types and names, a text
 // without its NUL, one name in both registry views, a cache record that
 // cannot be opened.
-struct World {
-    fakes::FakeRegistry registry;
-    fakes::FakeFileSystem files;
-    fakes::FakeFileFacts facts;
-    fakes::FakeClock clock;
-    fakes::FakeEnvironment environment;
-    fakes::FakeShortcuts shortcuts{files};
-    fakes::FakePrompts prompts;
-    fakes::FakeSystemInfo system;
-    fakes::FakeProcessTable table;
+struct World : fakes::Machine {
     fakes::FakeProgramRunner runner;
     StartupSources startup{registry, files, facts, clock, environment, shortcuts};
     CommandPorts startupPorts{registry, files, prompts, system};
     BrowserCommandPorts browser{registry, files, prompts, system, clock, kApp};
     ApplicationCommandPorts apps{registry, files, prompts, system, clock, kApp};
-    ProcessCommandPorts processes{table, files, system, prompts, clock, {facts, files, environment, system, prompts}, kApp};
+    ProcessCommandPorts processPorts{processes, files, system, prompts, clock, {facts, files, environment, system, prompts}, kApp};
     BackupCommandPorts backups{files, system, prompts, kApp};
     SelectedProcess process{EncodeNumberKey(1234), "Tool.exe", "C:\\Apps\\"};
     StartupPlaces places;
@@ -122,7 +110,7 @@ struct World {
         registry.AddKey(kBHO + "\\" + kKept + "\\Sub");
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
         facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
-        table.Add(1234, kProgram);
+        processes.Add(1234, kProgram);
         files.AddFile(kProgram, kProgramBytes);
         fakes::FakeFile program;
         program.shortPath = "C:\\APPS\\TOOL.EXE";
@@ -391,8 +379,8 @@ std::vector<Command> Commands() {
     uninstall.key = kFull;
     uninstall.cells[kAppColCommand] = "MsiExec.exe /X" + kFull;
     rows.push_back({"uninstall", nothing, [uninstall](World& w) { UninstallApplication(w.apps, w.runner, &uninstall, [] {}); }});
-    rows.push_back({"kill", nothing, [](World& w) { cmdKill_Click(w.processes, &w.process); }});
-    rows.push_back({"delete program", nothing, [](World& w) { cmdDelete_Click(w.processes, &w.process); }, "",
+    rows.push_back({"kill", nothing, [](World& w) { cmdKill_Click(w.processPorts, &w.process); }});
+    rows.push_back({"delete program", nothing, [](World& w) { cmdDelete_Click(w.processPorts, &w.process); }, "",
                     kApp + "\\Backup", false, true});
     const auto backupRow = [](World& w) { w.row = BackupRows(w.files, kApp).at(0); };
     rows.push_back({"restore backup", backupRow, [](World& w) { RestoreBackup(w.backups, &w.row, false); }});
@@ -405,7 +393,7 @@ std::vector<Command> Commands() {
     rows.push_back({"safe list remove", nothing, [](World& w) { RemoveFromSafeList(w.files, kApp, {"BETA.exe"}); },
                     "beta.exe"});
     rows.push_back({"delete on reboot, Windows 9x", [](World& w) { w.environment.variables.erase("OS"); },
-                    [](World& w) { DeleteFileOnReboot(w.processes.reboot, kProgram); }});
+                    [](World& w) { DeleteFileOnReboot(w.processPorts.reboot, kProgram); }});
     rows.back().whole = kWinInit;
     rows.push_back({"console report", nothing,
                     [](World& w) {
@@ -489,7 +477,7 @@ void ExpectNothingLost(World& w, const Command& c, const std::vector<Item>& item
     }
     if (crashed) return;
     EXPECT_EQ(w.registry.OpenHandles(), 0u) << context;
-    EXPECT_EQ(w.table.OpenHandles(), 0u) << context;
+    EXPECT_EQ(w.processes.OpenHandles(), 0u) << context;
     for (const std::string& path : w.files.Paths()) {
         if (tempMayStay) break;
         const bool temporary = path.find(".tmp") != std::string::npos || path.find(".restoring") != std::string::npos ||
@@ -555,12 +543,11 @@ TEST(FaultMatrix, NoFaultLosesAnItem) {
                 c.prepare(w);
                 const Before before = Take(w, items, c);
                 Refuse(w, false);
-                fakes::FaultRun run(fault, n, w.registry, w.files);
-                const bool crashed = run.Run([&] { c.run(w); });
+                const auto [crashed, reached] = fakes::RunWithFault(fault, n, w.registry, w.files, [&] { c.run(w); });
                 const bool fileFails = fault == fakes::Fault::FileCallFails || fault == fakes::Fault::FileChangeFails;
                 ExpectNothingLost(w, c, items, before, crashed, crashed || fileFails, done.files.Content(c.whole),
-                                  c.name + ", " + run.Name());
-                if (run.Missed()) break;
+                                  c.name + ", " + fakes::kFaultNames[static_cast<int>(fault)] + " " + std::to_string(n));
+                if (!reached) break;
             }
         }
     }
