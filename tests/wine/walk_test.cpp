@@ -11,6 +11,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <functional>
@@ -124,6 +125,11 @@ int ItemOf(HWND list, const std::string& name) {
         for (int column = 0; column < 4; ++column) if (ItemText(list, item, column) == name) return item;
     return -1;
 }
+std::vector<int> Widths(HWND list) {
+    std::vector<int> widths;
+    for (int c = 0; list && c < Header_GetItemCount(ListView_GetHeader(list)); ++c) widths.push_back(ListView_GetColumnWidth(list, c));
+    return widths;
+}
 int SelectedItem(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, -1, LVNI_SELECTED)); }
 RECT ItemRect(HWND list, int item) {
     SendMessageA(list, LVM_ENSUREVISIBLE, item, FALSE);
@@ -175,6 +181,16 @@ void ExpectFits(HWND window, const std::string& what) {
         if (ClassOf(GetParent(c)) == "SysListView32" || ClassOf(GetParent(c)) == "ComboBox") continue;
         EXPECT_TRUE(r.left >= 0 && r.top >= 0 && r.right <= in.right && r.bottom <= in.bottom)
             << what << ": " << Describe(c) << " reaches past its parent's client area";
+        // A control that overlaps a frame stands wholly inside it, or holds it.
+        RECT screen, frame, both;
+        GetWindowRect(c, &screen);
+        for (HWND g = GetWindow(GetParent(c), GW_CHILD); g; g = GetWindow(g, GW_HWNDNEXT)) {
+            if (g == c || !IsWindowVisible(g) || ClassOf(g) != "Button" ||
+                (GetWindowLongA(g, GWL_STYLE) & BS_TYPEMASK) != BS_GROUPBOX || !GetWindowRect(g, &frame))
+                continue;
+            EXPECT_TRUE(!IntersectRect(&both, &frame, &screen) || EqualRect(&both, &screen) || EqualRect(&both, &frame))
+                << what << ": " << Describe(c) << " straddles the frame " << Describe(g);
+        }
         GetClientRect(c, &client);
         const std::string cls = ClassOf(c), text = TextOf(c);
         const LONG style = GetWindowLongA(c, GWL_STYLE), button = style & BS_TYPEMASK, label = style & SS_TYPEMASK;
@@ -262,9 +278,12 @@ void ExpectModal(const std::string& what) {
     EXPECT_EQ(Pane(), pane) << what << ": a navigation click under a prompt changed the pane";
 }
 
-std::string DialogTexts(HWND dialog) {
-    std::string texts = "== " + TextOf(dialog) + "\n";
-    const auto shown = [](HWND w) { return (ClassOf(w) == "Static" || ClassOf(w) == "Button") && !TextOf(w).empty(); };
+// A pane (named by `pane`) has labels that change with its rows, so only its buttons and frames are taken.
+std::string DialogTexts(HWND dialog, const std::string& pane = "") {
+    std::string texts = "== " + (pane.empty() ? TextOf(dialog) : pane) + "\n";
+    const auto shown = [&](HWND w) {
+        return ((pane.empty() && ClassOf(w) == "Static") || ClassOf(w) == "Button") && !TextOf(w).empty();
+    };
     for (HWND c : Children(dialog, shown)) texts += "  " + TextOf(c) + "\n";
     return std::regex_replace(texts, std::regex("[0-9]+/[0-9]+/[0-9]{4}"), "<date>");  // a file's, made today
 }
@@ -279,8 +298,9 @@ void Answer(const std::vector<std::string>& answers, const std::string& what) {
         if (dialog != last) {
             Sleep(100);
             g_texts += DialogTexts(dialog);
-            // Our own dialogs must fit; the system's file and colour dialogs are Wine's.
-            if (Children(dialog, [](HWND w) { return ClassOf(w) == "Edit"; }, false).empty()) ExpectFits(dialog, what);
+            // Our own dialogs must fit; the system's file and colour dialogs (the ones to type in) are Wine's.
+            const auto typed = [](HWND w) { return ClassOf(w) == "Edit" && !(GetWindowLongA(w, GWL_STYLE) & ES_READONLY); };
+            if (Children(dialog, typed, false).empty()) ExpectFits(dialog, what);
             if (!last) ExpectModal(what);
             last = dialog;
         }
@@ -342,7 +362,7 @@ struct Step {
     int nav, control;          // the pane's navigation button; a tab, radio button or tree to click first
     const char* row;           // the row acted on, by the text of a cell; null for none
     bool check;                // tick the row (Space) as well as select it
-    const char *button, *menu;  // the button's text ("##id": double-click a control) and the menu item (or null)
+    const char *button, *menu;  // the button's text ("##id": double-click a control; "A|B": A, then B), the menu item
     std::vector<std::string> answers, readOnlyAnswers;
     std::function<bool()> changed;  // the change on the machine is there
     int kept;                  // the row is listed after the change (1), or not (0), or either (-1: a twin stays)...
@@ -365,6 +385,10 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
         ClickAt({place.r.left + 5, (place.r.top + place.r.bottom) / 2});
     }
     Settle();
+    static std::vector<std::string> seen;  // each pane and tab's buttons and frames, once
+    if (const std::string texts = DialogTexts(Pane(), "a pane"); std::find(seen.begin(), seen.end(), texts) == seen.end()) {
+        seen.push_back(texts), g_texts += texts;
+    }
     HWND list = List();
     int item = -1;
     if (s.row) {
@@ -408,11 +432,17 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
         EXPECT_EQ(SelectedItem(list), item) << what << ": a right-click on the empty part moved the selection";
         ChooseMenuItem(menu, s.menu, what);
     } else {
-        HWND button = s.button[0] == '#' ? ById(Pane(), std::atoi(s.button + 2)) : ByText(g_main, s.button);
-        ASSERT_TRUE(button && IsWindowEnabled(button)) << what << ": no button, or a grey one";
-        ClickAt(Centre(button), 1, s.button[0] == '#' ? 2 : 1);
+        const std::string buttons = s.button;
+        for (size_t start = 0, end = 0; start <= buttons.size(); start = end + 1) {
+            end = std::min(buttons.find('|', start), buttons.size());
+            const std::string text = buttons.substr(start, end - start);
+            HWND button = text[0] == '#' ? ById(Pane(), std::atoi(text.c_str() + 2)) : ByText(g_main, text);
+            ASSERT_TRUE(button && IsWindowEnabled(button)) << what << ": no button " << text << ", or a grey one";
+            ClickAt(Centre(button), 1, text[0] == '#' ? 2 : 1);
+        }
     }
     const bool refused = readOnly && s.readOnlyRefused;
+    const std::vector<int> widths = Widths(list = List());
     Answer(readOnly ? s.readOnlyAnswers : s.answers, what);
     EXPECT_TRUE(refused ? !s.changed() : WaitFor(s.changed)) << what << (refused ? ": changed" : ": did not change");
     // The list was filled anew: the row is there or gone, in its colour.
@@ -429,6 +459,10 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
             Sleep(200);
             EXPECT_TRUE(DrawnIn(list, item, s.colour)) << what << ": the row is not drawn in " << std::hex << s.colour;
         }
+    }
+    // A fill that leaves the list empty keeps the columns as its rows had them.
+    if (list && List() == list && ListView_GetItemCount(list) == 0) {
+        EXPECT_EQ(Widths(list), widths) << what << ": the emptied list's columns were sized anew";
     }
     ExpectFits(Pane(), what);
     readOnly.reset();
@@ -469,18 +503,30 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
         wine::BrowserMachine browser;
         wine::ApplicationsMachine applications;
         const std::string app = ProgramFolder(browser.app), procs = wine::FreshFolder("walk-procs");
-        const std::string report = wine::FreshFolder("walk-out") + "\\processes.txt", safe = app + "\\CommonProcess.qdl";
+        const std::string out = wine::FreshFolder("walk-out"), report = out + "\\processes.txt", fullReport = out + "\\full.txt";
+        const std::string safe = app + "\\CommonProcess.qdl";
         CopyFileA((wine::TestFolder() + "\\fixture_uninstaller.exe").c_str(), (procs + "\\uninstall.exe").c_str(), FALSE);
         wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort", 0, "UninstallString", REG_SZ,
                                        "\"" + procs + "\\uninstall.exe\" /remove CorvaneTestShort" + '\0');
         std::vector<std::unique_ptr<wine::FixtureProcess>> running;
         for (const char* name : {"kill", "delete", "safe"})
             running.push_back(std::make_unique<wine::FixtureProcess>(procs + "\\corvanewalk " + name + ".exe"));
-        const std::vector<std::string> none, ok{"OK"}, yes{"Yes"}, save{"type:" + report, "key:Return"};
+        // Alt+N goes to the file name box, wherever the dialog put the keys (the file list, when its folder has files).
+        const std::vector<std::string> none, ok{"OK"}, yes{"Yes"}, save{"key:alt+n", "type:" + report, "key:Return"};
+        const std::vector<std::string> saveFull{"key:alt+n", "type:" + fullReport, "key:Return"};
         const auto plain = [&] { return ValueThere(HKEY_LOCAL_MACHINE, run, "CorvaneTest Plain"); };
         const auto helper = [&] { return KeyThere(HKEY_LOCAL_MACHINE, bho); };
         const auto listed = [&] { return Holds(safe, "corvanewalk safe.exe"); };
         const auto always = [] { return true; };
+        const auto shortcut = [&] { return Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); };
+        const BrowserUrlField& start = kBrowserUrlFields[kUrlStartPage];
+        wine::StartupMachine::SetValue(HKEY_CURRENT_USER, start.key, 0, start.value, REG_SZ, std::string("http://a.test/", 15));
+        const auto blank = [&] {
+            char text[32] = {};
+            DWORD size = sizeof text;
+            RegGetValueA(HKEY_CURRENT_USER, start.key, start.value, RRF_RT_REG_SZ, nullptr, text, &size);
+            return std::string(text) == DefaultBrowserUrl(kUrlStartPage);
+        };
         const std::vector<Step> steps = {
             {"Add to the safe list", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", true, "Add Checked to Safe list",
              "Add Checked to Safe list", none, ok, listed, 0, CLR_NONE, true},
@@ -501,8 +547,11 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
             {"Delete a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", false, "Delete Selected item",
              "Delete Selected item", yes, yes, std::not_fn(plain), 0, CLR_NONE, false},  // a live item's delete keeps nothing
             {"Disable a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", true, "Disable Checked Items",
-             "Disabled Checked Items", none, ok, [&] { return !Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); }, 1,
-             0x808080, true},
+             "Disabled Checked Items", none, ok, std::not_fn(shortcut), 1, 0x808080, true},
+            {"Enable a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", true, "Enable Checked Items",
+             "Enable Checked Items", none, ok, shortcut, 1, 0, true},
+            {"Delete a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", false, "Delete Selected item",
+             "Delete Selected item", yes, yes, std::not_fn(shortcut), 0, CLR_NONE, false},
             {"Disable a helper object", IDC_CMDIE, IDC_CMDBHO, "CorvaneTest Helper", true, "Disable Checked BHO",
              "Disable Checked BHO", none, ok, std::not_fn(helper), 1, 64, true},
             {"Enable a helper object", IDC_CMDIE, IDC_CMDBHO, "CorvaneTest Helper", true, "Enable Checked BHO",
@@ -516,6 +565,8 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
             {"Delete a menu item", IDC_CMDIE, IDC_CMDCONTEXT, "CorvaneTest &Menu", false, "Delete Menu Item",
              "Delete menu Item", yes, ok,
              [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kMenuExtKey) + "\\CorvaneTest &Menu"); }, -1, CLR_NONE, true},
+            {"Blank start page", IDC_CMDIE, IDC_CMDURLS, nullptr, false, "Blank Page|Apply", nullptr, none, none,
+             blank, 1, CLR_NONE, false},
             {"Delete Entry", IDC_CMDADDREMOVE, 0, "CorvaneTest Caf\xE9 Full", false, "Delete Entry", "Delete", yes, ok,
              [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestFull"); }, 0, CLR_NONE, true},
             {"Uninstall", IDC_CMDADDREMOVE, 0, "CorvaneTest Short", false, "Uninstall", "Uninstall", yes, yes,
@@ -524,6 +575,9 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
              [&] { return Exists(running[1]->path()); }, 1, CLR_NONE, false},
             {"Delete a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Delete", nullptr, yes, ok,
              [&] { return !InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, true},
+            {"Full report of the startup items", IDC_CMDOPTIONS, IDC_CHKSTARTUP, nullptr, false, "Generate Report", nullptr,
+             saveFull, saveFull,
+             [&] { return Holds(fullReport, "CorvaneTest"); }, 1, CLR_NONE, false},
             {"Pick a colour", IDC_CMDOPTIONS, 0, nullptr, false, colourBox.c_str(), nullptr, {"#720", "OK"}, {"#720", "OK"},
              [&] { return Holds(app + "\\Settings.ini", "SusColor=8421631"); }, 1, CLR_NONE, true},
             {"About", IDC_CMDOPTIONS, 0, nullptr, false, "About", nullptr, ok, ok, always, 1, CLR_NONE, false},
@@ -535,6 +589,24 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
     for (const std::string& name : g_skipped) std::printf("Ran without a read-only program folder: %s\n", name.c_str());
 }
 
+// The pixels `text` darkens, drawn black on white in `font`.
+int Ink(const LOGFONTA& font, const std::string& text) {
+    HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
+    HBITMAP bitmap = CreateCompatibleBitmap(screen, 400, 120);
+    ReleaseDC(nullptr, screen);
+    HFONT face = CreateFontIndirectA(&font);
+    HGDIOBJ oldBitmap = SelectObject(dc, bitmap), oldFont = SelectObject(dc, face);
+    RECT all{0, 0, 400, 120};
+    FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    TextOutA(dc, 0, 0, text.c_str(), static_cast<int>(text.size()));
+    int ink = 0;
+    for (int y = 0; y < all.bottom; ++y)
+        for (int x = 0; x < all.right; ++x) ink += GetGValue(GetPixel(dc, x, y)) < 128;
+    SelectObject(dc, oldFont), SelectObject(dc, oldBitmap);
+    DeleteObject(face), DeleteObject(bitmap), DeleteDC(dc);
+    return ink;
+}
+
 void ExpectTwips(const RECT& r, int width, int height, const std::string& what) {
     EXPECT_NEAR(r.right - r.left, MulDiv(width, ScreenDpi(), 1440), 1) << what;
     EXPECT_NEAR(r.bottom - r.top, MulDiv(height, ScreenDpi(), 1440), 1) << what;
@@ -542,7 +614,7 @@ void ExpectTwips(const RECT& r, int width, int height, const std::string& what) 
 
 // tests/wine/layout-fit runs this in a prefix of its own at 96 and 120 dpi
 // and without Wine's dialog fonts, and says which through the environment.
-TEST(LayoutFitUnderWine, EveryPaneAndTheAboutBoxFit) {
+TEST(LayoutFitUnderWine, EveryPaneAndDialogFits) {
     const char *dpi = std::getenv("CORVANE_FIT_DPI"), *fonts = std::getenv("CORVANE_FIT_FONTS");
     ASSERT_TRUE(!dpi || ScreenDpi() == std::atoi(dpi)) << "the driver's resolution is not in force";
     const bool tahoma = Exists("C:\\windows\\Fonts\\tahoma.ttf");  // seen by a process started after the change
@@ -556,15 +628,29 @@ TEST(LayoutFitUnderWine, EveryPaneAndTheAboutBoxFit) {
         Navigate(button);
         ExpectFits(g_main, config + ", pane " + std::to_string(button));
     }
-    ClickAt(Centre(ByText(g_main, "About")));
-    HWND about = nullptr;
-    ASSERT_TRUE(WaitFor([&] { return (about = TopWindow("#32770")) != nullptr; })) << config;
-    RECT box;
-    GetWindowRect(about, &box);
-    ExpectTwips(box, 6915, 4200, config);
-    ExpectFits(about, config + ", about box");
-    ClickAt(Centre(ByText(about, "OK")));
-    EXPECT_TRUE(WaitFor([] { return TopWindow("#32770") == nullptr; })) << config;
+    // Each dialog keeps its fixed size with its texts fitted in; the about
+    // box's heading is drawn bold, which only its pixels can tell.
+    const struct { int pane; const char* button; int width, height; } dialogs[] = {
+        {IDC_CMDPROCESS, "View Information", 7635, 4500}, {IDC_CMDOPTIONS, "About", 6915, 4200}};
+    for (const auto& d : dialogs) {
+        Navigate(d.pane);
+        ClickAt(Centre(ByText(g_main, d.button)));
+        HWND dialog = nullptr;
+        ASSERT_TRUE(WaitFor([&] { return (dialog = TopWindow("#32770")) != nullptr; })) << config << ", " << d.button;
+        RECT box;
+        GetWindowRect(dialog, &box);
+        ExpectTwips(box, d.width, d.height, config + ", " + d.button);
+        ExpectFits(dialog, config + ", " + d.button);
+        if (HWND heading = d.pane == IDC_CMDOPTIONS ? GetDlgItem(dialog, IDC_LBLVERSION5) : nullptr) {
+            LOGFONTA font{};
+            GetObjectA(reinterpret_cast<HFONT>(SendMessageA(heading, WM_GETFONT, 0, 0)), sizeof font, &font);
+            const int bold = Ink(font, TextOf(heading)), regular = (font.lfWeight = FW_NORMAL, Ink(font, TextOf(heading)));
+            EXPECT_GT(bold * 10, regular * 12) << config << ": the heading \"" << TextOf(heading) << "\" inks "
+                                               << bold << " pixels, in the regular weight " << regular;
+        }
+        ClickAt(Centre(ByText(dialog, "OK")));
+        EXPECT_TRUE(WaitFor([] { return TopWindow("#32770") == nullptr; })) << config << ", " << d.button;
+    }
 }
 
 // A second start of the program brings the first back and ends.
