@@ -11,6 +11,7 @@
 #include <shellapi.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <map>
 
@@ -373,10 +374,7 @@ TEST(RealCyrillic, ACacheRecordsPathGivesTheRowItsProgram) {
     ASSERT_TRUE(CopyFileW(std::wstring(fixture.begin(), fixture.end()).c_str(), program.c_str(), FALSE));
     std::string record(kSlowInfoCacheSize, '\0');
     record[kSlowInfoNameFlag] = 1;
-    for (size_t i = 0; i < program.size(); ++i) {
-        record[kSlowInfoImagePath + 2 * i] = static_cast<char>(program[i] & 0xFF);
-        record[kSlowInfoImagePath + 2 * i + 1] = static_cast<char>(program[i] >> 8);
-    }
+    std::memcpy(&record[kSlowInfoImagePath], program.data(), program.size() * sizeof(wchar_t));  // UTF-16LE
     wine::ApplicationsMachine machine;
     for (const char* value : {"DisplayName", "UninstallString"}) {
         ASSERT_TRUE(wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, kUninstallKey + "\\"s + entry, 0, value, REG_SZ,

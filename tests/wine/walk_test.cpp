@@ -17,6 +17,7 @@
 #include <functional>
 #include <memory>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -111,11 +112,7 @@ HWND Pane() { return GetWindow(GetDlgItem(g_main, IDC_CLIENT), GW_CHILD); }
 HWND List() { return First(Pane(), [](HWND w) { return ClassOf(w) == WC_LISTVIEWA; }); }
 std::string ItemText(HWND list, int item, int column) {
     char text[512] = {};
-    LVITEMA lv{};
-    lv.iSubItem = column;
-    lv.pszText = text;
-    lv.cchTextMax = sizeof text;
-    SendMessageA(list, LVM_GETITEMTEXTA, item, reinterpret_cast<LPARAM>(&lv));
+    ListView_GetItemText(list, item, column, text, sizeof text);  // a statement block, not an expression
     return text;
 }
 // The item with a cell that reads `name`; -1 for none.
@@ -363,11 +360,11 @@ struct Step {
     const char* row;           // the row acted on, by the text of a cell; null for none
     bool check;                // tick the row (Space) as well as select it
     const char *button, *menu;  // the button's text ("##id": double-click a control; "A|B": A, then B), the menu item
-    std::vector<std::string> answers, readOnlyAnswers;
+    std::vector<std::string> answers;
     std::function<bool()> changed;  // the change on the machine is there
     int kept;                  // the row is listed after the change (1), or not (0), or either (-1: a twin stays)...
     COLORREF colour;           // ...drawn in this colour (CLR_NONE: not looked at)
-    bool readOnlyRefused;      // with the program folder read-only the machine stays as it was
+    std::vector<std::string> refusal = {};  // with the program folder read-only: the machine stays, these answered
 };
 
 std::vector<std::string> g_skipped;  // the rows that could not run with a read-only folder
@@ -376,13 +373,12 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
     const std::string what = s.what + std::string(kWayNames[static_cast<int>(way)]);
     if (way == Way::Menu && !s.menu) return;
     Navigate(s.nav);
-    if (HWND control = s.control && s.control != IDC_TVWSTARTUP ? ById(Pane(), s.control) : nullptr) ClickAt(Centre(control));
-    if (s.control == IDC_TVWSTARTUP) {  // the tree's first node, "All Items"
-        union { RECT r; LRESULT item; } place{};  // the message takes the item in the rectangle's place
-        place.item = SendMessageA(ById(Pane(), s.control), TVM_GETNEXTITEM, TVGN_ROOT, 0);
-        SendMessageA(ById(Pane(), s.control), TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place.r));
-        MapWindowPoints(ById(Pane(), s.control), nullptr, reinterpret_cast<POINT*>(&place.r), 2);
-        ClickAt({place.r.left + 5, (place.r.top + place.r.bottom) / 2});
+    HWND control = s.control ? ById(Pane(), s.control) : nullptr;
+    if (RECT r; s.control == IDC_TVWSTARTUP && TreeView_GetItemRect(control, TreeView_GetRoot(control), &r, TRUE)) {
+        MapWindowPoints(control, nullptr, reinterpret_cast<POINT*>(&r), 2);
+        ClickAt({r.left + 5, (r.top + r.bottom) / 2});  // the tree's first node, "All Items"
+    } else if (control) {
+        ClickAt(Centre(control));
     }
     Settle();
     static std::vector<std::string> seen;  // each pane and tab's buttons and frames, once
@@ -398,9 +394,7 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
             FAIL() << what << ": no row among" << rows;
         }
         ClickAt(ItemPoint(list, item));
-        const auto ticked = [&] {
-            return (SendMessageA(list, LVM_GETITEMSTATE, item, LVIS_STATEIMAGEMASK) & LVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2);
-        };
+        const auto ticked = [&] { return ListView_GetCheckState(list, item) != 0; };
         EXPECT_TRUE(WaitFor([&] { return SelectedItem(list) == item; })) << what << ": the click did not select the row";
         if (s.check && !ticked()) Xdo("key space");
         EXPECT_TRUE(!s.check || WaitFor(ticked)) << what << ": Space did not tick the row";
@@ -410,6 +404,7 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
         g_skipped.push_back(s.what);
         return readOnly.reset(), RunStep(s, Way::Button, folder);
     }
+    const std::vector<int> widths = Widths(list);
     if (way == Way::Menu) {
         // A right-click on another row leaves the selection and opens the selected row's menu...
         for (int other = 0; other < static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); ++other) {
@@ -432,18 +427,15 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
         EXPECT_EQ(SelectedItem(list), item) << what << ": a right-click on the empty part moved the selection";
         ChooseMenuItem(menu, s.menu, what);
     } else {
-        const std::string buttons = s.button;
-        for (size_t start = 0, end = 0; start <= buttons.size(); start = end + 1) {
-            end = std::min(buttons.find('|', start), buttons.size());
-            const std::string text = buttons.substr(start, end - start);
+        std::istringstream buttons(s.button);
+        for (std::string text; std::getline(buttons, text, '|');) {
             HWND button = text[0] == '#' ? ById(Pane(), std::atoi(text.c_str() + 2)) : ByText(g_main, text);
             ASSERT_TRUE(button && IsWindowEnabled(button)) << what << ": no button " << text << ", or a grey one";
             ClickAt(Centre(button), 1, text[0] == '#' ? 2 : 1);
         }
     }
-    const bool refused = readOnly && s.readOnlyRefused;
-    const std::vector<int> widths = Widths(list = List());
-    Answer(readOnly ? s.readOnlyAnswers : s.answers, what);
+    const bool refused = readOnly && !s.refusal.empty();
+    Answer(refused ? s.refusal : s.answers, what);
     EXPECT_TRUE(refused ? !s.changed() : WaitFor(s.changed)) << what << (refused ? ": changed" : ": did not change");
     // The list was filled anew: the row is there or gone, in its colour.
     if (s.row && s.kept >= 0) {
@@ -453,9 +445,7 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
         if (kept && !refused && s.colour != CLR_NONE) {
             list = List();
             item = ItemOf(list, s.row);
-            LVITEMA none{};  // a selected row shows the selection's colours, not its own
-            none.stateMask = LVIS_SELECTED;
-            SendMessageA(list, LVM_SETITEMSTATE, item, reinterpret_cast<LPARAM>(&none));
+            ListView_SetItemState(list, item, 0, LVIS_SELECTED);  // a selected row shows the selection's colours
             Sleep(200);
             EXPECT_TRUE(DrawnIn(list, item, s.colour)) << what << ": the row is not drawn in " << std::hex << s.colour;
         }
@@ -513,7 +503,6 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
             running.push_back(std::make_unique<wine::FixtureProcess>(procs + "\\corvanewalk " + name + ".exe"));
         // Alt+N goes to the file name box, wherever the dialog put the keys (the file list, when its folder has files).
         const std::vector<std::string> none, ok{"OK"}, yes{"Yes"}, save{"key:alt+n", "type:" + report, "key:Return"};
-        const std::vector<std::string> saveFull{"key:alt+n", "type:" + fullReport, "key:Return"};
         const auto plain = [&] { return ValueThere(HKEY_LOCAL_MACHINE, run, "CorvaneTest Plain"); };
         const auto helper = [&] { return KeyThere(HKEY_LOCAL_MACHINE, bho); };
         const auto listed = [&] { return Holds(safe, "corvanewalk safe.exe"); };
@@ -521,69 +510,61 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
         const auto shortcut = [&] { return Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); };
         const BrowserUrlField& start = kBrowserUrlFields[kUrlStartPage];
         wine::StartupMachine::SetValue(HKEY_CURRENT_USER, start.key, 0, start.value, REG_SZ, std::string("http://a.test/", 15));
-        const auto blank = [&] {
-            char text[32] = {};
-            DWORD size = sizeof text;
-            RegGetValueA(HKEY_CURRENT_USER, start.key, start.value, RRF_RT_REG_SZ, nullptr, text, &size);
-            return std::string(text) == DefaultBrowserUrl(kUrlStartPage);
-        };
+        const auto blank = [] { Win32Registry r; return LoadBrowserURLs(r)[kUrlStartPage] == DefaultBrowserUrl(kUrlStartPage); };
         const std::vector<Step> steps = {
             {"Add to the safe list", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", true, "Add Checked to Safe list",
-             "Add Checked to Safe list", none, ok, listed, 0, CLR_NONE, true},
+             "Add Checked to Safe list", none, listed, 0, CLR_NONE, ok},
             {"Remove from the safe list", IDC_CMDPROCESS, IDC_OPTFILTER0, "corvanewalk safe.exe", true,
-             "Remove Checked from Safe list", "Remove checked from Safe list", none, ok, std::not_fn(listed), 1, 0, true},
-            {"Kill a process", IDC_CMDPROCESS, 0, "corvanewalk kill.exe", false, "Kill process", "Kill Process", yes, yes,
-             [&] { return running[0]->Ended(0); }, 0, CLR_NONE, false},
+             "Remove Checked from Safe list", "Remove checked from Safe list", none, std::not_fn(listed), 1, 0, ok},
+            {"Kill a process", IDC_CMDPROCESS, 0, "corvanewalk kill.exe", false, "Kill process", "Kill Process", yes,
+             [&] { return running[0]->Ended(0); }, 0, CLR_NONE},
             {"Delete a process", IDC_CMDPROCESS, 0, "corvanewalk delete.exe", false, "Delete Process", "Delete Process", yes,
-             ok, [&] { return !Exists(running[1]->path()) && InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, true},
+             [&] { return !Exists(running[1]->path()) && InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, ok},
             {"View Information", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", false, "View Information", "View Information", ok,
-             ok, always, 1, CLR_NONE, false},
+             always, 1, CLR_NONE},
             {"Process report", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", false, "Generate Report", "Generate Report", save,
-             save, [&] { return Exists(report); }, 1, CLR_NONE, false},
+             [&] { return Exists(report); }, 1, CLR_NONE},
             {"Disable a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", true, "Disable Checked Items",
-             "Disabled Checked Items", none, ok, std::not_fn(plain), 1, 0x808080, true},
+             "Disabled Checked Items", none, std::not_fn(plain), 1, 0x808080, ok},
             {"Enable a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", true, "Enable Checked Items",
-             "Enable Checked Items", none, ok, plain, 1, 0, true},
+             "Enable Checked Items", none, plain, 1, 0, ok},
             {"Delete a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", false, "Delete Selected item",
-             "Delete Selected item", yes, yes, std::not_fn(plain), 0, CLR_NONE, false},  // a live item's delete keeps nothing
+             "Delete Selected item", yes, std::not_fn(plain), 0, CLR_NONE},  // a live item's delete keeps nothing
             {"Disable a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", true, "Disable Checked Items",
-             "Disabled Checked Items", none, ok, std::not_fn(shortcut), 1, 0x808080, true},
+             "Disabled Checked Items", none, std::not_fn(shortcut), 1, 0x808080, ok},
             {"Enable a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", true, "Enable Checked Items",
-             "Enable Checked Items", none, ok, shortcut, 1, 0, true},
+             "Enable Checked Items", none, shortcut, 1, 0, ok},
             {"Delete a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", false, "Delete Selected item",
-             "Delete Selected item", yes, yes, std::not_fn(shortcut), 0, CLR_NONE, false},
+             "Delete Selected item", yes, std::not_fn(shortcut), 0, CLR_NONE},
             {"Disable a helper object", IDC_CMDIE, IDC_CMDBHO, "CorvaneTest Helper", true, "Disable Checked BHO",
-             "Disable Checked BHO", none, ok, std::not_fn(helper), 1, 64, true},
+             "Disable Checked BHO", none, std::not_fn(helper), 1, 64, ok},
             {"Enable a helper object", IDC_CMDIE, IDC_CMDBHO, "CorvaneTest Helper", true, "Enable Checked BHO",
-             "Enable Checked BHO", none, ok, helper, 1, 255, true},
+             "Enable Checked BHO", none, helper, 1, 255, ok},
             {"Delete a toolbar", IDC_CMDIE, IDC_CMDTOOLBAR, "CorvaneTest Bar", false, "Delete Toolbar", "Delete Toolbar", yes,
-             ok, [] { return !ValueThere(HKEY_LOCAL_MACHINE, kMachineToolbarKey, "{C0A7E5E5-0000-4000-8000-000000000003}"); },
-             -1, CLR_NONE, true},
-            {"Delete a button", IDC_CMDIE, IDC_CMDBUT, "CorvaneTest Caf\xE9", false, "Delete Button", "Delete Button", yes, ok,
+             [] { return !ValueThere(HKEY_LOCAL_MACHINE, kMachineToolbarKey, "{C0A7E5E5-0000-4000-8000-000000000003}"); },
+             -1, CLR_NONE, ok},
+            {"Delete a button", IDC_CMDIE, IDC_CMDBUT, "CorvaneTest Caf\xE9", false, "Delete Button", "Delete Button", yes,
              [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kExtensionsKey) + "\\{C0A7E5E5-0000-4000-8000-000000000010}"); },
-             0, CLR_NONE, true},
-            {"Delete a menu item", IDC_CMDIE, IDC_CMDCONTEXT, "CorvaneTest &Menu", false, "Delete Menu Item",
-             "Delete menu Item", yes, ok,
-             [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kMenuExtKey) + "\\CorvaneTest &Menu"); }, -1, CLR_NONE, true},
-            {"Blank start page", IDC_CMDIE, IDC_CMDURLS, nullptr, false, "Blank Page|Apply", nullptr, none, none,
-             blank, 1, CLR_NONE, false},
-            {"Delete Entry", IDC_CMDADDREMOVE, 0, "CorvaneTest Caf\xE9 Full", false, "Delete Entry", "Delete", yes, ok,
-             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestFull"); }, 0, CLR_NONE, true},
-            {"Uninstall", IDC_CMDADDREMOVE, 0, "CorvaneTest Short", false, "Uninstall", "Uninstall", yes, yes,
-             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort"); }, 0, CLR_NONE, false},
-            {"Restore a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Restore", nullptr, ok, ok,
-             [&] { return Exists(running[1]->path()); }, 1, CLR_NONE, false},
-            {"Delete a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Delete", nullptr, yes, ok,
-             [&] { return !InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, true},
+             0, CLR_NONE, ok},
+            {"Delete a menu item", IDC_CMDIE, IDC_CMDCONTEXT, "CorvaneTest &Menu", false, "Delete Menu Item", "Delete menu Item",
+             yes, [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kMenuExtKey) + "\\CorvaneTest &Menu"); }, -1, CLR_NONE, ok},
+            {"Blank start page", IDC_CMDIE, IDC_CMDURLS, nullptr, false, "Blank Page|Apply", nullptr, none, blank, 1, CLR_NONE},
+            {"Delete Entry", IDC_CMDADDREMOVE, 0, "CorvaneTest Caf\xE9 Full", false, "Delete Entry", "Delete", yes,
+             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestFull"); }, 0, CLR_NONE, ok},
+            {"Uninstall", IDC_CMDADDREMOVE, 0, "CorvaneTest Short", false, "Uninstall", "Uninstall", yes,
+             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort"); }, 0, CLR_NONE},
+            {"Restore a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Restore", nullptr, ok,
+             [&] { return Exists(running[1]->path()); }, 1, CLR_NONE},
+            {"Delete a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Delete", nullptr, yes,
+             [&] { return !InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, ok},
             {"Full report of the startup items", IDC_CMDOPTIONS, IDC_CHKSTARTUP, nullptr, false, "Generate Report", nullptr,
-             saveFull, saveFull,
-             [&] { return Holds(fullReport, "CorvaneTest"); }, 1, CLR_NONE, false},
-            {"Pick a colour", IDC_CMDOPTIONS, 0, nullptr, false, colourBox.c_str(), nullptr, {"#720", "OK"}, {"#720", "OK"},
-             [&] { return Holds(app + "\\Settings.ini", "SusColor=8421631"); }, 1, CLR_NONE, true},
-            {"About", IDC_CMDOPTIONS, 0, nullptr, false, "About", nullptr, ok, ok, always, 1, CLR_NONE, false},
+             {"key:alt+n", "type:" + fullReport, "key:Return"}, [&] { return Holds(fullReport, "CorvaneTest"); }, 1, CLR_NONE},
+            {"Pick a colour", IDC_CMDOPTIONS, 0, nullptr, false, colourBox.c_str(), nullptr, {"#720", "OK"},
+             [&] { return Holds(app + "\\Settings.ini", "SusColor=8421631"); }, 1, CLR_NONE, {"#720", "OK"}},
+            {"About", IDC_CMDOPTIONS, 0, nullptr, false, "About", nullptr, ok, always, 1, CLR_NONE},
         };
         Program program(app);
-            for (const Step& step : steps) RunStep(step, way, app);
+        for (const Step& step : steps) RunStep(step, way, app);
     }
     EXPECT_TRUE(golden::Matches("walk-texts.txt", g_texts));
     for (const std::string& name : g_skipped) std::printf("Ran without a read-only program folder: %s\n", name.c_str());
