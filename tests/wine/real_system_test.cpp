@@ -8,6 +8,8 @@
 #include <windows.h>
 #include <shlwapi.h>
 
+#include <algorithm>
+#include <cstring>
 #include <map>
 
 #include "applications/application_commands.h"
@@ -25,6 +27,7 @@
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
+#include "platform/win32/file_hasher_win32.h"
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/program_runner_win32.h"
 #include "platform/win32/shortcuts_win32.h"
@@ -280,5 +283,36 @@ TEST(RealSystem, OlderWindowsAsTheyReportThemselvesAndTheirProcesses) {
     }
 }
 
+// ---- RealCyrillic: a system of code page 1251 ----
+
+// The cache record keeps its program's path in UTF-16, which the row takes
+// into the system's ANSI code page. Wine takes that code page from the Unix
+// locale, so ctest runs this under LC_ALL=ru_RU.UTF-8: a letter the row put
+// as "?" would lose the program's file, its icon and its facts.
+TEST(RealCyrillic, ACacheRecordsPathGivesTheRowItsProgram) {
+    ASSERT_EQ(GetACP(), 1251u) << "run under LC_ALL=ru_RU.UTF-8, as ctest does";
+    const std::string folder = wine::FreshFolder("cyrillic"), fixture = wine::TestFolder() + "\\fixture_full.exe";
+    const std::string entry = "CorvaneTestCyrillic";  // ASCII paths, so widened byte by byte
+    const std::wstring program = std::wstring(folder.begin(), folder.end()) + L"\\\u043f\u0440\u043e\u0433\u0440\u0430\u043c\u043c\u0430.exe";
+    ASSERT_TRUE(CopyFileW(std::wstring(fixture.begin(), fixture.end()).c_str(), program.c_str(), FALSE));
+    std::string record(kSlowInfoCacheSize, '\0');
+    record[kSlowInfoNameFlag] = 1;
+    std::memcpy(&record[kSlowInfoImagePath], program.data(), program.size() * sizeof(wchar_t));  // UTF-16LE
+    wine::ApplicationsMachine machine;
+    for (const char* value : {"DisplayName", "UninstallString"}) {
+        ASSERT_TRUE(wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, kUninstallKey + "\\"s + entry, 0, value, REG_SZ,
+                                                   "CorvaneTest Cyrillic\0"s));
+    }
+    ASSERT_TRUE(wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, kArpCacheKey + "\\"s + entry, 0, "SlowInfoCache",
+                                               REG_BINARY, record));
+    Live l;
+    Win32TextEncoding ansi;
+    ApplicationSources sources{l.registry, l.facts, ansi};
+    const std::vector<Row> rows = CollectApplications(sources, ApplicationListOptions{});
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row& r) { return r.key == entry; });
+    ASSERT_NE(row, rows.end());
+    EXPECT_EQ(row->iconFile, folder + "\\\xEF\xF0\xEE\xE3\xF0\xE0\xEC\xEC\xE0.exe");
+    EXPECT_GT(l.facts.VersionInfoSize(row->iconFile), 0u) << "its file facts";
+}
 }  // namespace
 }  // namespace corvane
