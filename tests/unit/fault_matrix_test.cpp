@@ -154,10 +154,9 @@ struct KeyRef {
     uint32_t view;
 };
 struct Item {
-    Item(std::string n, std::vector<Place> p, std::vector<KeyRef> k = {}) : name(n), places(p), keys(k) {}
     std::string name;
     std::vector<Place> places;
-    std::vector<KeyRef> keys;  // each whole or gone
+    std::vector<KeyRef> keys{};  // each whole or gone
 };
 
 std::string Canon(const std::optional<std::vector<RegFileKey>>& keys) {
@@ -280,18 +279,15 @@ std::vector<Item> Items() {
 // ---- the rows: every command that changes the machine or a store ----
 
 struct Command {
-    Command(std::string n, std::function<void(World&)> p, std::function<void(World&)> r, std::string g = "",
-            std::string f = "", bool h = false, bool file = false, std::pair<std::string, std::string> b = {})
-        : name(n), prepare(p), run(r), gone(g), folder(f), hklm(h), folderAsFile(file), behind(b) {}
     std::string name;
     std::function<void(World&)> prepare;  // what the pane did before: list, check, select
     std::function<void(World&)> run;
-    std::string gone;     // the item the user confirmed removing, of which the design keeps no copy
-    std::string folder;   // the store folder it checks before it asks; "" when none
+    std::string gone{};     // the item the user confirmed removing, of which the design keeps no copy
+    std::string folder{};   // the store folder it checks before it asks; "" when none
     bool hklm = false;    // it changes machine-wide keys
     bool folderAsFile = false;            // still has work to do when `folder` is a plain file
-    std::pair<std::string, std::string> behind;  // a store the pane read, and what someone adds to it meanwhile
-    std::string whole;    // a file that ends as it was, as a whole run leaves it, or not at all
+    std::pair<std::string, std::string> behind{};  // a store the pane read, and what someone adds to it meanwhile
+    std::string whole{};    // a file that ends as it was, as a whole run leaves it, or not at all
     bool onlyCopy = false;  // it rewrites the one copy there is, which no read-back can save
 };
 
@@ -306,21 +302,15 @@ std::vector<Command> Commands() {
         const bool run = p.location.find("Startup") == std::string::npos;
         const bool machine = p.location != kLocHKCU && run;
         const std::string location = p.location;
-        const auto check = [location](const char* enabled) {
-            return [location, enabled](World& w) {
-                w.Collect();
-                for (StartupRow& r : w.list.rows) {
-                    r.checked = r.cells[kStartupColLocation] == location && r.cells[kStartupColEnabled] == enabled;
-                }
-            };
-        };
-        const auto select = [location](std::string name) {
-            return [location, name](World& w) {
+        // The place's rows shown `enabled` checked, and the row `name` selected.
+        const auto pick = [location](std::string enabled, std::string name) {
+            return [=](World& w) {
                 w.Collect();
                 for (size_t i = 0; i < w.list.rows.size(); ++i) {
-                    if (w.list.rows[i].cells[kStartupColName] == name && w.list.rows[i].cells[kStartupColLocation] == location) {
-                        w.selected = static_cast<int>(i);
-                    }
+                    StartupRow& r = w.list.rows[i];
+                    const bool here = r.cells[kStartupColLocation] == location;
+                    r.checked = here && r.cells[kStartupColEnabled] == enabled;
+                    if (here && r.cells[kStartupColName] == name) w.selected = static_cast<int>(i);
                 }
             };
         };
@@ -328,16 +318,16 @@ std::vector<Command> Commands() {
         const auto behind = run ? std::pair{RunStorePath(kApp, location), FormatStoreLine("Foreign", "C:\\f.exe", location)}
                                 : std::pair<std::string, std::string>{};
         const auto del = [](World& w) { DeleteSelectedItem(w.startupPorts, w.places, w.list, w.selected); };
-        rows.push_back({"disable " + location, check("True"),
+        rows.push_back({"disable " + location, pick("True", ""),
                         [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
                         !run, behind});
-        rows.push_back({"enable " + location, check("False"),
+        rows.push_back({"enable " + location, pick("False", ""),
                         [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
                         false, behind});
         // A live item's delete keeps nothing, so only a stored item's delete needs its store folder.
-        rows.push_back({"delete " + p.live + "|" + location, select(p.live), del, p.live + "|" + location, "",
+        rows.push_back({"delete " + p.live + "|" + location, pick("", p.live), del, p.live + "|" + location, "",
                         machine, false, behind});
-        rows.push_back({"delete " + p.stored + "|" + location, select(p.stored), del, p.stored + "|" + location,
+        rows.push_back({"delete " + p.stored + "|" + location, pick("", p.stored), del, p.stored + "|" + location,
                         store, false, false, behind});
     }
     const std::string dbho = kApp + "\\" + kHelperObjectStore, backup = kApp + "\\backup";
