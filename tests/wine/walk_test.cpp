@@ -184,18 +184,14 @@ void ExpectFits(HWND window, const std::string& what) {
             const SIZE size = DrawnSize(c, text, wrap);
             EXPECT_TRUE(size.cx <= room && size.cy <= client.bottom)
                 << what << ": " << Describe(c) << " needs " << size.cx << " x " << size.cy;
-        } else if (cls == "SysHeader32") {
-            const int count = static_cast<int>(SendMessageA(c, HDM_GETITEMCOUNT, 0, 0));
-            for (int column = 0; column < count; ++column) {
-                char caption[260] = {};
-                HDITEMA item{};
-                item.mask = HDI_TEXT | HDI_WIDTH;
-                item.pszText = caption;
-                item.cchTextMax = sizeof caption;
-                SendMessageA(c, HDM_GETITEMA, column, reinterpret_cast<LPARAM>(&item));
-                // Zero wide is a column the pane hides on purpose.
-                EXPECT_TRUE(item.cxy == 0 || DrawnSize(c, caption).cx + 12 <= item.cxy)
-                    << what << ": the header \"" << caption << "\" is cut to " << item.cxy << " pixels";
+        } else if (cls == WC_LISTVIEWA) {
+            // A column shows its widest cell whole; zero wide is one the pane hides on purpose.
+            for (int column = 0; column < Header_GetItemCount(ListView_GetHeader(c)); ++column) {
+                const int width = ListView_GetColumnWidth(c, column);
+                for (int row = 0; width && row < ListView_GetItemCount(c); ++row) {
+                    const std::string cell = ItemText(c, row, column);
+                    EXPECT_LE(ListView_GetStringWidth(c, cell.c_str()), width) << what << ": column " << column << " cuts \"" << cell << "\"";
+                }
             }
         }
     }
@@ -346,8 +342,13 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
     const std::string what = s.what + std::string(kWayNames[static_cast<int>(way)]);
     if (way == Way::Menu && !s.menu) return;
     Navigate(s.nav);
-    if (HWND control = s.control ? ById(Pane(), s.control) : nullptr) ClickAt(Centre(control));
-    if (s.control == IDC_TVWSTARTUP) Xdo("key Home");  // the tree's first node, "All Items"
+    HWND control = s.control ? ById(Pane(), s.control) : nullptr;
+    if (RECT r; s.control == IDC_TVWSTARTUP && TreeView_GetItemRect(control, TreeView_GetRoot(control), &r, TRUE)) {
+        MapWindowPoints(control, nullptr, reinterpret_cast<POINT*>(&r), 2);
+        ClickAt({r.left + 5, (r.top + r.bottom) / 2});  // the tree's first node, "All Items"
+    } else if (control) {
+        ClickAt(Centre(control));
+    }
     Settle();
     static std::vector<std::string> seen;  // each pane and tab's buttons and frames, once
     if (const std::string texts = DialogTexts(Pane(), "a pane"); std::find(seen.begin(), seen.end(), texts) == seen.end()) {
@@ -356,11 +357,7 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
     HWND list = List();
     int item = -1;
     if (s.row) {
-        if (!WaitFor([&] { return (item = ItemOf(list = List(), s.row)) >= 0; })) {
-            std::string rows;
-            for (int i = 0; i < ListView_GetItemCount(list); ++i) rows += " | " + ItemText(list, i, 0);
-            FAIL() << what << ": no row among" << rows;
-        }
+        if (!WaitFor([&] { return (item = ItemOf(list = List(), s.row)) >= 0; })) FAIL() << what << ": the row is not listed";
         ClickAt(ItemPoint(list, item));
         if (s.check && !ListView_GetCheckState(list, item)) Xdo("key space");
     }

@@ -79,7 +79,8 @@ unsigned long Run(const std::string& commandLine, unsigned long timeoutMs) {
 
 std::string RunUnix(const std::string& command) {
     static int count = 0;
-    const std::string out = "/tmp/corvane-unix-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
+    // Wine's process ids repeat across the prefixes of tests run side by side: the tick keeps the name ours.
+    const std::string out = "/tmp/corvane-unix-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount()) + "-" + std::to_string(++count);
     if (HANDLE shell = Start("/bin/sh -c \"(" + command + ") >" + out + ".part 2>&1; mv " + out + ".part " + out + "\"").first) {
         CloseHandle(shell);
     }
