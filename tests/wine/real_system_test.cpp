@@ -31,10 +31,7 @@
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/program_runner_win32.h"
 #include "platform/win32/shortcuts_win32.h"
-#include "wine/applications_machine.h"
-#include "wine/browser_machine.h"
-#include "wine/fixture_process.h"
-#include "wine/startup_machine.h"
+#include "wine/machines.h"
 
 namespace corvane {
 namespace {
@@ -81,10 +78,7 @@ TEST(RealContract, EachAdapterKeepsItsFakesContract) {
     contract::CheckFileSystemContract(l.files, wine::FreshFolder("fs-contract"));
     Win32Profile profile;
     contract::CheckProfileContract(profile, wine::FreshFolder("profile-contract") + "\\Settings.ini");
-    const auto make = [](const std::string& path, const std::string& target, const std::string& arguments,
-                         const std::string& icon, int index) {
-        ASSERT_TRUE(wine::MakeShortcut(path, target, arguments, icon, index)) << path;
-    };
+    const auto make = [](const std::string& path, const auto&... rest) { ASSERT_TRUE(wine::MakeShortcut(path, rest...)) << path; };
     Win32Shortcuts shortcuts;
     contract::CheckShortcutContract(shortcuts, {make, l.files, wine::FreshFolder("shortcut-contract"),
                                                 wine::TestFolder() + "\\fixture_full.exe"});
@@ -300,10 +294,10 @@ TEST(RealCyrillic, ACacheRecordsPathGivesTheRowItsProgram) {
     std::memcpy(&record[kSlowInfoImagePath], program.data(), program.size() * sizeof(wchar_t));  // UTF-16LE
     wine::ApplicationsMachine machine;
     for (const char* value : {"DisplayName", "UninstallString"}) {
-        ASSERT_TRUE(wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, kUninstallKey + "\\"s + entry, 0, value, REG_SZ,
+        ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, kUninstallKey + "\\"s + entry, 0, value, REG_SZ,
                                                    "CorvaneTest Cyrillic\0"s));
     }
-    ASSERT_TRUE(wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, kArpCacheKey + "\\"s + entry, 0, "SlowInfoCache",
+    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, kArpCacheKey + "\\"s + entry, 0, "SlowInfoCache",
                                                REG_BINARY, record));
     Live l;
     Win32TextEncoding ansi;

@@ -13,6 +13,7 @@
 #include "foundations/app_identity.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
+#include "platform/win32/file_system_win32.h"
 #include "platform/win32/registry_win32.h"
 
 namespace corvane::wine {
@@ -26,11 +27,8 @@ namespace {
 
 // Whether a new file can be made in `folder` now (it is taken away again).
 bool TakesNewFile(const std::string& folder) {
-    const std::string probe = folder + "\\~probe.tmp";
-    HANDLE file = CreateFileA(probe.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    CloseHandle(file);
-    return DeleteFileA(probe.c_str()), true;
+    Win32FileSystem files;
+    return files.Write(folder + "\\~probe.tmp", "") == kNoError && files.Delete(folder + "\\~probe.tmp") == kNoError;
 }
 
 // Sets or clears the immutable attribute of the folder's whole tree, as
@@ -81,7 +79,8 @@ unsigned long Run(const std::string& commandLine, unsigned long timeoutMs) {
 
 std::string RunUnix(const std::string& command) {
     static int count = 0;
-    const std::string out = "/tmp/corvane-unix-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
+    // Wine's process ids repeat across the prefixes of tests run side by side: the tick keeps the name ours.
+    const std::string out = "/tmp/corvane-unix-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount()) + "-" + std::to_string(++count);
     if (HANDLE shell = Start("/bin/sh -c \"(" + command + ") >" + out + ".part 2>&1; mv " + out + ".part " + out + "\"").first) {
         CloseHandle(shell);
     }
@@ -113,16 +112,7 @@ std::string FromUnixPath(std::string path) {
 
 bool ImportRegFile(const std::string& path) { return Run("regedit.exe /s \"" + path + "\"") == 0; }
 
-std::string FileBytes(const std::string& path) {
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return {};
-    std::string bytes(GetFileSize(file, nullptr), '\0');
-    DWORD got = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &got, nullptr);
-    CloseHandle(file);
-    bytes.resize(got);
-    return bytes;
-}
+std::string FileBytes(const std::string& path) { return Win32FileSystem().Read(path, nullptr).value_or(""); }
 
 std::string PlaceFixture(const std::string& fixture, const std::string& folder, const std::string& name) {
     const std::string path = folder + "\\" + name;

@@ -27,10 +27,7 @@
 #include "processes/process_commands.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
-#include "wine/applications_machine.h"
-#include "wine/browser_machine.h"
-#include "wine/startup_machine.h"
-#include "wine/wine_support.h"
+#include "wine/machines.h"
 
 namespace corvane::sample {
 namespace {
