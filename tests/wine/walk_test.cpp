@@ -244,6 +244,16 @@ void Navigate(int button) {
     g_nav = button;
 }
 
+// While a prompt is up the main window takes no input: a click on another
+// pane's navigation button leaves the pane (and the command waiting in it) alone.
+void ExpectModal(const std::string& what) {
+    EXPECT_FALSE(IsWindowEnabled(g_main)) << what << ": the main window is enabled under a prompt";
+    HWND pane = Pane();
+    ClickAt(Centre(GetDlgItem(GetDlgItem(g_main, IDC_PICLEFT), g_nav == IDC_CMDOPTIONS ? IDC_CMDPROCESS : IDC_CMDOPTIONS)));
+    Sleep(200);
+    EXPECT_EQ(Pane(), pane) << what << ": a navigation click under a prompt changed the pane";
+}
+
 // A pane (named by `pane`) has labels that change with its rows, so only its buttons and frames are taken.
 std::string DialogTexts(HWND dialog, const std::string& pane = "") {
     std::string texts = "== " + (pane.empty() ? TextOf(dialog) : pane) + "\n";
@@ -267,8 +277,7 @@ void Answer(const std::vector<std::string>& answers, const std::string& what) {
             // Our own dialogs must fit; the system's file and colour dialogs (the ones to type in) are Wine's.
             const auto typed = [](HWND w) { return ClassOf(w) == "Edit" && !(GetWindowLongA(w, GWL_STYLE) & ES_READONLY); };
             if (Children(dialog, typed, false).empty()) ExpectFits(dialog, what);
-            // Under a prompt the main window takes no input: a disabled window's controls get no click.
-            EXPECT_TRUE(last || !IsWindowEnabled(g_main)) << what << ": the main window is enabled under a prompt";
+            if (!last) ExpectModal(what);
             last = dialog;
         }
         if (answer[0] == '#') {  // a control of the dialog, near its top left corner
@@ -368,7 +377,17 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
     }
     const std::vector<int> widths = Widths(list);
     if (way == Way::Menu) {
-        // A right-click, here on the empty part below the rows, leaves the selection.
+        // A right-click on another row leaves the selection and opens the selected row's menu...
+        for (int other = 0; other < static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); ++other) {
+            if (other == item || ItemText(list, other, 0).find("orvane") == std::string::npos) continue;
+            ClickAt(ItemPoint(list, other), 3);
+            EXPECT_TRUE(WaitFor([] { return TopWindow("#32768") != nullptr; })) << what << ": no menu on another row";
+            EXPECT_EQ(SelectedItem(list), item) << what << ": a right-click on another row moved the selection";
+            Xdo("key Escape");
+            WaitFor([] { return TopWindow("#32768") == nullptr; });
+            break;
+        }
+        // ...and so does one on the empty part below the rows.
         RECT client;
         GetClientRect(list, &client);
         POINT empty{client.right / 2, client.bottom - 6};
