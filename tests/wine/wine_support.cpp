@@ -81,7 +81,7 @@ std::string RunUnix(const std::string& command) {
     static int count = 0;
     // Wine's process ids repeat across the prefixes of tests run side by side: the tick keeps the name ours.
     const std::string out = "/tmp/corvane-unix-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount()) + "-" + std::to_string(++count);
-    if (HANDLE shell = Start("/bin/sh -c \"(" + command + ") >" + out + ".part 2>&1; mv " + out + ".part " + out + "\"").first) {
+    if (HANDLE shell = Start("/bin/sh -c \"(" + command + ") >" + out + ".new 2>&1; mv " + out + ".new " + out + "\"").first) {
         CloseHandle(shell);
     }
     const std::string done = FromUnixPath(out);
