@@ -4,7 +4,6 @@
 // picks it); the test run replays each as roundtrip_<name> over fixed inputs
 // and the seeds of fuzz/corpus/<name>/, natively and under Wine, holding a
 // seed's exact reading against tests/golden/ where that is the point.
-#include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -14,7 +13,6 @@
 #include <regex>
 #include <set>
 
-#include "applications/installed_applications.h"
 #include "applications/slow_info_cache.h"
 #include "browser/browser_extensions.h"
 #include "fakes/fake_clock.h"
@@ -32,9 +30,7 @@
 #include "processes/backup_store.h"
 #include "processes/reference_lists.h"
 #include "startup/run_key_store.h"
-#include "startup/startup_approved.h"
 #include "startup/startup_commands.h"
-#include "startup/startup_items.h"
 #include "startup/task_file.h"
 #ifndef CORVANE_FUZZ
 #include "support/golden.h"
@@ -95,22 +91,6 @@ int32_t Int32(std::string bytes) {
     return number;
 }
 
-// Records under `path` until the input ends: a tag (bit 7: a subkey, else a value of
-// type tag & 0x0F), the name and a value's data, each after a 16-bit (`wide`) or 8-bit length.
-void Fill(fakes::FakeRegistry& reg, const std::string& path, Input& in, bool wide) {
-    const auto length = [&] { return wide ? in.Length() : in.Byte(); };
-    reg.AddKey(path);
-    while (!in.AtEnd()) {
-        const uint8_t tag = in.Byte();
-        // A registry name holds no NUL, and a key's no backslash.
-        std::string name = in.Bytes(length());
-        std::replace(name.begin(), name.end(), '\0', '_');
-        if (tag & 0x80) std::replace(name.begin(), name.end(), '\\', '_');
-        if (tag & 0x80 && !name.empty()) reg.AddKey(path + "\\" + name);
-        if (!(tag & 0x80)) reg.Put(path, name, tag & 0x0F, in.Bytes(length()));
-    }
-}
-
 // A value as the value list shows it: text less its last byte (two for a
 // list of texts), bytes as they are, a number of the first four.
 RegValueEntry Listed(const std::string& name, uint32_t type, const std::string& bytes) {
@@ -123,14 +103,25 @@ RegValueEntry Listed(const std::string& name, uint32_t type, const std::string& 
 }
 
 // Values and subkeys of any name, type and size (a byte, bit 0: Wine's sorted
-// value order; Fill's wide records): every reader gives the stored bytes, a
-// long name or long data never ends a walk early, every key opened is closed,
-// and the tree, as a .reg backup imported anew, is the same tree.
+// value order; then records until the input ends: a tag, bit 7 a subkey, else a
+// value of type tag & 0x0F; the name and a value's data, each after a 16-bit
+// length): every reader gives the stored bytes, a long name or long data never
+// ends a walk early, every key opened is closed, and the tree, as a .reg backup
+// imported anew, is the same tree.
 PROPERTY(registry_readers) {
     const std::string path = "HKCU\\Software\\Fuzz", key = "Software\\Fuzz";
     fakes::FakeRegistry reg;
     if (in.Byte() & 1) reg.valueOrder = fakes::FakeRegistry::ValueOrder::Sorted;
-    Fill(reg, path, in, true);
+    reg.AddKey(path);
+    while (!in.AtEnd()) {
+        const uint8_t tag = in.Byte();
+        // A registry name holds no NUL, and a key's no backslash.
+        std::string name = in.Bytes(in.Length());
+        std::replace(name.begin(), name.end(), '\0', '_');
+        if (tag & 0x80) std::replace(name.begin(), name.end(), '\\', '_');
+        if (tag & 0x80 && !name.empty()) reg.AddKey(path + "\\" + name);
+        if (!(tag & 0x80)) reg.Put(path, name, tag & 0x0F, in.Bytes(in.Length()));
+    }
     // Only a name past the system's 16,383 characters ends the value list and,
     // like a subkey's name too long to read back, empties the tree.
     const RegValueList list = EnumRegValues(reg, kHKeyCurrentUser, key);
@@ -162,29 +153,6 @@ PROPERTY(registry_readers) {
     fakes::FakeRegistry fresh;
     CHECK(file && file->keys == *tree && ImportRegKeys(fresh, file->keys) == kRegOk);
     CHECK(ReadRegKeyTree(fresh, kHKeyCurrentUser, key) == tree && fresh.OpenHandles() == 0);
-}
-
-// 1-based position of `needle` regardless of case, 0 when missing.
-long Position(const std::string& text, const std::string& needle) {
-    const auto it = std::search(text.begin(), text.end(), needle.begin(), needle.end(),
-                                [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
-    return it == text.end() ? 0 : static_cast<long>(it - text.begin()) + 1;
-}
-
-// CommandToPath on any command line, also past the 16-bit limit of 32,767, against
-// its rule in plain long arithmetic (input: a 16-bit filler length, a byte placing
-// the filler, its byte, the command).
-PROPERTY(command_to_path) {
-    const size_t filler = in.Length(), place = in.Byte(), fill = in.Byte();
-    std::string command = in.Rest();
-    command.insert(place % (command.size() + 1), filler, static_cast<char>(fill));
-    std::string expected = command;
-    const long limit = 32767, p = Position(command, ":"), exe = Position(command, ".exe");
-    const long q = exe ? exe : Position(command, ".dll"), length = q - p + 5;
-    if (p <= limit && p > 1 && exe <= limit && q != 0 && q <= limit && length >= 0 && length <= limit) {
-        expected = command.substr(static_cast<size_t>(p - 2), static_cast<size_t>(length));
-    }
-    CHECK(CommandToPath(command) == expected);
 }
 
 // The lines of a list that are not `entry`, in order.
@@ -233,7 +201,8 @@ bool ValidDate(const std::string& text) {
 
 // An application's cache record of any bytes (input: a byte, bit 0 Windows 2000,
 // bit 1 a decimal comma; the record): each text keeps its form, is empty exactly
-// where its field says "unknown" or overflows, and the walk shows it.
+// where its field says "unknown" or overflows, and the image path is no longer
+// than its field, with no NUL, and empty when its flag is 0.
 PROPERTY(slow_info_cache) {
     const uint8_t switches = in.Byte();
     const bool windows2000 = switches & 1;
@@ -251,61 +220,20 @@ PROPERTY(slow_info_cache) {
     const std::string path = SlowInfoImagePath(fields);
     CHECK(path.size() <= (kSlowInfoCacheSize - kSlowInfoImagePath) / 2 && path.find('\0') == std::string::npos &&
           (record[kSlowInfoNameFlag] != 0 || path.empty()));
-
-    fakes::FakeRegistry registry;
-    fakes::FakeFileFacts facts;
-    for (const char* value : {"DisplayName", "UninstallString"}) registry.PutString(std::string("HKLM\\") + kUninstallKey + "\\App", value, "App");
-    registry.Put(std::string("HKLM\\") + kArpCacheKey + "\\App", "SlowInfoCache", kRegBinary, std::string(record.begin(), record.end()));
-    if (!path.empty()) facts.Add(path, {});
-    ApplicationSources sources{registry, facts};
-    const std::vector<Row> rows = CollectApplications(
-        sources, {.windowsVersionName = windows2000 ? "Microsoft Windows 2000" : "Microsoft Windows XP", .decimalSign = decimalSign});
-    CHECK(rows.size() == 1 && rows[0].cells[kAppColSize] == texts.size && rows[0].cells[kAppColLastUsed] == texts.lastUsed);
-    CHECK(rows[0].cells[kAppColFrequency] == texts.frequency && rows[0].iconFile == path && registry.OpenHandles() == 0);
 }
 
 bool Clean(const std::string& field) { return field.find_first_of("\x01\r\n") == std::string::npos; }
 
-// A process backup's record of any content: a row exactly when the first line
-// holds a separator, with clean fields, the path split whole, and written anew
-// from its fields, the same row.
+// A process backup's record of any content: fields exactly when the first line
+// holds a separator, clean, and written anew from them, the same fields.
 PROPERTY(backup_store) {
     const std::string content = in.Rest();
     const auto fields = ReadBackupRecord(content);
     CHECK(fields.has_value() == (content.substr(0, content.find_first_of("\r\n")).find('\x01') != std::string::npos));
-    fakes::FakeFileSystem files;
-    files.AddFile(BackupRecordPath("C:\\Corvane", "1_1_1_0_0_0"), content);
-    files.AddFile(BackupCopyPath("C:\\Corvane", "1_1_1_0_0_0"), "copy");
-    const auto entries = ListBackups(files, "C:\\Corvane");
-    CHECK(entries.size() == (fields ? 1u : 0u));
     if (!fields) return;
-    const BackupEntry& entry = entries[0];
-    CHECK(Clean(fields->path) && Clean(fields->date) && entry.date == fields->date);
-    CHECK(entry.recordName == "1_1_1_0_0_0.prc" && BackupCopyName(entry.recordName) == "1_1_1_0_0_0.bup");
-    CHECK(entry.folder + entry.fileName == fields->path && entry.fileName.find('\\') == std::string::npos &&
-          (entry.folder.empty() || entry.folder.back() == '\\'));
+    CHECK(Clean(fields->path) && Clean(fields->date));
     const auto again = ReadBackupRecord(BackupRecord(fields->path, fields->date));
     CHECK(again && again->path == fields->path && again->date == fields->date);
-}
-
-// StartupApproved values of any kind, size and name (input: a clock offset in
-// quarter hours; Fill's narrow records): "Disabled by Windows" exactly for 12
-// binary bytes, the first with bit 0 set, and every key opened is closed.
-PROPERTY(startup_approved) {
-    const std::string path = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved\\Run";
-    fakes::FakeClock clock;
-    clock.utcOffsetMinutes = static_cast<int8_t>(in.Byte()) * 15;
-    fakes::FakeRegistry reg;
-    Fill(reg, path, in, false);
-    const WindowsDisabled disabled = WindowsDisabled::Read(reg, clock, kLocHKCU);
-    for (const std::string& name : reg.ValueNames(path)) {
-        const auto stored = reg.Value(path, name);
-        const bool expected = stored->type == kRegBinary && stored->data.size() == kStartupApprovalSize && (stored->data[0] & 1);
-        const std::string text = disabled.TextOf(name);
-        CHECK(text.empty() == !expected && (!expected || text.rfind("Disabled by Windows", 0) == 0));
-        CHECK(!expected || text.size() == 19 || (text.size() >= 33 && text.compare(19, 4, " on ") == 0));
-    }
-    CHECK(reg.OpenHandles() == 0);
 }
 
 // What a task file's reading found, as one text.

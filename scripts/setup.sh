@@ -9,14 +9,19 @@ packages=(
   wine wine64                                # running it
   fonts-wine                                 # Wine's Marlett, Tahoma and MS Sans Serif (a recommends, so named)
   xvfb xauth imagemagick xdotool             # a display, screenshots and clicks
+  locales                                    # the Russian locale below
 )
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
 done
-[ ${#missing[@]} -eq 0 ] && exit 0
-echo "Installing: ${missing[*]}"
 sudo=""
 [ "$(id -u)" -eq 0 ] || sudo="sudo"
-$sudo apt-get update -q
-DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}"
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "Installing: ${missing[*]}"
+  $sudo apt-get update -q
+  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}"
+fi
+# Wine takes a process's ANSI code page from its Unix locale, and a test runs
+# the program in Russian (code page 1251); a fresh system has generated none.
+locale -a 2>/dev/null | grep -qix 'ru_RU.utf8' || $sudo localedef -i ru_RU -f UTF-8 ru_RU.UTF-8

@@ -46,8 +46,7 @@ std::optional<SystemTime> FakeClock::FileTimeToSystemTime(FileTime time) {
 }
 
 std::string FakeClock::ShortDate(const SystemTime& t) {
-    return std::to_string(t.month) + dateSeparator + std::to_string(t.day) + dateSeparator +
-           std::to_string(t.year);
+    return std::to_string(t.month) + "/" + std::to_string(t.day) + "/" + std::to_string(t.year);
 }
 
 std::string FakeClock::LongTime(const SystemTime& t) {

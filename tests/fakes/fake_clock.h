@@ -1,6 +1,6 @@
 #pragma once
 // A clock and a locale in memory: United States formats unless a test sets
-// other separators, and a fixed offset from UTC for local time.
+// another decimal sign, and a fixed offset from UTC for local time.
 #include "platform/clock.h"
 
 namespace corvane::fakes {
@@ -9,17 +9,16 @@ class FakeClock : public Clock {
 public:
     SystemTime now{2003, 1, 5, 31, 14, 5, 9, 0};
     int64_t utcOffsetMinutes = 0;  // local = UTC + offset
-    std::string dateSeparator = "/";
     std::string decimalSign = ".";
     bool failConversions = false;
 
     SystemTime Now() override { return now; }
     std::optional<FileTime> FileTimeToLocalFileTime(FileTime utc) override;
     std::optional<SystemTime> FileTimeToSystemTime(FileTime time) override;
-    // "1/31/2003" and "2:05:09 PM", with dateSeparator in the date.
+    // "1/31/2003" and "2:05:09 PM".
     std::string ShortDate(const SystemTime& time) override;
     std::string LongTime(const SystemTime& time) override;
-    std::string DateSeparator() override { return dateSeparator; }
+    std::string DateSeparator() override { return "/"; }
     std::string DecimalSign() override { return decimalSign; }
 };
 

@@ -32,14 +32,8 @@ class FakeFileFacts : public FileFacts {
 public:
     // Paths, and the names inside a version resource, compare without regard to case.
     void Add(const std::string& path, const FakeFile& file);
-    void Remove(const std::string& path);
 
     bool failVersionRead = false;  // GetFileVersionInfoA fails after the size was given
-
-    // Port calls by operation name ("Exists", "Find", "VersionInfo", ...).
-    std::map<std::string, int> calls;
-    // The calls that go to the disk: all but QueryVersionValue, which reads the caller's block.
-    int DiskReads() const;
 
     uint32_t VersionInfoSize(const std::string& path) override;
     bool VersionInfo(const std::string& path, std::vector<unsigned char>& block) override;

@@ -1,7 +1,5 @@
 #pragma once
-// Hashes without files: each path given a digest answers with it, and every
-// read is counted by the path as asked, so a test sees how often one file
-// was read however its items spell it.
+// Hashes without files: each path given a digest answers with it.
 #include <map>
 #include <optional>
 #include <string>
@@ -15,20 +13,14 @@ public:
     // Paths are the file system's: letters compared without regard to case.
     void Add(const std::string& path, const std::string& digest) { digests_[Fold(path)] = digest; }
     std::optional<std::string> Sha256(const std::string& path) override {
-        ++reads[Fold(path)];
-        ++totalReads;
         const auto found = digests_.find(Fold(path));
         if (found == digests_.end()) return std::nullopt;
         return found->second;
     }
-    std::map<std::string, int> reads;  // by the path in lower case
-    int totalReads = 0;
 
 private:
     static std::string Fold(std::string path) {
-        for (char& c : path) {
-            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-        }
+        for (char& c : path) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
         return path;
     }
     std::map<std::string, std::string> digests_;

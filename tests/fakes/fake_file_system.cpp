@@ -52,9 +52,8 @@ std::string FakeFileSystem::Key(const std::string& path) {
 }
 
 void FakeFileSystem::AddFolder(const std::string& path) {
-    const std::string parent = ParentOf(path);
-    if (!parent.empty() && !nodes_.count(Key(parent))) AddFolder(parent);
-    nodes_[Key(path)] = Node{path, true, {}};
+    AddFile(path, "");
+    nodes_[Key(path)].isFolder = true;
 }
 
 void FakeFileSystem::AddFile(const std::string& path, const std::string& content) {
@@ -125,30 +124,15 @@ std::optional<std::string> FakeFileSystem::Read(const std::string& path, SysErro
     return it->second.content;
 }
 
-SysError FakeFileSystem::Write(const std::string& path, const std::string& content) {
+// Write, Append and WriteAtomic are each one change: a file holds its old
+// content or the new, never a part.
+SysError FakeFileSystem::Put(const char* op, const std::string& path, const std::string& content, bool append) {
     if (!ParentExists(path)) return kPathNotFound;
     if (IsFolder(path)) return failError;
-    if (SysError error = Change("Write", path)) return error;
-    nodes_[Key(path)] = Node{path, false, Landed(content)};
-    return kNoError;
-}
-
-SysError FakeFileSystem::Append(const std::string& path, const std::string& content) {
-    if (!ParentExists(path)) return kPathNotFound;
-    if (IsFolder(path)) return failError;
-    if (SysError error = Change("Append", path)) return error;
+    if (SysError error = Change(op, path)) return error;
     auto it = nodes_.find(Key(path));
-    if (it == nodes_.end()) nodes_[Key(path)] = Node{path, false, Landed(content)};
-    else it->second.content += Landed(content);
-    return kNoError;
-}
-
-SysError FakeFileSystem::WriteAtomic(const std::string& path, const std::string& content) {
-    // One change: the store holds the old content or the new, never a part.
-    if (!ParentExists(path)) return kPathNotFound;
-    if (IsFolder(path)) return failError;
-    if (SysError error = Change("WriteAtomic", path)) return error;
-    nodes_[Key(path)] = Node{path, false, Landed(content)};
+    if (append && it != nodes_.end()) it->second.content += Landed(content);
+    else nodes_[Key(path)] = Node{path, false, Landed(content)};
     return kNoError;
 }
 

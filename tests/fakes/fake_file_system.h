@@ -52,9 +52,15 @@ public:
     bool IsFolder(const std::string& path) override;
     std::optional<std::string> Read(const std::string& path, SysError* error = nullptr,
                                     uint64_t maxBytes = UINT64_MAX) override;
-    SysError Write(const std::string& path, const std::string& content) override;
-    SysError Append(const std::string& path, const std::string& content) override;
-    SysError WriteAtomic(const std::string& path, const std::string& content) override;
+    SysError Write(const std::string& path, const std::string& content) override {
+        return Put("Write", path, content, false);
+    }
+    SysError Append(const std::string& path, const std::string& content) override {
+        return Put("Append", path, content, true);
+    }
+    SysError WriteAtomic(const std::string& path, const std::string& content) override {
+        return Put("WriteAtomic", path, content, false);
+    }
     SysError Delete(const std::string& path) override;
     SysError Move(const std::string& from, const std::string& to, bool replace) override;
     SysError Copy(const std::string& from, const std::string& to, bool overwrite) override;
@@ -76,11 +82,11 @@ private:
 
     // Counts a change and applies the faults; a non-zero result is the failure to return.
     SysError Change(const std::string& op, const std::string& path);
+    SysError Put(const char* op, const std::string& path, const std::string& content, bool append);
     bool Faulty(const std::string& op, const std::string& path) const;
     std::string Landed(std::string content);
     bool ParentExists(const std::string& path) const;
     static std::string Key(const std::string& path);
 };
 
-// Matches a file name against a pattern of "*" and "?", without regard to case.
 }  // namespace corvane::fakes

@@ -50,9 +50,6 @@ bool FakeProcessTable::Fail(uint32_t error) {
 }
 
 bool FakeProcessTable::EnumProcessIds(uint32_t* ids, uint32_t bytes, uint32_t& needed) {
-    ++calls["EnumProcesses"];
-    enumBufferSizes.push_back(bytes);
-    if (enumFails) return Fail(kAccessDenied);
     const size_t room = bytes / 4;
     const size_t count = std::min(room, processes_.size());
     for (size_t i = 0; i < count; ++i) ids[i] = processes_[i].id;
@@ -61,7 +58,6 @@ bool FakeProcessTable::EnumProcessIds(uint32_t* ids, uint32_t bytes, uint32_t& n
 }
 
 ProcessHandle FakeProcessTable::Open(uint32_t access, bool, uint32_t processId) {
-    ++calls["OpenProcess"];
     const FakeProcess* process = Find(processId);
     if (!process) {
         lastError_ = kInvalidParameter;
@@ -79,7 +75,6 @@ ProcessHandle FakeProcessTable::Open(uint32_t access, bool, uint32_t processId) 
 
 bool FakeProcessTable::EnumModules(ProcessHandle process, ModuleHandle* modules, uint32_t bytes,
                                    uint32_t& needed) {
-    ++calls["EnumProcessModules"];
     Handle* handle = HandleOf(process, false);
     if (!handle) return Fail(kInvalidHandle);
     const FakeProcess* target = Find(handle->processId);
@@ -95,7 +90,6 @@ bool FakeProcessTable::EnumModules(ProcessHandle process, ModuleHandle* modules,
 }
 
 uint32_t FakeProcessTable::ModuleFileName(ProcessHandle process, ModuleHandle module, char* buffer, uint32_t size) {
-    ++calls["GetModuleFileNameExA"];
     Handle* handle = HandleOf(process, false);
     const FakeProcess* target = handle ? Find(handle->processId) : nullptr;
     // A null module is the executable; any other must be one of the process's own.
@@ -111,17 +105,11 @@ uint32_t FakeProcessTable::ModuleFileName(ProcessHandle process, ModuleHandle mo
 }
 
 bool FakeProcessTable::Close(ProcessHandle handle) {
-    ++calls["CloseHandle"];
     if (!handles_.erase(handle)) return Fail(kInvalidHandle);
     return true;
 }
 
 ProcessHandle FakeProcessTable::CreateSnapshot() {
-    ++calls["CreateToolhelp32Snapshot"];
-    if (snapshotFails) {
-        lastError_ = kAccessDenied;
-        return 0;
-    }
     Handle snapshot{true, 0, 0, {}, 0};
     for (const FakeProcess& process : processes_) snapshot.ids.push_back(process.id);
     const ProcessHandle handle = nextHandle_++;
@@ -145,7 +133,6 @@ bool FakeProcessTable::Deliver(Handle& snapshot, ProcessEntry& entry) {
 }
 
 bool FakeProcessTable::FirstProcess(ProcessHandle snapshot, ProcessEntry& entry) {
-    ++calls["Process32First"];
     Handle* handle = HandleOf(snapshot, true);
     if (!handle) return Fail(kInvalidHandle);
     handle->next = 0;
@@ -153,14 +140,12 @@ bool FakeProcessTable::FirstProcess(ProcessHandle snapshot, ProcessEntry& entry)
 }
 
 bool FakeProcessTable::NextProcess(ProcessHandle snapshot, ProcessEntry& entry) {
-    ++calls["Process32Next"];
     Handle* handle = HandleOf(snapshot, true);
     if (!handle) return Fail(kInvalidHandle);
     return Deliver(*handle, entry);
 }
 
 bool FakeProcessTable::ExitCode(ProcessHandle process, uint32_t& code) {
-    ++calls["GetExitCodeProcess"];
     Handle* handle = HandleOf(process, false);
     if (!handle) return Fail(kInvalidHandle);
     const FakeProcess* target = Find(handle->processId);
@@ -169,15 +154,13 @@ bool FakeProcessTable::ExitCode(ProcessHandle process, uint32_t& code) {
     return true;
 }
 
-bool FakeProcessTable::Terminate(ProcessHandle process, uint32_t exitCode) {
-    ++calls["TerminateProcess"];
+bool FakeProcessTable::Terminate(ProcessHandle process, uint32_t) {
     Handle* handle = HandleOf(process, false);
     if (!handle) return Fail(kInvalidHandle);
     if (!(handle->access & kProcessTerminate)) return Fail(kAccessDenied);
     const FakeProcess* target = Find(handle->processId);
     if (!target) return Fail(kAccessDenied);
     if (target->terminateFails) return Fail(kAccessDenied);
-    terminateCodes.push_back(exitCode);
     Remove(handle->processId);
     return true;
 }

@@ -32,18 +32,7 @@ public:
     void Remove(uint32_t id);
     bool Running(uint32_t id) const { return index_.count(id) > 0; }
 
-    bool snapshotFails = false;
-    // EnumProcesses fails outright.
-    bool enumFails = false;
-    // The exit code a running process reports.
-
-    // What happened: calls by name, handles not yet closed, the buffer sizes
-    // EnumProcesses was given, the exit codes passed to TerminateProcess and
-    // the time spent in Sleep.
-    std::map<std::string, int> calls;
-    std::vector<uint32_t> enumBufferSizes;
-    std::vector<uint32_t> terminateCodes;
-    uint32_t pausedMilliseconds = 0;
+    // Handles not yet closed.
     size_t OpenHandles() const { return handles_.size(); }
 
     bool EnumProcessIds(uint32_t* ids, uint32_t bytes, uint32_t& needed) override;
@@ -57,7 +46,7 @@ public:
     bool ExitCode(ProcessHandle process, uint32_t& code) override;
     bool Terminate(ProcessHandle process, uint32_t exitCode) override;
     uint32_t LastError() override { return lastError_; }
-    void Pause(uint32_t milliseconds) override { pausedMilliseconds += milliseconds; }
+    void Pause(uint32_t) override {}
 
 private:
     struct Handle {

@@ -13,14 +13,8 @@ constexpr const char* kRootNames[3] = {"HKCR", "HKCU", "HKLM"};
 constexpr const char* kLongRootNames[3] = {"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER", "HKEY_LOCAL_MACHINE"};
 constexpr RegKey kRootKeys[3] = {kHKeyClassesRoot, kHKeyCurrentUser, kHKeyLocalMachine};
 
-int RootIndexOfKey(RegKey key) {
-    for (int i = 0; i < 3; ++i) {
-        if (kRootKeys[i] == key) return i;
-    }
-    return -1;
-}
-
-// The parts of a key path; empty parts, as in "a\\b", are passed over as the system does.
+// The parts of a key path, its root by the short name; empty parts, as in
+// "a\\b", are passed over as the system does.
 std::vector<std::string> SplitPath(const std::string& path) {
     std::vector<std::string> parts;
     size_t start = 0;
@@ -30,10 +24,23 @@ std::vector<std::string> SplitPath(const std::string& path) {
         if (end > start) parts.push_back(path.substr(start, end - start));
         start = end + 1;
     }
-    return parts;
+    for (int i = 0; i < 3; ++i) {
+        if (!parts.empty() && (SameRegName(parts[0], kRootNames[i]) || SameRegName(parts[0], kLongRootNames[i]))) {
+            parts[0] = kRootNames[i];
+            return parts;
+        }
+    }
+    throw std::invalid_argument("FakeRegistry: no such root in " + path);
 }
 
-bool LessName(const std::string& a, const std::string& b) { return RegNameKey(a) < RegNameKey(b); }
+// A value of a key, by name.
+template <class Key>
+auto* FindValue(Key& key, const std::string& name) {
+    for (auto& value : key.values) {
+        if (SameRegName(value.name, name)) return &value;
+    }
+    return static_cast<decltype(&key.values[0])>(nullptr);
+}
 
 std::string JoinPath(const std::vector<std::string>& parts) {
     std::string path;
@@ -50,10 +57,9 @@ std::string FakeRegistry::ViewPath(const std::string& parentPath, const std::str
     // Where the 32-bit view's own branch begins: after HKCR, HKLM\Software
     // or HKLM\Software\Classes. A path already inside it stays as it is.
     size_t at = 0;
-    if (!parts.empty() && (SameRegName(parts[0], "HKCR") || SameRegName(parts[0], "HKEY_CLASSES_ROOT"))) {
+    if (parts[0] == "HKCR") {
         at = 1;
-    } else if (parts.size() >= 2 && (SameRegName(parts[0], "HKLM") || SameRegName(parts[0], "HKEY_LOCAL_MACHINE")) &&
-               SameRegName(parts[1], "Software")) {
+    } else if (parts.size() >= 2 && parts[0] == "HKLM" && SameRegName(parts[1], "Software")) {
         at = parts.size() >= 3 && SameRegName(parts[2], "Classes") ? 3 : 2;
     }
     if (at == 0 || at >= parts.size() || SameRegName(parts[at], "Wow6432Node")) return joined;
@@ -62,72 +68,48 @@ std::string FakeRegistry::ViewPath(const std::string& parentPath, const std::str
 }
 
 FakeRegistry::FakeRegistry() {
-    for (int i = 0; i < 3; ++i) {
-        roots_[i] = std::make_shared<Node>();
-        roots_[i]->name = roots_[i]->path = kRootNames[i];
-    }
+    for (const char* root : kRootNames) MakeKey(root);
 }
 
 FakeRegistry::~FakeRegistry() = default;
 
 // ---- set-up and inspection -------------------------------------------------
 
-std::shared_ptr<FakeRegistry::Node> FakeRegistry::FindSubkey(const Node& node, const std::string& name) {
-    for (const auto& sub : node.subkeys) {
-        if (SameRegName(sub->name, name)) return sub;
+const FakeRegistry::Key* FakeRegistry::Find(const std::string& path) const {
+    const auto it = keys_.find(RegNameKey(JoinPath(SplitPath(path))));
+    return it == keys_.end() ? nullptr : &it->second;
+}
+
+FakeRegistry::Key& FakeRegistry::MakeKey(const std::string& path) {
+    std::string made;
+    Key* key = nullptr;
+    for (const std::string& part : SplitPath(path)) {
+        made += (made.empty() ? "" : "\\") + part;
+        auto [it, added] = keys_.try_emplace(RegNameKey(made), Key{made, nextId_, {}});
+        nextId_ += added;
+        key = &it->second;
+        made = key->path;
     }
-    return nullptr;
+    return *key;
 }
 
-std::shared_ptr<FakeRegistry::Node> FakeRegistry::AddSubkey(const std::shared_ptr<Node>& node,
-                                                            const std::string& name) {
-    auto sub = std::make_shared<Node>();
-    sub->name = name;
-    sub->path = node->path + "\\" + name;
-    sub->parent = node;
-    auto at = std::upper_bound(node->subkeys.begin(), node->subkeys.end(), sub,
-                               [](const auto& a, const auto& b) { return LessName(a->name, b->name); });
-    node->subkeys.insert(at, sub);
-    return sub;
-}
-
-FakeRegistry::NamedValue* FakeRegistry::FindValue(Node& node, const std::string& name) {
-    for (auto& value : node.values) {
-        if (SameRegName(value.name, name)) return &value;
+std::vector<const FakeRegistry::Key*> FakeRegistry::Subkeys(const Key& key) const {
+    const std::u16string below = RegNameKey(key.path) + u'\\';
+    std::vector<const Key*> subkeys;
+    for (auto it = keys_.lower_bound(below); it != keys_.end() && it->first.starts_with(below); ++it) {
+        if (it->first.find(u'\\', below.size()) == std::u16string::npos) subkeys.push_back(&it->second);
     }
-    return nullptr;
+    return subkeys;
 }
 
-std::shared_ptr<FakeRegistry::Node> FakeRegistry::NodeAt(const std::string& path) const {
-    const std::vector<std::string> parts = SplitPath(path);
-    if (parts.empty()) return nullptr;
-    std::shared_ptr<Node> node;
-    for (int i = 0; i < 3; ++i) {
-        if (SameRegName(parts[0], kRootNames[i]) || SameRegName(parts[0], kLongRootNames[i])) node = roots_[i];
-    }
-    if (!node) throw std::invalid_argument("FakeRegistry: no such root in " + path);
-    for (size_t i = 1; i < parts.size() && node; ++i) node = FindSubkey(*node, parts[i]);
-    return node;
-}
-
-std::shared_ptr<FakeRegistry::Node> FakeRegistry::MakeNode(const std::string& path) {
-    const std::vector<std::string> parts = SplitPath(path);
-    std::shared_ptr<Node> node = NodeAt(parts.at(0));
-    for (size_t i = 1; i < parts.size(); ++i) {
-        auto sub = FindSubkey(*node, parts[i]);
-        node = sub ? sub : AddSubkey(node, parts[i]);
-    }
-    return node;
-}
-
-void FakeRegistry::AddKey(const std::string& path) { MakeNode(path); }
+void FakeRegistry::AddKey(const std::string& path) { MakeKey(path); }
 
 void FakeRegistry::Put(const std::string& path, const std::string& name, uint32_t type, std::string_view data) {
-    auto node = MakeNode(path);
-    if (NamedValue* value = FindValue(*node, name)) {
+    Key& key = MakeKey(path);
+    if (NamedValue* value = FindValue(key, name)) {
         value->value = {type, std::string(data)};
     } else {
-        node->values.push_back({name, {type, std::string(data)}});
+        key.values.push_back({name, {type, std::string(data)}});
     }
 }
 
@@ -135,68 +117,64 @@ void FakeRegistry::PutString(const std::string& path, const std::string& name, c
     Put(path, name, kRegSz, text + '\0');
 }
 
-void FakeRegistry::PutDword(const std::string& path, const std::string& name, uint32_t value) {
-    const char bytes[4] = {static_cast<char>(value), static_cast<char>(value >> 8), static_cast<char>(value >> 16),
-                           static_cast<char>(value >> 24)};
-    Put(path, name, kRegDword, std::string_view(bytes, 4));
-}
-
-bool FakeRegistry::KeyExists(const std::string& path) const { return NodeAt(path) != nullptr; }
-
 std::optional<FakeRegistry::StoredValue> FakeRegistry::Value(const std::string& path,
                                                              const std::string& name) const {
-    auto node = NodeAt(path);
-    if (!node) return std::nullopt;
-    const NamedValue* value = FindValue(*node, name);
-    if (!value) return std::nullopt;
-    return value->value;
+    const Key* key = Find(path);
+    const NamedValue* value = key ? FindValue(*key, name) : nullptr;
+    return value ? std::optional(value->value) : std::nullopt;
 }
 
-std::vector<const FakeRegistry::NamedValue*> FakeRegistry::OrderedValues(const Node& node) const {
+std::vector<const FakeRegistry::NamedValue*> FakeRegistry::OrderedValues(const Key& key) const {
     std::vector<const NamedValue*> values;
-    for (const auto& value : node.values) values.push_back(&value);
+    for (const auto& value : key.values) values.push_back(&value);
     if (valueOrder == ValueOrder::Sorted) {
-        std::stable_sort(values.begin(), values.end(),
-                         [](const NamedValue* a, const NamedValue* b) { return LessName(a->name, b->name); });
+        std::stable_sort(values.begin(), values.end(), [](const NamedValue* a, const NamedValue* b) {
+            return RegNameKey(a->name) < RegNameKey(b->name);
+        });
     }
     return values;
 }
 
 std::vector<std::string> FakeRegistry::ValueNames(const std::string& path) const {
     std::vector<std::string> names;
-    if (auto node = NodeAt(path)) {
-        for (const NamedValue* value : OrderedValues(*node)) names.push_back(value->name);
+    if (const Key* key = Find(path)) {
+        for (const NamedValue* value : OrderedValues(*key)) names.push_back(value->name);
     }
     return names;
 }
 
 std::vector<std::string> FakeRegistry::SubkeyNames(const std::string& path) const {
     std::vector<std::string> names;
-    if (auto node = NodeAt(path)) {
-        for (const auto& sub : node->subkeys) names.push_back(sub->name);
+    if (const Key* key = Find(path)) {
+        for (const Key* sub : Subkeys(*key)) names.push_back(sub->path.substr(sub->path.rfind('\\') + 1));
     }
     return names;
 }
 
 // ---- the port ----------------------------------------------------------------
 
-RegError FakeRegistry::Resolve(RegKey key, Handle& out) const {
-    if (const int root = RootIndexOfKey(key); root >= 0) {
-        out = {roots_[root], kKeyAllAccess};
-        return kRegOk;
+RegError FakeRegistry::Resolve(RegKey handle, Key*& key, uint32_t& access) {
+    for (int i = 0; i < 3; ++i) {
+        if (kRootKeys[i] == handle) {
+            key = &keys_.at(RegNameKey(kRootNames[i]));
+            access = kKeyAllAccess;
+            return kRegOk;
+        }
     }
-    auto it = handles_.find(key);
+    const auto it = handles_.find(handle);
     if (it == handles_.end()) return kErrorInvalidHandle;
-    if (it->second.node->deleted) return kErrorKeyDeleted;
-    out = it->second;
+    const auto found = keys_.find(RegNameKey(it->second.path));
+    if (found == keys_.end() || found->second.id != it->second.id) return kErrorKeyDeleted;
+    key = &found->second;
+    access = it->second.access;
     return kRegOk;
 }
 
-RegKey FakeRegistry::NewHandle(std::shared_ptr<Node> node, uint32_t access) {
-    const RegKey key = nextHandle_;
+RegKey FakeRegistry::NewHandle(const Key& key, uint32_t access) {
+    const RegKey handle = nextHandle_;
     nextHandle_ += 4;
-    handles_[key] = {std::move(node), access == kMaximumAllowed ? kKeyAllAccess : access};
-    return key;
+    handles_[handle] = {key.path, key.id, access == kMaximumAllowed ? kKeyAllAccess : access};
+    return handle;
 }
 
 RegError FakeRegistry::Enter(const char* op, const std::string& keyPath, const std::string& valueName,
@@ -210,49 +188,48 @@ RegError FakeRegistry::Enter(const char* op, const std::string& keyPath, const s
 }
 
 RegError FakeRegistry::OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) {
-    ++calls["OpenKey"];
     key = 0;
-    Handle at;
-    if (RegError error = Resolve(parent, at)) return error;
+    Key* at = nullptr;
+    uint32_t rights = 0;
+    if (RegError error = Resolve(parent, at, rights)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
-    const std::string path = ViewPath(at.node->path, subKey, access);
+    const std::string path = ViewPath(at->path, subKey, access);
     if (RegError error = Enter("OpenKey", path, "", false)) return error;
-    std::shared_ptr<Node> node = NodeAt(path);
-    if (!node) return kErrorFileNotFound;
-    key = NewHandle(node, access & ~kKeyWow64Views);
+    const Key* found = Find(path);
+    if (!found) return kErrorFileNotFound;
+    key = NewHandle(*found, access & ~kKeyWow64Views);
     return kRegOk;
 }
 
 RegError FakeRegistry::CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) {
-    ++calls["CreateKey"];
     key = 0;
-    Handle at;
-    if (RegError error = Resolve(parent, at)) return error;
+    Key* at = nullptr;
+    uint32_t rights = 0;
+    if (RegError error = Resolve(parent, at, rights)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
-    const std::string path = ViewPath(at.node->path, subKey, access);
+    const std::string path = ViewPath(at->path, subKey, access);
     if (RegError error = Enter("CreateKey", path, "", true)) return error;
-    key = NewHandle(MakeNode(path), access & ~kKeyWow64Views);
+    key = NewHandle(MakeKey(path), access & ~kKeyWow64Views);
     return kRegOk;
 }
 
 RegError FakeRegistry::CloseKey(RegKey key) {
-    ++calls["CloseKey"];
-    if (RootIndexOfKey(key) >= 0) return kRegOk;
+    if (std::find(std::begin(kRootKeys), std::end(kRootKeys), key) != std::end(kRootKeys)) return kRegOk;
     auto it = handles_.find(key);
     if (it == handles_.end()) return kErrorInvalidHandle;
-    if (RegError error = Enter("CloseKey", it->second.node->path, "", false)) return error;
+    if (RegError error = Enter("CloseKey", it->second.path, "", false)) return error;
     handles_.erase(it);
     return kRegOk;
 }
 
 RegError FakeRegistry::QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data,
                                   uint32_t* size) {
-    ++calls["QueryValue"];
-    Handle at;
-    if (RegError error = Resolve(key, at)) return error;
-    if (!(at.access & kKeyQueryValue)) return kErrorAccessDenied;
-    if (RegError error = Enter("QueryValue", at.node->path, name, false)) return error;
-    const NamedValue* value = FindValue(*at.node, name);
+    Key* at = nullptr;
+    uint32_t access = 0;
+    if (RegError error = Resolve(key, at, access)) return error;
+    if (!(access & kKeyQueryValue)) return kErrorAccessDenied;
+    if (RegError error = Enter("QueryValue", at->path, name, false)) return error;
+    const NamedValue* value = FindValue(*at, name);
     if (!value) {
         if (type) *type = kRegNone;
         return kErrorFileNotFound;
@@ -271,13 +248,14 @@ RegError FakeRegistry::QueryValue(RegKey key, const std::string& name, uint32_t*
 }
 
 RegError FakeRegistry::EnumKey(RegKey key, uint32_t index, char* name, uint32_t* nameLength) {
-    ++calls["EnumKey"];
-    Handle at;
-    if (RegError error = Resolve(key, at)) return error;
-    if (!(at.access & kKeyEnumerateSubKeys)) return kErrorAccessDenied;
-    if (RegError error = Enter("EnumKey", at.node->path, "", false)) return error;
-    if (index >= at.node->subkeys.size()) return kErrorNoMoreItems;
-    const std::string& found = at.node->subkeys[index]->name;
+    Key* at = nullptr;
+    uint32_t access = 0;
+    if (RegError error = Resolve(key, at, access)) return error;
+    if (!(access & kKeyEnumerateSubKeys)) return kErrorAccessDenied;
+    if (RegError error = Enter("EnumKey", at->path, "", false)) return error;
+    const std::vector<const Key*> subkeys = Subkeys(*at);
+    if (index >= subkeys.size()) return kErrorNoMoreItems;
+    const std::string found = subkeys[index]->path.substr(subkeys[index]->path.rfind('\\') + 1);
     if (found.size() + 1 > *nameLength) return kErrorMoreData;
     std::memcpy(name, found.c_str(), found.size() + 1);
     *nameLength = static_cast<uint32_t>(found.size());
@@ -286,14 +264,14 @@ RegError FakeRegistry::EnumKey(RegKey key, uint32_t index, char* name, uint32_t*
 
 RegError FakeRegistry::EnumValue(RegKey key, uint32_t index, char* name, uint32_t* nameLength, uint32_t* type,
                                  uint8_t* data, uint32_t* dataSize) {
-    ++calls["EnumValue"];
-    Handle at;
-    if (RegError error = Resolve(key, at)) return error;
-    if (!(at.access & kKeyQueryValue)) return kErrorAccessDenied;
-    const std::vector<const NamedValue*> values = OrderedValues(*at.node);
+    Key* at = nullptr;
+    uint32_t access = 0;
+    if (RegError error = Resolve(key, at, access)) return error;
+    if (!(access & kKeyQueryValue)) return kErrorAccessDenied;
+    const std::vector<const NamedValue*> values = OrderedValues(*at);
     if (index >= values.size()) return kErrorNoMoreItems;
     const NamedValue& value = *values[index];
-    if (RegError error = Enter("EnumValue", at.node->path, value.name, false)) return error;
+    if (RegError error = Enter("EnumValue", at->path, value.name, false)) return error;
     const uint32_t needed = static_cast<uint32_t>(value.value.data.size());
     if (value.name.size() + 1 > *nameLength) return kErrorMoreData;
     if (data && dataSize && *dataSize < needed) {
@@ -310,45 +288,43 @@ RegError FakeRegistry::EnumValue(RegKey key, uint32_t index, char* name, uint32_
 
 RegError FakeRegistry::SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data,
                                 uint32_t size) {
-    ++calls["SetValue"];
-    Handle at;
-    if (RegError error = Resolve(key, at)) return error;
-    if (!(at.access & kKeySetValue)) return kErrorAccessDenied;
-    if (RegError error = Enter("SetValue", at.node->path, name, true)) return error;
+    Key* at = nullptr;
+    uint32_t access = 0;
+    if (RegError error = Resolve(key, at, access)) return error;
+    if (!(access & kKeySetValue)) return kErrorAccessDenied;
+    if (RegError error = Enter("SetValue", at->path, name, true)) return error;
     const std::string bytes(reinterpret_cast<const char*>(data), data ? size : 0);
-    if (NamedValue* value = FindValue(*at.node, name)) {
+    if (NamedValue* value = FindValue(*at, name)) {
         value->value = {type, bytes};
     } else {
-        at.node->values.push_back({name, {type, bytes}});
+        at->values.push_back({name, {type, bytes}});
     }
     return kRegOk;
 }
 
 RegError FakeRegistry::DeleteValue(RegKey key, const std::string& name) {
-    ++calls["DeleteValue"];
-    Handle at;
-    if (RegError error = Resolve(key, at)) return error;
-    if (!(at.access & kKeySetValue)) return kErrorAccessDenied;
-    NamedValue* value = FindValue(*at.node, name);
+    Key* at = nullptr;
+    uint32_t access = 0;
+    if (RegError error = Resolve(key, at, access)) return error;
+    if (!(access & kKeySetValue)) return kErrorAccessDenied;
+    NamedValue* value = FindValue(*at, name);
     if (!value) return kErrorFileNotFound;
-    if (RegError error = Enter("DeleteValue", at.node->path, name, true)) return error;
-    at.node->values.erase(at.node->values.begin() + (value - at.node->values.data()));
+    if (RegError error = Enter("DeleteValue", at->path, name, true)) return error;
+    at->values.erase(at->values.begin() + (value - at->values.data()));
     return kRegOk;
 }
 
 RegError FakeRegistry::DeleteKey(RegKey parent, const std::string& subKey, uint32_t view) {
-    ++calls["DeleteKey"];
-    Handle at;
-    if (RegError error = Resolve(parent, at)) return error;
+    Key* at = nullptr;
+    uint32_t access = 0;
+    if (RegError error = Resolve(parent, at, access)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
-    std::shared_ptr<Node> node = NodeAt(ViewPath(at.node->path, subKey, view));
-    if (!node) return kErrorFileNotFound;
+    const Key* doomed = Find(ViewPath(at->path, subKey, view));
+    if (!doomed) return kErrorFileNotFound;
     // A root cannot go, nor a key that still has subkeys.
-    auto above = node->parent.lock();
-    if (!above || !node->subkeys.empty()) return kErrorAccessDenied;
-    if (RegError error = Enter("DeleteKey", node->path, "", true)) return error;
-    node->deleted = true;
-    above->subkeys.erase(std::find(above->subkeys.begin(), above->subkeys.end(), node));
+    if (doomed->path.find('\\') == std::string::npos || !Subkeys(*doomed).empty()) return kErrorAccessDenied;
+    if (RegError error = Enter("DeleteKey", doomed->path, "", true)) return error;
+    keys_.erase(RegNameKey(doomed->path));
     return kRegOk;
 }
 

@@ -19,7 +19,6 @@
 // as a 64-bit Windows keeps them. Tests set up the 32-bit view by those paths.
 #include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -49,15 +48,11 @@ public:
     void AddKey(const std::string& path);
     void Put(const std::string& path, const std::string& name, uint32_t type, std::string_view data);
     void PutString(const std::string& path, const std::string& name, const std::string& text);  // REG_SZ, with NUL
-    void PutDword(const std::string& path, const std::string& name, uint32_t value);
-    bool KeyExists(const std::string& path) const;
     std::optional<StoredValue> Value(const std::string& path, const std::string& name) const;
     std::vector<std::string> ValueNames(const std::string& path) const;  // in enumeration order
     std::vector<std::string> SubkeyNames(const std::string& path) const;
     // Handles opened through the port and not yet closed.
     size_t OpenHandles() const { return handles_.size(); }
-    // Port calls by operation name ("EnumValue", "SetValue", ...), faults included.
-    std::map<std::string, int> calls;
 
     // Faults, as in FakeFileSystem. Changes are CreateKey, SetValue,
     // DeleteValue and DeleteKey. `failChange` fails the change with this
@@ -90,37 +85,38 @@ private:
         std::string name;  // as first set
         StoredValue value;
     };
-    struct Node {
-        std::string name;  // as created
-        std::string path;  // "HKCU\Software\Name"
-        std::weak_ptr<Node> parent;
-        bool deleted = false;
-        std::vector<NamedValue> values;               // in the order first set
-        std::vector<std::shared_ptr<Node>> subkeys;   // sorted, as the system keeps them
+    // One key, stored by its full path; a key made again after a delete is
+    // another key, so a handle to the old one finds it gone by its id.
+    struct Key {
+        std::string path;  // "HKCU\Software\Name", each part as created
+        uint64_t id = 0;
+        std::vector<NamedValue> values;  // in the order first set
     };
     struct Handle {
-        std::shared_ptr<Node> node;
+        std::string path;
+        uint64_t id = 0;
         uint32_t access = 0;
     };
 
-    std::shared_ptr<Node> roots_[3];
+    // By RegNameKey of the path, so a key's subkeys follow it in the system's order.
+    std::map<std::u16string, Key> keys_;
     std::map<RegKey, Handle> handles_;
     RegKey nextHandle_ = 0x100;
+    uint64_t nextId_ = 1;
 
-    // The node and rights behind a handle; an error for an unknown handle or a deleted key.
-    RegError Resolve(RegKey key, Handle& out) const;
-    RegKey NewHandle(std::shared_ptr<Node> node, uint32_t access);
+    // The key behind a handle and the rights it was opened with; an error for
+    // an unknown handle or a deleted key.
+    RegError Resolve(RegKey handle, Key*& key, uint32_t& access);
+    RegKey NewHandle(const Key& key, uint32_t access);
     // Counts a call and applies `failIf`; a change also counts towards the
     // change faults. A non-zero result is the failure to return.
     RegError Enter(const char* op, const std::string& keyPath, const std::string& valueName, bool change);
-    std::shared_ptr<Node> NodeAt(const std::string& path) const;
-    // The full path of `subKey` below the handle's key as the view of `access` places it.
+    const Key* Find(const std::string& path) const;
+    // The full path of `subKey` below `parentPath` as the view of `access` places it.
     static std::string ViewPath(const std::string& parentPath, const std::string& subKey, uint32_t access);
-    std::shared_ptr<Node> MakeNode(const std::string& path);
-    std::vector<const NamedValue*> OrderedValues(const Node& node) const;
-    static NamedValue* FindValue(Node& node, const std::string& name);
-    static std::shared_ptr<Node> FindSubkey(const Node& node, const std::string& name);
-    static std::shared_ptr<Node> AddSubkey(const std::shared_ptr<Node>& node, const std::string& name);
+    Key& MakeKey(const std::string& path);
+    std::vector<const Key*> Subkeys(const Key& key) const;
+    std::vector<const NamedValue*> OrderedValues(const Key& key) const;
 };
 
 }  // namespace corvane::fakes

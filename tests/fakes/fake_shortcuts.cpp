@@ -12,7 +12,6 @@ std::string FakeShortcutBytes(const std::string& target, const std::string& argu
 }
 
 std::optional<ShortcutInfo> FakeShortcuts::Read(const std::string& path) {
-    ++reads;
     const auto bytes = files_.Read(path);
     const std::string magic = kMagic;
     if (!bytes || bytes->compare(0, magic.size(), magic) != 0) return std::nullopt;

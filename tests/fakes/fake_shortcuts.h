@@ -16,7 +16,6 @@ std::string FakeShortcutBytes(const std::string& target, const std::string& argu
 class FakeShortcuts : public ShortcutReader {
 public:
     explicit FakeShortcuts(FileSystem& files) : files_(files) {}
-    int reads = 0;
     // Anything but a fake shortcut's bytes reads as no shortcut.
     std::optional<ShortcutInfo> Read(const std::string& path) override;
 

@@ -34,7 +34,6 @@ std::string FakeSystemInfo::ErrorText(int32_t code, size_t size) {
 }
 
 std::string FakeEnvironment::Expand(const std::string& text, size_t size) {
-    ++calls;
     std::string result;
     size_t i = 0;
     while (i < text.size()) {
@@ -64,94 +63,49 @@ std::string FakeEnvironment::Expand(const std::string& text, size_t size) {
 PromptAnswer FakePrompts::Message(const std::string& text, const std::string& title,
                                   PromptIcon icon, PromptButtons buttons) {
     shown.push_back({text, title, icon, buttons});
-    if (!answers.empty()) {
-        const PromptAnswer answer = answers.front();
-        answers.pop_front();
-        return answer;
-    }
     return buttons == PromptButtons::YesNo || buttons == PromptButtons::YesNoCancel ? PromptAnswer::Yes
                                                                                     : PromptAnswer::Ok;
 }
 
 namespace {
 
-template <typename T>
-std::optional<T> Next(std::deque<std::optional<T>>& queue) {
-    if (queue.empty()) return std::nullopt;
-    std::optional<T> answer = queue.front();
-    queue.pop_front();
-    return answer;
-}
-
-}  // namespace
-
-std::optional<std::string> FakePrompts::SaveFile(const std::string& filter, bool overwritePrompt) {
-    saveDialogs.push_back({filter, overwritePrompt});
-    return Next(saveAnswers);
-}
-
-std::optional<int32_t> FakePrompts::PickColor(int32_t initial) {
-    colorDialogs.push_back(initial);
-    return Next(colorAnswers);
-}
-
-namespace {
-
 std::string Trim(const std::string& s) {
     const size_t first = s.find_first_not_of(" \t\r");
-    if (first == std::string::npos) return {};
-    return s.substr(first, s.find_last_not_of(" \t\r") - first + 1);
+    return first == std::string::npos ? std::string() : s.substr(first, s.find_last_not_of(" \t\r") - first + 1);
 }
 
 bool SameText(const std::string& a, const std::string& b) {
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
                return std::tolower(x) == std::tolower(y);
            });
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-bool IsSection(const std::string& line, std::string* name) {
-    const std::string t = Trim(line);
-    if (t.size() < 2 || t.front() != '[') return false;
-    const size_t close = t.find(']');
-    if (close == std::string::npos) return false;
-    *name = Trim(t.substr(1, close - 1));
-    return true;
-}
-
-// Where the key's line is (or npos), and where the section ends (npos when absent).
+// A file's lines, the first line of `key` in the first `section` (npos: none)
+// and the line after that section's last (npos: no such section).
 struct Found {
-    size_t keyLine = std::string::npos;
-    size_t sectionEnd = std::string::npos;
+    std::vector<std::string> lines;
+    size_t keyLine = std::string::npos, sectionEnd = std::string::npos;
 };
 
-Found Find(const std::vector<std::string>& lines, const std::string& section, const std::string& key) {
+Found Find(const std::string& text, const std::string& section, const std::string& key) {
     Found found;
-    bool inside = false;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        std::string name;
-        if (IsSection(lines[i], &name)) {
-            if (inside) return found;
-            inside = SameText(name, section);
-            if (inside) found.sectionEnd = i + 1;
+    std::istringstream in(text);
+    int state = 0;  // 0 before the section, 1 inside it, 2 past it
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        found.lines.push_back(line);
+        const std::string t = Trim(line);
+        const size_t close = t.find(']');
+        if (t.size() >= 2 && t[0] == '[' && close != std::string::npos) {
+            state = state == 0 && SameText(Trim(t.substr(1, close - 1)), section) ? 1 : state == 1 ? 2 : state;
+            if (state == 1) found.sectionEnd = found.lines.size();
             continue;
         }
-        if (!inside) continue;
-        found.sectionEnd = i + 1;
-        const size_t eq = lines[i].find('=');
-        if (eq != std::string::npos && SameText(Trim(lines[i].substr(0, eq)), key) &&
-            found.keyLine == std::string::npos) {
-            found.keyLine = i;
+        if (state != 1) continue;
+        found.sectionEnd = found.lines.size();
+        const size_t eq = line.find('=');
+        if (eq != std::string::npos && SameText(Trim(line.substr(0, eq)), key) && found.keyLine == std::string::npos) {
+            found.keyLine = found.lines.size() - 1;
         }
     }
     return found;
@@ -159,45 +113,35 @@ Found Find(const std::vector<std::string>& lines, const std::string& section, co
 
 }  // namespace
 
-std::string FakeProfile::Read(const std::string& section, const std::string& key,
-                              const std::string& fallback, size_t size, const std::string& path) {
+std::string FakeProfile::Read(const std::string& section, const std::string& key, const std::string& fallback,
+                              size_t size, const std::string& path) {
     std::string value = fallback;
     while (!value.empty() && value.back() == ' ') value.pop_back();
-    auto file = files.find(path);
-    if (file != files.end()) {
-        const std::vector<std::string> lines = Lines(file->second);
-        const Found found = Find(lines, section, key);
-        if (found.keyLine != std::string::npos) {
-            const std::string& line = lines[found.keyLine];
-            value = Trim(line.substr(line.find('=') + 1));
-            if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
-                value.back() == value.front()) {
-                value = value.substr(1, value.size() - 2);
-            }
+    const Found found = Find(files.count(path) ? files[path] : "", section, key);
+    if (found.keyLine != std::string::npos) {
+        const std::string& line = found.lines[found.keyLine];
+        value = Trim(line.substr(line.find('=') + 1));
+        if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front()) {
+            value = value.substr(1, value.size() - 2);
         }
     }
-    if (size == 0) return {};
-    return value.substr(0, size - 1);
+    return size == 0 ? std::string() : value.substr(0, size - 1);
 }
 
 bool FakeProfile::Write(const std::string& section, const std::string& key, const std::string& value,
                         const std::string& path) {
-    if (failWrites) return false;
-    ++writes;
-    std::vector<std::string> lines = Lines(files[path]);
-    const Found found = Find(lines, section, key);
+    Found found = Find(files[path], section, key);
+    std::vector<std::string>& lines = found.lines;
     const std::string entry = key + "=" + value;
     if (found.keyLine != std::string::npos) {
         lines[found.keyLine] = entry;
     } else if (found.sectionEnd != std::string::npos) {
         lines.insert(lines.begin() + static_cast<long>(found.sectionEnd), entry);
     } else {
-        lines.push_back("[" + section + "]");
-        lines.push_back(entry);
+        lines.insert(lines.end(), {"[" + section + "]", entry});
     }
-    std::string text;
-    for (const std::string& line : lines) text += line + "\r\n";
-    files[path] = text;
+    files[path].clear();
+    for (const std::string& line : lines) files[path] += line + "\r\n";
     return true;
 }
 

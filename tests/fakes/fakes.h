@@ -2,7 +2,6 @@
 // In-memory stand-ins for the ports, for native tests and for failures that
 // Wine cannot produce.
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <optional>
 #include <string>
@@ -35,19 +34,15 @@ public:
 class FakeEnvironment : public Environment {
 public:
     std::map<std::string, std::string> variables;
-    int calls = 0;
     std::string Expand(const std::string& text, size_t size) override;
 };
 
 class FakeShell : public Shell {
 public:
-    std::vector<std::string> opened;
-    void Open(const std::string& target) override { opened.push_back(target); }
+    void Open(const std::string&) override {}
 };
 
-// Answers message boxes from a queue (Ok or Yes when it runs dry) and the
-// dialogs from queues of their own (cancelled when they run dry), and keeps
-// every box and dialog it was shown.
+// Answers every message box Yes or Ok, cancels every dialog, and keeps every box it was shown.
 class FakePrompts : public Prompts {
 public:
     struct Shown {
@@ -55,20 +50,11 @@ public:
         PromptIcon icon;
         PromptButtons buttons;
     };
-    struct SaveDialog {
-        std::string filter;
-        bool overwritePrompt;
-    };
     std::vector<Shown> shown;
-    std::deque<PromptAnswer> answers;
-    std::vector<SaveDialog> saveDialogs;
-    std::deque<std::optional<std::string>> saveAnswers;
-    std::vector<int32_t> colorDialogs;  // the colour each colour dialog opened on
-    std::deque<std::optional<int32_t>> colorAnswers;
     PromptAnswer Message(const std::string& text, const std::string& title, PromptIcon icon,
                          PromptButtons buttons) override;
-    std::optional<std::string> SaveFile(const std::string& filter, bool overwritePrompt) override;
-    std::optional<int32_t> PickColor(int32_t initial) override;
+    std::optional<std::string> SaveFile(const std::string&, bool) override { return std::nullopt; }
+    std::optional<int32_t> PickColor(int32_t) override { return std::nullopt; }
 };
 
 // Initialisation files in memory, keyed by path; sections and keys compare
@@ -77,8 +63,6 @@ public:
 class FakeProfile : public Profile {
 public:
     std::map<std::string, std::string> files;  // path -> whole file text
-    bool failWrites = false;
-    int writes = 0;
     std::string Read(const std::string& section, const std::string& key, const std::string& fallback,
                      size_t size, const std::string& path) override;
     bool Write(const std::string& section, const std::string& key, const std::string& value,

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 #include <string>
 
 namespace corvane::golden {
@@ -33,19 +32,11 @@ inline ::testing::AssertionResult Matches(const std::string& name, const std::st
     const std::string expected((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     if (expected == actual) return ::testing::AssertionSuccess();
     // Show the first line that differs, with its number, both ways.
-    std::istringstream a(expected), b(actual);
-    std::string la, lb;
-    int line = 1;
-    while (true) {
-        const bool ha = static_cast<bool>(std::getline(a, la)), hb = static_cast<bool>(std::getline(b, lb));
-        if (!ha && !hb) break;
-        if (!ha || !hb || la != lb) {
-            return ::testing::AssertionFailure() << name << " differs at line " << line << "\n  golden: "
-                                                 << (ha ? la : "(end)") << "\n  actual: " << (hb ? lb : "(end)");
-        }
-        ++line;
-    }
-    return ::testing::AssertionFailure() << name << " differs in its line ends or last byte";
+    const auto at = std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end()).first - expected.begin();
+    const size_t start = at == 0 ? 0 : expected.rfind('\n', at - 1) + 1;  // npos + 1: the first line
+    const auto line = [start](const std::string& text) { return text.substr(start, text.find('\n', start) - start); };
+    return ::testing::AssertionFailure() << name << " differs at line " << std::count(expected.begin(), expected.begin() + start, '\n') + 1
+                                         << "\n  golden: " << line(expected) << "\n  actual: " << line(actual);
 }
 
 }  // namespace corvane::golden

@@ -16,11 +16,7 @@
 #include "applications/installed_applications.h"
 #include "browser/browser_commands.h"
 #include "browser/browser_items.h"
-#include "fakes/command_fakes.h"
-#include "fakes/fake_file_facts.h"
-#include "fakes/fake_process_table.h"
 #include "fakes/fake_program_runner.h"
-#include "fakes/fake_shortcuts.h"
 #include "fakes/fault_injection.h"
 #include "foundations/delete_on_reboot.h"
 #include "foundations/functions.h"
@@ -37,6 +33,7 @@
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
 #include "support/golden.h"
+#include "support/machine.h"
 
 namespace corvane {
 namespace {
@@ -71,22 +68,13 @@ std::string ShortcutFolder(const std::string& location, bool stored) {
 // values that have broken them before: awkward types and names, a text
 // without its NUL, one name in both registry views, a cache record that
 // cannot be opened.
-struct World {
-    fakes::FakeRegistry registry;
-    fakes::FakeFileSystem files;
-    fakes::FakeFileFacts facts;
-    fakes::FakeClock clock;
-    fakes::FakeEnvironment environment;
-    fakes::FakeShortcuts shortcuts{files};
-    fakes::FakePrompts prompts;
-    fakes::FakeSystemInfo system;
-    fakes::FakeProcessTable table;
+struct World : fakes::Machine {
     fakes::FakeProgramRunner runner;
     StartupSources startup{registry, files, facts, clock, environment, shortcuts};
     CommandPorts startupPorts{registry, files, prompts, system};
     BrowserCommandPorts browser{registry, files, prompts, system, clock, kApp};
     ApplicationCommandPorts apps{registry, files, prompts, system, clock, kApp};
-    ProcessCommandPorts processes{table, files, system, prompts, clock, {facts, files, environment, system, prompts}, kApp};
+    ProcessCommandPorts processPorts{processes, files, system, prompts, clock, {facts, files, environment, system, prompts}, kApp};
     BackupCommandPorts backups{files, system, prompts, kApp};
     SelectedProcess process{EncodeNumberKey(1234), "Tool.exe", "C:\\Apps\\"};
     StartupPlaces places;
@@ -122,7 +110,7 @@ struct World {
         registry.AddKey(kBHO + "\\" + kKept + "\\Sub");
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
         facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
-        table.Add(1234, kProgram);
+        processes.Add(1234, kProgram);
         files.AddFile(kProgram, kProgramBytes);
         fakes::FakeFile program;
         program.shortPath = "C:\\APPS\\TOOL.EXE";
@@ -166,10 +154,9 @@ struct KeyRef {
     uint32_t view;
 };
 struct Item {
-    Item(std::string n, std::vector<Place> p, std::vector<KeyRef> k = {}) : name(n), places(p), keys(k) {}
     std::string name;
     std::vector<Place> places;
-    std::vector<KeyRef> keys;  // each whole or gone
+    std::vector<KeyRef> keys{};  // each whole or gone
 };
 
 std::string Canon(const std::optional<std::vector<RegFileKey>>& keys) {
@@ -292,18 +279,15 @@ std::vector<Item> Items() {
 // ---- the rows: every command that changes the machine or a store ----
 
 struct Command {
-    Command(std::string n, std::function<void(World&)> p, std::function<void(World&)> r, std::string g = "",
-            std::string f = "", bool h = false, bool file = false, std::pair<std::string, std::string> b = {})
-        : name(n), prepare(p), run(r), gone(g), folder(f), hklm(h), folderAsFile(file), behind(b) {}
     std::string name;
     std::function<void(World&)> prepare;  // what the pane did before: list, check, select
     std::function<void(World&)> run;
-    std::string gone;     // the item the user confirmed removing, of which the design keeps no copy
-    std::string folder;   // the store folder it checks before it asks; "" when none
+    std::string gone{};     // the item the user confirmed removing, of which the design keeps no copy
+    std::string folder{};   // the store folder it checks before it asks; "" when none
     bool hklm = false;    // it changes machine-wide keys
     bool folderAsFile = false;            // still has work to do when `folder` is a plain file
-    std::pair<std::string, std::string> behind;  // a store the pane read, and what someone adds to it meanwhile
-    std::string whole;    // a file that ends as it was, as a whole run leaves it, or not at all
+    std::pair<std::string, std::string> behind{};  // a store the pane read, and what someone adds to it meanwhile
+    std::string whole{};    // a file that ends as it was, as a whole run leaves it, or not at all
     bool onlyCopy = false;  // it rewrites the one copy there is, which no read-back can save
 };
 
@@ -318,21 +302,15 @@ std::vector<Command> Commands() {
         const bool run = p.location.find("Startup") == std::string::npos;
         const bool machine = p.location != kLocHKCU && run;
         const std::string location = p.location;
-        const auto check = [location](const char* enabled) {
-            return [location, enabled](World& w) {
-                w.Collect();
-                for (StartupRow& r : w.list.rows) {
-                    r.checked = r.cells[kStartupColLocation] == location && r.cells[kStartupColEnabled] == enabled;
-                }
-            };
-        };
-        const auto select = [location](std::string name) {
-            return [location, name](World& w) {
+        // The place's rows shown `enabled` checked, and the row `name` selected.
+        const auto pick = [location](std::string enabled, std::string name) {
+            return [=](World& w) {
                 w.Collect();
                 for (size_t i = 0; i < w.list.rows.size(); ++i) {
-                    if (w.list.rows[i].cells[kStartupColName] == name && w.list.rows[i].cells[kStartupColLocation] == location) {
-                        w.selected = static_cast<int>(i);
-                    }
+                    StartupRow& r = w.list.rows[i];
+                    const bool here = r.cells[kStartupColLocation] == location;
+                    r.checked = here && r.cells[kStartupColEnabled] == enabled;
+                    if (here && r.cells[kStartupColName] == name) w.selected = static_cast<int>(i);
                 }
             };
         };
@@ -340,16 +318,16 @@ std::vector<Command> Commands() {
         const auto behind = run ? std::pair{RunStorePath(kApp, location), FormatStoreLine("Foreign", "C:\\f.exe", location)}
                                 : std::pair<std::string, std::string>{};
         const auto del = [](World& w) { DeleteSelectedItem(w.startupPorts, w.places, w.list, w.selected); };
-        rows.push_back({"disable " + location, check("True"),
+        rows.push_back({"disable " + location, pick("True", ""),
                         [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
                         !run, behind});
-        rows.push_back({"enable " + location, check("False"),
+        rows.push_back({"enable " + location, pick("False", ""),
                         [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
                         false, behind});
         // A live item's delete keeps nothing, so only a stored item's delete needs its store folder.
-        rows.push_back({"delete " + p.live + "|" + location, select(p.live), del, p.live + "|" + location, "",
+        rows.push_back({"delete " + p.live + "|" + location, pick("", p.live), del, p.live + "|" + location, "",
                         machine, false, behind});
-        rows.push_back({"delete " + p.stored + "|" + location, select(p.stored), del, p.stored + "|" + location,
+        rows.push_back({"delete " + p.stored + "|" + location, pick("", p.stored), del, p.stored + "|" + location,
                         store, false, false, behind});
     }
     const std::string dbho = kApp + "\\" + kHelperObjectStore, backup = kApp + "\\backup";
@@ -391,8 +369,8 @@ std::vector<Command> Commands() {
     uninstall.key = kFull;
     uninstall.cells[kAppColCommand] = "MsiExec.exe /X" + kFull;
     rows.push_back({"uninstall", nothing, [uninstall](World& w) { UninstallApplication(w.apps, w.runner, &uninstall, [] {}); }});
-    rows.push_back({"kill", nothing, [](World& w) { cmdKill_Click(w.processes, &w.process); }});
-    rows.push_back({"delete program", nothing, [](World& w) { cmdDelete_Click(w.processes, &w.process); }, "",
+    rows.push_back({"kill", nothing, [](World& w) { cmdKill_Click(w.processPorts, &w.process); }});
+    rows.push_back({"delete program", nothing, [](World& w) { cmdDelete_Click(w.processPorts, &w.process); }, "",
                     kApp + "\\Backup", false, true});
     const auto backupRow = [](World& w) { w.row = BackupRows(w.files, kApp).at(0); };
     rows.push_back({"restore backup", backupRow, [](World& w) { RestoreBackup(w.backups, &w.row, false); }});
@@ -405,7 +383,7 @@ std::vector<Command> Commands() {
     rows.push_back({"safe list remove", nothing, [](World& w) { RemoveFromSafeList(w.files, kApp, {"BETA.exe"}); },
                     "beta.exe"});
     rows.push_back({"delete on reboot, Windows 9x", [](World& w) { w.environment.variables.erase("OS"); },
-                    [](World& w) { DeleteFileOnReboot(w.processes.reboot, kProgram); }});
+                    [](World& w) { DeleteFileOnReboot(w.processPorts.reboot, kProgram); }});
     rows.back().whole = kWinInit;
     rows.push_back({"console report", nothing,
                     [](World& w) {
@@ -489,7 +467,7 @@ void ExpectNothingLost(World& w, const Command& c, const std::vector<Item>& item
     }
     if (crashed) return;
     EXPECT_EQ(w.registry.OpenHandles(), 0u) << context;
-    EXPECT_EQ(w.table.OpenHandles(), 0u) << context;
+    EXPECT_EQ(w.processes.OpenHandles(), 0u) << context;
     for (const std::string& path : w.files.Paths()) {
         if (tempMayStay) break;
         const bool temporary = path.find(".tmp") != std::string::npos || path.find(".restoring") != std::string::npos ||
@@ -555,12 +533,11 @@ TEST(FaultMatrix, NoFaultLosesAnItem) {
                 c.prepare(w);
                 const Before before = Take(w, items, c);
                 Refuse(w, false);
-                fakes::FaultRun run(fault, n, w.registry, w.files);
-                const bool crashed = run.Run([&] { c.run(w); });
+                const auto [crashed, reached] = fakes::RunWithFault(fault, n, w.registry, w.files, [&] { c.run(w); });
                 const bool fileFails = fault == fakes::Fault::FileCallFails || fault == fakes::Fault::FileChangeFails;
                 ExpectNothingLost(w, c, items, before, crashed, crashed || fileFails, done.files.Content(c.whole),
-                                  c.name + ", " + run.Name());
-                if (run.Missed()) break;
+                                  c.name + ", " + fakes::kFaultNames[static_cast<int>(fault)] + " " + std::to_string(n));
+                if (!reached) break;
             }
         }
     }

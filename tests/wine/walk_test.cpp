@@ -11,11 +11,13 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <functional>
 #include <memory>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,11 +26,7 @@
 #include "shell/main_window.h"
 #include "support/golden.h"
 #include "ui/app_context.h"
-#include "wine/applications_machine.h"
-#include "wine/browser_machine.h"
-#include "wine/fixture_process.h"
-#include "wine/startup_machine.h"
-#include "wine/wine_support.h"
+#include "wine/machines.h"
 
 namespace corvane {
 namespace {
@@ -40,22 +38,10 @@ int g_nav = 0;        // the navigation button of the pane shown
 
 // ---- input through X ----
 
-HANDLE Start(std::string line) {
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
-    return CloseHandle(process.hThread), process.hProcess;
-}
-// Runs xdotool; Wine starts a Unix program but cannot wait for it, so the
-// command leaves a file behind when it is done.
+// Runs xdotool, and lets the program read what X sent it.
 void Xdo(const std::string& args) {
-    static int count = 0;
-    const std::string marker = "/tmp/corvane-walk-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
-    CloseHandle(Start("/bin/sh -c \"xdotool " + args + " && touch " + marker + "\""));
-    for (int i = 0; i < 500; ++i, Sleep(10))
-        if (DeleteFileA(("Z:" + marker).c_str())) return Sleep(60);  // and let the program read what X sent it
-    ADD_FAILURE() << "xdotool " << args << " did not finish";
+    if (wine::RunUnix("xdotool " + args).rfind("(no answer", 0) == 0) ADD_FAILURE() << "xdotool " << args << " did not finish";
+    Sleep(60);
 }
 void ClickAt(POINT p, int button = 1, int times = 1) {
     Xdo("mousemove " + std::to_string(p.x) + " " + std::to_string(p.y) + " click --repeat " + std::to_string(times) +
@@ -110,11 +96,7 @@ HWND Pane() { return GetWindow(GetDlgItem(g_main, IDC_CLIENT), GW_CHILD); }
 HWND List() { return First(Pane(), [](HWND w) { return ClassOf(w) == WC_LISTVIEWA; }); }
 std::string ItemText(HWND list, int item, int column) {
     char text[512] = {};
-    LVITEMA lv{};
-    lv.iSubItem = column;
-    lv.pszText = text;
-    lv.cchTextMax = sizeof text;
-    SendMessageA(list, LVM_GETITEMTEXTA, item, reinterpret_cast<LPARAM>(&lv));
+    ListView_GetItemText(list, item, column, text, sizeof text);  // a statement block, not an expression
     return text;
 }
 // The item with a cell that reads `name`; -1 for none.
@@ -123,6 +105,11 @@ int ItemOf(HWND list, const std::string& name) {
     for (int item = 0; item < count; ++item)
         for (int column = 0; column < 4; ++column) if (ItemText(list, item, column) == name) return item;
     return -1;
+}
+std::vector<int> Widths(HWND list) {
+    std::vector<int> widths;
+    for (int c = 0; list && c < Header_GetItemCount(ListView_GetHeader(list)); ++c) widths.push_back(ListView_GetColumnWidth(list, c));
+    return widths;
 }
 int SelectedItem(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, -1, LVNI_SELECTED)); }
 RECT ItemRect(HWND list, int item) {
@@ -175,6 +162,16 @@ void ExpectFits(HWND window, const std::string& what) {
         if (ClassOf(GetParent(c)) == "SysListView32" || ClassOf(GetParent(c)) == "ComboBox") continue;
         EXPECT_TRUE(r.left >= 0 && r.top >= 0 && r.right <= in.right && r.bottom <= in.bottom)
             << what << ": " << Describe(c) << " reaches past its parent's client area";
+        // A control that overlaps a frame stands wholly inside it, or holds it.
+        RECT screen, frame, both;
+        GetWindowRect(c, &screen);
+        for (HWND g = GetWindow(GetParent(c), GW_CHILD); g; g = GetWindow(g, GW_HWNDNEXT)) {
+            if (g == c || !IsWindowVisible(g) || ClassOf(g) != "Button" ||
+                (GetWindowLongA(g, GWL_STYLE) & BS_TYPEMASK) != BS_GROUPBOX || !GetWindowRect(g, &frame))
+                continue;
+            EXPECT_TRUE(!IntersectRect(&both, &frame, &screen) || EqualRect(&both, &screen) || EqualRect(&both, &frame))
+                << what << ": " << Describe(c) << " straddles the frame " << Describe(g);
+        }
         GetClientRect(c, &client);
         const std::string cls = ClassOf(c), text = TextOf(c);
         const LONG style = GetWindowLongA(c, GWL_STYLE), button = style & BS_TYPEMASK, label = style & SS_TYPEMASK;
@@ -187,18 +184,14 @@ void ExpectFits(HWND window, const std::string& what) {
             const SIZE size = DrawnSize(c, text, wrap);
             EXPECT_TRUE(size.cx <= room && size.cy <= client.bottom)
                 << what << ": " << Describe(c) << " needs " << size.cx << " x " << size.cy;
-        } else if (cls == "SysHeader32") {
-            const int count = static_cast<int>(SendMessageA(c, HDM_GETITEMCOUNT, 0, 0));
-            for (int column = 0; column < count; ++column) {
-                char caption[260] = {};
-                HDITEMA item{};
-                item.mask = HDI_TEXT | HDI_WIDTH;
-                item.pszText = caption;
-                item.cchTextMax = sizeof caption;
-                SendMessageA(c, HDM_GETITEMA, column, reinterpret_cast<LPARAM>(&item));
-                // Zero wide is a column the pane hides on purpose.
-                EXPECT_TRUE(item.cxy == 0 || DrawnSize(c, caption).cx + 12 <= item.cxy)
-                    << what << ": the header \"" << caption << "\" is cut to " << item.cxy << " pixels";
+        } else if (cls == WC_LISTVIEWA) {
+            // A column shows its widest cell whole; zero wide is one the pane hides on purpose.
+            for (int column = 0; column < Header_GetItemCount(ListView_GetHeader(c)); ++column) {
+                const int width = ListView_GetColumnWidth(c, column);
+                for (int row = 0; width && row < ListView_GetItemCount(c); ++row) {
+                    const std::string cell = ItemText(c, row, column);
+                    EXPECT_LE(ListView_GetStringWidth(c, cell.c_str()), width) << what << ": column " << column << " cuts \"" << cell << "\"";
+                }
             }
         }
     }
@@ -256,15 +249,17 @@ void Navigate(int button) {
 void ExpectModal(const std::string& what) {
     EXPECT_FALSE(IsWindowEnabled(g_main)) << what << ": the main window is enabled under a prompt";
     HWND pane = Pane();
-    const int other = g_nav == IDC_CMDOPTIONS ? IDC_CMDPROCESS : IDC_CMDOPTIONS;
-    ClickAt(Centre(GetDlgItem(GetDlgItem(g_main, IDC_PICLEFT), other)));
+    ClickAt(Centre(GetDlgItem(GetDlgItem(g_main, IDC_PICLEFT), g_nav == IDC_CMDOPTIONS ? IDC_CMDPROCESS : IDC_CMDOPTIONS)));
     Sleep(200);
     EXPECT_EQ(Pane(), pane) << what << ": a navigation click under a prompt changed the pane";
 }
 
-std::string DialogTexts(HWND dialog) {
-    std::string texts = "== " + TextOf(dialog) + "\n";
-    const auto shown = [](HWND w) { return (ClassOf(w) == "Static" || ClassOf(w) == "Button") && !TextOf(w).empty(); };
+// A pane (named by `pane`) has labels that change with its rows, so only its buttons and frames are taken.
+std::string DialogTexts(HWND dialog, const std::string& pane = "") {
+    std::string texts = "== " + (pane.empty() ? TextOf(dialog) : pane) + "\n";
+    const auto shown = [&](HWND w) {
+        return ((pane.empty() && ClassOf(w) == "Static") || ClassOf(w) == "Button") && !TextOf(w).empty();
+    };
     for (HWND c : Children(dialog, shown)) texts += "  " + TextOf(c) + "\n";
     return std::regex_replace(texts, std::regex("[0-9]+/[0-9]+/[0-9]{4}"), "<date>");  // a file's, made today
 }
@@ -279,8 +274,9 @@ void Answer(const std::vector<std::string>& answers, const std::string& what) {
         if (dialog != last) {
             Sleep(100);
             g_texts += DialogTexts(dialog);
-            // Our own dialogs must fit; the system's file and colour dialogs are Wine's.
-            if (Children(dialog, [](HWND w) { return ClassOf(w) == "Edit"; }, false).empty()) ExpectFits(dialog, what);
+            // Our own dialogs must fit; the system's file and colour dialogs (the ones to type in) are Wine's.
+            const auto typed = [](HWND w) { return ClassOf(w) == "Edit" && !(GetWindowLongA(w, GWL_STYLE) & ES_READONLY); };
+            if (Children(dialog, typed, false).empty()) ExpectFits(dialog, what);
             if (!last) ExpectModal(what);
             last = dialog;
         }
@@ -317,7 +313,6 @@ void ChooseMenuItem(HWND window, const std::string& text, const std::string& wha
     }
     g_texts += "\n";
     if (chosen < 0) return ADD_FAILURE() << what << ": the menu has no \"" << text << "\"", Xdo("key Escape");
-    EXPECT_FALSE(GetMenuState(menu, chosen, MF_BYPOSITION) & MF_GRAYED) << what << ": \"" << text << "\" is grey";
     RECT r{};
     ClickAt((GetMenuItemRect(nullptr, menu, chosen, &r), POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2}));
 }
@@ -342,12 +337,12 @@ struct Step {
     int nav, control;          // the pane's navigation button; a tab, radio button or tree to click first
     const char* row;           // the row acted on, by the text of a cell; null for none
     bool check;                // tick the row (Space) as well as select it
-    const char *button, *menu;  // the button's text ("##id": double-click a control) and the menu item (or null)
-    std::vector<std::string> answers, readOnlyAnswers;
+    const char *button, *menu;  // the button's text ("##id": double-click a control; "A|B": A, then B), the menu item
+    std::vector<std::string> answers;
     std::function<bool()> changed;  // the change on the machine is there
     int kept;                  // the row is listed after the change (1), or not (0), or either (-1: a twin stays)...
     COLORREF colour;           // ...drawn in this colour (CLR_NONE: not looked at)
-    bool readOnlyRefused;      // with the program folder read-only the machine stays as it was
+    std::vector<std::string> refusal = {};  // with the program folder read-only: the machine stays, these answered
 };
 
 std::vector<std::string> g_skipped;  // the rows that could not run with a read-only folder
@@ -356,36 +351,31 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
     const std::string what = s.what + std::string(kWayNames[static_cast<int>(way)]);
     if (way == Way::Menu && !s.menu) return;
     Navigate(s.nav);
-    if (HWND control = s.control && s.control != IDC_TVWSTARTUP ? ById(Pane(), s.control) : nullptr) ClickAt(Centre(control));
-    if (s.control == IDC_TVWSTARTUP) {  // the tree's first node, "All Items"
-        union { RECT r; LRESULT item; } place{};  // the message takes the item in the rectangle's place
-        place.item = SendMessageA(ById(Pane(), s.control), TVM_GETNEXTITEM, TVGN_ROOT, 0);
-        SendMessageA(ById(Pane(), s.control), TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place.r));
-        MapWindowPoints(ById(Pane(), s.control), nullptr, reinterpret_cast<POINT*>(&place.r), 2);
-        ClickAt({place.r.left + 5, (place.r.top + place.r.bottom) / 2});
+    HWND control = s.control ? ById(Pane(), s.control) : nullptr;
+    if (RECT r; s.control == IDC_TVWSTARTUP && TreeView_GetItemRect(control, TreeView_GetRoot(control), &r, TRUE)) {
+        MapWindowPoints(control, nullptr, reinterpret_cast<POINT*>(&r), 2);
+        ClickAt({r.left + 5, (r.top + r.bottom) / 2});  // the tree's first node, "All Items"
+    } else if (control) {
+        ClickAt(Centre(control));
     }
     Settle();
+    static std::vector<std::string> seen;  // each pane and tab's buttons and frames, once
+    if (const std::string texts = DialogTexts(Pane(), "a pane"); std::find(seen.begin(), seen.end(), texts) == seen.end()) {
+        seen.push_back(texts), g_texts += texts;
+    }
     HWND list = List();
     int item = -1;
     if (s.row) {
-        if (!WaitFor([&] { return (item = ItemOf(list = List(), s.row)) >= 0; })) {
-            std::string rows;
-            for (int i = 0; i < ListView_GetItemCount(list); ++i) rows += " | " + ItemText(list, i, 0);
-            FAIL() << what << ": no row among" << rows;
-        }
+        if (!WaitFor([&] { return (item = ItemOf(list = List(), s.row)) >= 0; })) FAIL() << what << ": the row is not listed";
         ClickAt(ItemPoint(list, item));
-        const auto ticked = [&] {
-            return (SendMessageA(list, LVM_GETITEMSTATE, item, LVIS_STATEIMAGEMASK) & LVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2);
-        };
-        EXPECT_TRUE(WaitFor([&] { return SelectedItem(list) == item; })) << what << ": the click did not select the row";
-        if (s.check && !ticked()) Xdo("key space");
-        EXPECT_TRUE(!s.check || WaitFor(ticked)) << what << ": Space did not tick the row";
+        if (s.check && !ListView_GetCheckState(list, item)) Xdo("key space");
     }
     auto readOnly = way == Way::ReadOnly ? std::make_unique<wine::ReadOnlyFolder>(folder) : nullptr;
     if (readOnly && !readOnly->ok()) {
         g_skipped.push_back(s.what);
         return readOnly.reset(), RunStep(s, Way::Button, folder);
     }
+    const std::vector<int> widths = Widths(list);
     if (way == Way::Menu) {
         // A right-click on another row leaves the selection and opens the selected row's menu...
         for (int other = 0; other < static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); ++other) {
@@ -408,12 +398,15 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
         EXPECT_EQ(SelectedItem(list), item) << what << ": a right-click on the empty part moved the selection";
         ChooseMenuItem(menu, s.menu, what);
     } else {
-        HWND button = s.button[0] == '#' ? ById(Pane(), std::atoi(s.button + 2)) : ByText(g_main, s.button);
-        ASSERT_TRUE(button && IsWindowEnabled(button)) << what << ": no button, or a grey one";
-        ClickAt(Centre(button), 1, s.button[0] == '#' ? 2 : 1);
+        std::istringstream buttons(s.button);
+        for (std::string text; std::getline(buttons, text, '|');) {
+            HWND button = text[0] == '#' ? ById(Pane(), std::atoi(text.c_str() + 2)) : ByText(g_main, text);
+            ASSERT_TRUE(button && IsWindowEnabled(button)) << what << ": no button " << text << ", or a grey one";
+            ClickAt(Centre(button), 1, text[0] == '#' ? 2 : 1);
+        }
     }
-    const bool refused = readOnly && s.readOnlyRefused;
-    Answer(readOnly ? s.readOnlyAnswers : s.answers, what);
+    const bool refused = readOnly && !s.refusal.empty();
+    Answer(refused ? s.refusal : s.answers, what);
     EXPECT_TRUE(refused ? !s.changed() : WaitFor(s.changed)) << what << (refused ? ": changed" : ": did not change");
     // The list was filled anew: the row is there or gone, in its colour.
     if (s.row && s.kept >= 0) {
@@ -423,29 +416,23 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
         if (kept && !refused && s.colour != CLR_NONE) {
             list = List();
             item = ItemOf(list, s.row);
-            LVITEMA none{};  // a selected row shows the selection's colours, not its own
-            none.stateMask = LVIS_SELECTED;
-            SendMessageA(list, LVM_SETITEMSTATE, item, reinterpret_cast<LPARAM>(&none));
+            ListView_SetItemState(list, item, 0, LVIS_SELECTED);  // a selected row shows the selection's colours
             Sleep(200);
             EXPECT_TRUE(DrawnIn(list, item, s.colour)) << what << ": the row is not drawn in " << std::hex << s.colour;
         }
+    }
+    // A fill that leaves the list empty keeps the columns as its rows had them.
+    if (list && List() == list && ListView_GetItemCount(list) == 0) {
+        EXPECT_EQ(Widths(list), widths) << what << ": the emptied list's columns were sized anew";
     }
     ExpectFits(Pane(), what);
     readOnly.reset();
     if (refused) RunStep(s, Way::Button, folder);  // the rows after it need what it does
 }
 
-std::vector<std::string> FilesIn(const std::string& folder, const char* pattern) {
-    std::vector<std::string> names;
-    WIN32_FIND_DATAA data;
-    HANDLE find = FindFirstFileA((folder + "\\" + pattern).c_str(), &data);
-    for (bool more = find != INVALID_HANDLE_VALUE; more; more = FindNextFileA(find, &data)) names.push_back(data.cFileName);
-    if (find != INVALID_HANDLE_VALUE) FindClose(find);
-    return names;
-}
 bool InBackup(const std::string& folder, const std::string& text) {
-    for (const std::string& name : FilesIn(folder + "\\backup", "*")) {
-        if (Holds(folder + "\\backup\\" + name, text)) return true;
+    for (const FolderEntry& file : Win32FileSystem().List(folder + "\\backup", "*")) {
+        if (Holds(folder + "\\backup\\" + file.name, text)) return true;
     }
     return false;
 }
@@ -453,8 +440,8 @@ bool InBackup(const std::string& folder, const std::string& text) {
 std::string ProgramFolder(const std::string& extra) {
     const std::string folder = wine::FreshFolder("walk-app");
     for (const std::string& from : {wine::FromUnixPath(CORVANE_DATA_DIR), extra}) {
-        for (const std::string& name : FilesIn(from, "*.qdl")) {
-            CopyFileA((from + "\\" + name).c_str(), (folder + "\\" + name).c_str(), FALSE);
+        for (const FolderEntry& file : Win32FileSystem().List(from, "*.qdl")) {
+            CopyFileA((from + "\\" + file.name).c_str(), (folder + "\\" + file.name).c_str(), FALSE);
         }
     }
     return folder;
@@ -469,70 +456,99 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
         wine::BrowserMachine browser;
         wine::ApplicationsMachine applications;
         const std::string app = ProgramFolder(browser.app), procs = wine::FreshFolder("walk-procs");
-        const std::string report = wine::FreshFolder("walk-out") + "\\processes.txt", safe = app + "\\CommonProcess.qdl";
+        const std::string out = wine::FreshFolder("walk-out"), report = out + "\\processes.txt", fullReport = out + "\\full.txt";
+        const std::string safe = app + "\\CommonProcess.qdl";
         CopyFileA((wine::TestFolder() + "\\fixture_uninstaller.exe").c_str(), (procs + "\\uninstall.exe").c_str(), FALSE);
-        wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort", 0, "UninstallString", REG_SZ,
+        wine::SetValue(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort", 0, "UninstallString", REG_SZ,
                                        "\"" + procs + "\\uninstall.exe\" /remove CorvaneTestShort" + '\0');
         std::vector<std::unique_ptr<wine::FixtureProcess>> running;
         for (const char* name : {"kill", "delete", "safe"})
             running.push_back(std::make_unique<wine::FixtureProcess>(procs + "\\corvanewalk " + name + ".exe"));
-        const std::vector<std::string> none, ok{"OK"}, yes{"Yes"}, save{"type:" + report, "key:Return"};
+        // Alt+N goes to the file name box, wherever the dialog put the keys (the file list, when its folder has files).
+        const std::vector<std::string> none, ok{"OK"}, yes{"Yes"}, save{"key:alt+n", "type:" + report, "key:Return"};
         const auto plain = [&] { return ValueThere(HKEY_LOCAL_MACHINE, run, "CorvaneTest Plain"); };
         const auto helper = [&] { return KeyThere(HKEY_LOCAL_MACHINE, bho); };
         const auto listed = [&] { return Holds(safe, "corvanewalk safe.exe"); };
         const auto always = [] { return true; };
+        const auto shortcut = [&] { return Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); };
+        const BrowserUrlField& start = kBrowserUrlFields[kUrlStartPage];
+        wine::SetValue(HKEY_CURRENT_USER, start.key, 0, start.value, REG_SZ, std::string("http://a.test/", 15));
+        const auto blank = [] { Win32Registry r; return LoadBrowserURLs(r)[kUrlStartPage] == DefaultBrowserUrl(kUrlStartPage); };
         const std::vector<Step> steps = {
             {"Add to the safe list", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", true, "Add Checked to Safe list",
-             "Add Checked to Safe list", none, ok, listed, 0, CLR_NONE, true},
+             "Add Checked to Safe list", none, listed, 0, CLR_NONE, ok},
             {"Remove from the safe list", IDC_CMDPROCESS, IDC_OPTFILTER0, "corvanewalk safe.exe", true,
-             "Remove Checked from Safe list", "Remove checked from Safe list", none, ok, std::not_fn(listed), 1, 0, true},
-            {"Kill a process", IDC_CMDPROCESS, 0, "corvanewalk kill.exe", false, "Kill process", "Kill Process", yes, yes,
-             [&] { return running[0]->Ended(0); }, 0, CLR_NONE, false},
+             "Remove Checked from Safe list", "Remove checked from Safe list", none, std::not_fn(listed), 1, 0, ok},
+            {"Kill a process", IDC_CMDPROCESS, 0, "corvanewalk kill.exe", false, "Kill process", "Kill Process", yes,
+             [&] { return running[0]->Ended(0); }, 0, CLR_NONE},
             {"Delete a process", IDC_CMDPROCESS, 0, "corvanewalk delete.exe", false, "Delete Process", "Delete Process", yes,
-             ok, [&] { return !Exists(running[1]->path()) && InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, true},
+             [&] { return !Exists(running[1]->path()) && InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, ok},
             {"View Information", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", false, "View Information", "View Information", ok,
-             ok, always, 1, CLR_NONE, false},
+             always, 1, CLR_NONE},
             {"Process report", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", false, "Generate Report", "Generate Report", save,
-             save, [&] { return Exists(report); }, 1, CLR_NONE, false},
+             [&] { return Exists(report); }, 1, CLR_NONE},
             {"Disable a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", true, "Disable Checked Items",
-             "Disabled Checked Items", none, ok, std::not_fn(plain), 1, 0x808080, true},
+             "Disabled Checked Items", none, std::not_fn(plain), 1, 0x808080, ok},
             {"Enable a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", true, "Enable Checked Items",
-             "Enable Checked Items", none, ok, plain, 1, 0, true},
+             "Enable Checked Items", none, plain, 1, 0, ok},
             {"Delete a Run value", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest Plain", false, "Delete Selected item",
-             "Delete Selected item", yes, yes, std::not_fn(plain), 0, CLR_NONE, false},  // a live item's delete keeps nothing
+             "Delete Selected item", yes, std::not_fn(plain), 0, CLR_NONE},  // a live item's delete keeps nothing
             {"Disable a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", true, "Disable Checked Items",
-             "Disabled Checked Items", none, ok, [&] { return !Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); }, 1,
-             0x808080, true},
+             "Disabled Checked Items", none, std::not_fn(shortcut), 1, 0x808080, ok},
+            {"Enable a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", true, "Enable Checked Items",
+             "Enable Checked Items", none, shortcut, 1, 0, ok},
+            {"Delete a shortcut", IDC_CMDSTARTUP, IDC_TVWSTARTUP, "CorvaneTest CU.lnk", false, "Delete Selected item",
+             "Delete Selected item", yes, std::not_fn(shortcut), 0, CLR_NONE},
             {"Disable a helper object", IDC_CMDIE, IDC_CMDBHO, "CorvaneTest Helper", true, "Disable Checked BHO",
-             "Disable Checked BHO", none, ok, std::not_fn(helper), 1, 64, true},
+             "Disable Checked BHO", none, std::not_fn(helper), 1, 64, ok},
             {"Enable a helper object", IDC_CMDIE, IDC_CMDBHO, "CorvaneTest Helper", true, "Enable Checked BHO",
-             "Enable Checked BHO", none, ok, helper, 1, 255, true},
+             "Enable Checked BHO", none, helper, 1, 255, ok},
             {"Delete a toolbar", IDC_CMDIE, IDC_CMDTOOLBAR, "CorvaneTest Bar", false, "Delete Toolbar", "Delete Toolbar", yes,
-             ok, [] { return !ValueThere(HKEY_LOCAL_MACHINE, kMachineToolbarKey, "{C0A7E5E5-0000-4000-8000-000000000003}"); },
-             -1, CLR_NONE, true},
-            {"Delete a button", IDC_CMDIE, IDC_CMDBUT, "CorvaneTest Caf\xE9", false, "Delete Button", "Delete Button", yes, ok,
+             [] { return !ValueThere(HKEY_LOCAL_MACHINE, kMachineToolbarKey, "{C0A7E5E5-0000-4000-8000-000000000003}"); },
+             -1, CLR_NONE, ok},
+            {"Delete a button", IDC_CMDIE, IDC_CMDBUT, "CorvaneTest Caf\xE9", false, "Delete Button", "Delete Button", yes,
              [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kExtensionsKey) + "\\{C0A7E5E5-0000-4000-8000-000000000010}"); },
-             0, CLR_NONE, true},
-            {"Delete a menu item", IDC_CMDIE, IDC_CMDCONTEXT, "CorvaneTest &Menu", false, "Delete Menu Item",
-             "Delete menu Item", yes, ok,
-             [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kMenuExtKey) + "\\CorvaneTest &Menu"); }, -1, CLR_NONE, true},
-            {"Delete Entry", IDC_CMDADDREMOVE, 0, "CorvaneTest Caf\xE9 Full", false, "Delete Entry", "Delete", yes, ok,
-             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestFull"); }, 0, CLR_NONE, true},
-            {"Uninstall", IDC_CMDADDREMOVE, 0, "CorvaneTest Short", false, "Uninstall", "Uninstall", yes, yes,
-             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort"); }, 0, CLR_NONE, false},
-            {"Restore a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Restore", nullptr, ok, ok,
-             [&] { return Exists(running[1]->path()); }, 1, CLR_NONE, false},
-            {"Delete a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Delete", nullptr, yes, ok,
-             [&] { return !InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, true},
-            {"Pick a colour", IDC_CMDOPTIONS, 0, nullptr, false, colourBox.c_str(), nullptr, {"#720", "OK"}, {"#720", "OK"},
-             [&] { return Holds(app + "\\Settings.ini", "SusColor=8421631"); }, 1, CLR_NONE, true},
-            {"About", IDC_CMDOPTIONS, 0, nullptr, false, "About", nullptr, ok, ok, always, 1, CLR_NONE, false},
+             0, CLR_NONE, ok},
+            {"Delete a menu item", IDC_CMDIE, IDC_CMDCONTEXT, "CorvaneTest &Menu", false, "Delete Menu Item", "Delete menu Item",
+             yes, [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kMenuExtKey) + "\\CorvaneTest &Menu"); }, -1, CLR_NONE, ok},
+            {"Blank start page", IDC_CMDIE, IDC_CMDURLS, nullptr, false, "Blank Page|Apply", nullptr, none, blank, 1, CLR_NONE},
+            {"Delete Entry", IDC_CMDADDREMOVE, 0, "CorvaneTest Caf\xE9 Full", false, "Delete Entry", "Delete", yes,
+             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestFull"); }, 0, CLR_NONE, ok},
+            {"Uninstall", IDC_CMDADDREMOVE, 0, "CorvaneTest Short", false, "Uninstall", "Uninstall", yes,
+             [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestShort"); }, 0, CLR_NONE},
+            {"Restore a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Restore", nullptr, ok,
+             [&] { return Exists(running[1]->path()); }, 1, CLR_NONE},
+            {"Delete a backup", IDC_CMDOPTIONS, 0, "corvanewalk delete.exe", false, "Delete", nullptr, yes,
+             [&] { return !InBackup(app, "corvanewalk delete.exe"); }, 0, CLR_NONE, ok},
+            {"Full report of the startup items", IDC_CMDOPTIONS, IDC_CHKSTARTUP, nullptr, false, "Generate Report", nullptr,
+             {"key:alt+n", "type:" + fullReport, "key:Return"}, [&] { return Holds(fullReport, "CorvaneTest"); }, 1, CLR_NONE},
+            {"Pick a colour", IDC_CMDOPTIONS, 0, nullptr, false, colourBox.c_str(), nullptr, {"#720", "OK"},
+             [&] { return Holds(app + "\\Settings.ini", "SusColor=8421631"); }, 1, CLR_NONE, {"#720", "OK"}},
+            {"About", IDC_CMDOPTIONS, 0, nullptr, false, "About", nullptr, ok, always, 1, CLR_NONE},
         };
         Program program(app);
-            for (const Step& step : steps) RunStep(step, way, app);
+        for (const Step& step : steps) RunStep(step, way, app);
     }
     EXPECT_TRUE(golden::Matches("walk-texts.txt", g_texts));
     for (const std::string& name : g_skipped) std::printf("Ran without a read-only program folder: %s\n", name.c_str());
+}
+
+// The pixels `text` darkens, drawn black on white in `font`.
+int Ink(const LOGFONTA& font, const std::string& text) {
+    HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
+    HBITMAP bitmap = CreateCompatibleBitmap(screen, 400, 120);
+    ReleaseDC(nullptr, screen);
+    HFONT face = CreateFontIndirectA(&font);
+    HGDIOBJ oldBitmap = SelectObject(dc, bitmap), oldFont = SelectObject(dc, face);
+    RECT all{0, 0, 400, 120};
+    FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    TextOutA(dc, 0, 0, text.c_str(), static_cast<int>(text.size()));
+    int ink = 0;
+    for (int y = 0; y < all.bottom; ++y)
+        for (int x = 0; x < all.right; ++x) ink += GetGValue(GetPixel(dc, x, y)) < 128;
+    SelectObject(dc, oldFont), SelectObject(dc, oldBitmap);
+    DeleteObject(face), DeleteObject(bitmap), DeleteDC(dc);
+    return ink;
 }
 
 void ExpectTwips(const RECT& r, int width, int height, const std::string& what) {
@@ -542,7 +558,7 @@ void ExpectTwips(const RECT& r, int width, int height, const std::string& what) 
 
 // tests/wine/layout-fit runs this in a prefix of its own at 96 and 120 dpi
 // and without Wine's dialog fonts, and says which through the environment.
-TEST(LayoutFitUnderWine, EveryPaneAndTheAboutBoxFit) {
+TEST(LayoutFitUnderWine, EveryPaneAndDialogFits) {
     const char *dpi = std::getenv("CORVANE_FIT_DPI"), *fonts = std::getenv("CORVANE_FIT_FONTS");
     ASSERT_TRUE(!dpi || ScreenDpi() == std::atoi(dpi)) << "the driver's resolution is not in force";
     const bool tahoma = Exists("C:\\windows\\Fonts\\tahoma.ttf");  // seen by a process started after the change
@@ -556,27 +572,41 @@ TEST(LayoutFitUnderWine, EveryPaneAndTheAboutBoxFit) {
         Navigate(button);
         ExpectFits(g_main, config + ", pane " + std::to_string(button));
     }
-    ClickAt(Centre(ByText(g_main, "About")));
-    HWND about = nullptr;
-    ASSERT_TRUE(WaitFor([&] { return (about = TopWindow("#32770")) != nullptr; })) << config;
-    RECT box;
-    GetWindowRect(about, &box);
-    ExpectTwips(box, 6915, 4200, config);
-    ExpectFits(about, config + ", about box");
-    ClickAt(Centre(ByText(about, "OK")));
-    EXPECT_TRUE(WaitFor([] { return TopWindow("#32770") == nullptr; })) << config;
+    // Each dialog keeps its fixed size with its texts fitted in; the about
+    // box's heading is drawn bold, which only its pixels can tell.
+    const struct { int pane; const char* button; int width, height; } dialogs[] = {
+        {IDC_CMDPROCESS, "View Information", 7635, 4500}, {IDC_CMDOPTIONS, "About", 6915, 4200}};
+    for (const auto& d : dialogs) {
+        Navigate(d.pane);
+        ClickAt(Centre(ByText(g_main, d.button)));
+        HWND dialog = nullptr;
+        ASSERT_TRUE(WaitFor([&] { return (dialog = TopWindow("#32770")) != nullptr; })) << config << ", " << d.button;
+        RECT box;
+        GetWindowRect(dialog, &box);
+        ExpectTwips(box, d.width, d.height, config + ", " + d.button);
+        ExpectFits(dialog, config + ", " + d.button);
+        if (HWND heading = d.pane == IDC_CMDOPTIONS ? GetDlgItem(dialog, IDC_LBLVERSION5) : nullptr) {
+            LOGFONTA font{};
+            GetObjectA(reinterpret_cast<HFONT>(SendMessageA(heading, WM_GETFONT, 0, 0)), sizeof font, &font);
+            const int bold = Ink(font, TextOf(heading)), regular = (font.lfWeight = FW_NORMAL, Ink(font, TextOf(heading)));
+            EXPECT_GT(bold * 10, regular * 12) << config << ": the heading \"" << TextOf(heading) << "\" inks "
+                                               << bold << " pixels, in the regular weight " << regular;
+        }
+        ClickAt(Centre(ByText(dialog, "OK")));
+        EXPECT_TRUE(WaitFor([] { return TopWindow("#32770") == nullptr; })) << config << ", " << d.button;
+    }
 }
 
 // A second start of the program brings the first back and ends.
 TEST(WalkUnderWine, ASecondStartBringsTheFirstForward) {
     const std::string exe = wine::FreshFolder("walk-single") + "\\Corvane.exe";
     ASSERT_TRUE(CopyFileA(wine::FromUnixPath(CORVANE_EXE).c_str(), exe.c_str(), FALSE));
-    HANDLE first = Start("\"" + exe + "\"");
+    HANDLE first = wine::Start("\"" + exe + "\"").first;
     HWND main = nullptr;
     ASSERT_TRUE(WaitFor([&] { return (main = FindWindowA("CorvaneMain", nullptr)) && IsWindowVisible(main); }, 20000));
     ShowWindow(main, SW_MINIMIZE);
     ASSERT_TRUE(WaitFor([&] { return IsIconic(main); }));
-    HANDLE second = Start("\"" + exe + "\"");
+    HANDLE second = wine::Start("\"" + exe + "\"").first;
     EXPECT_EQ(WaitForSingleObject(second, 20000), WAIT_OBJECT_0) << "the second start ends";
     EXPECT_TRUE(WaitFor([&] { return !IsIconic(main) && GetForegroundWindow() == main; })) << "the first is in front";
     EXPECT_EQ(FindWindowExA(nullptr, main, "CorvaneMain", nullptr), nullptr) << "and alone";

@@ -1,86 +1,129 @@
 #include "wine/wine_support.h"
 
-#include <windows.h>
 #include <objbase.h>
+#include <shellapi.h>
 #include <shlobj.h>
+#include <shlwapi.h>
 #include <shobjidl.h>
 
+#include <algorithm>
+#include <regex>
+#include <set>
+
 #include "foundations/app_identity.h"
+#include "foundations/reg_file.h"
+#include "foundations/registry.h"
+#include "platform/win32/file_system_win32.h"
+#include "platform/win32/registry_win32.h"
 
 namespace corvane::wine {
 
 std::string TestFolder() {
     char path[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    return FolderOf(path);
+    return GetModuleFileNameA(nullptr, path, MAX_PATH), FolderOf(path);
 }
 
 namespace {
 
-void RemoveTree(const std::string& folder) {
-    WIN32_FIND_DATAA data;
-    HANDLE find = FindFirstFileA((folder + "\\*").c_str(), &data);
-    if (find != INVALID_HANDLE_VALUE) {
-        do {
-            const std::string name = data.cFileName;
-            if (name == "." || name == "..") continue;
-            const std::string path = folder + "\\" + name;
-            if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-                RemoveTree(path);
-            } else {
-                SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-                DeleteFileA(path.c_str());
-            }
-        } while (FindNextFileA(find, &data));
-        FindClose(find);
-    }
-    RemoveDirectoryA(folder.c_str());
+// Whether a new file can be made in `folder` now (it is taken away again).
+bool TakesNewFile(const std::string& folder) {
+    Win32FileSystem files;
+    return files.Write(folder + "\\~probe.tmp", "") == kNoError && files.Delete(folder + "\\~probe.tmp") == kNoError;
+}
+
+// Sets or clears the immutable attribute of the folder's whole tree, as
+// read-only media would be: a subfolder made before (such as "backup") would
+// otherwise still take files.
+bool Chattr(const std::string& folder, bool immutable) {
+    const std::string unix = UnixPath(folder);
+    if (unix.empty()) return false;
+    RunUnix(std::string("/usr/bin/chattr -R ") + (immutable ? "+i '" : "-i '") + unix + "'");
+    return TakesNewFile(folder) != immutable;
+}
+
+bool Ours(const std::string& name) {
+    return _strnicmp(name.c_str(), "CorvaneTest", 11) == 0 || _strnicmp(name.c_str(), "{C0A7E5E5", 9) == 0;
 }
 
 }  // namespace
 
 std::string FreshFolder(const std::string& name) {
     CreateDirectoryA("C:\\corvane-tests", nullptr);
-    const std::string folder = "C:\\corvane-tests\\" + name;
-    RemoveTree(folder);
+    const std::string folder = "C:\\corvane-tests\\" + name, from = folder + '\0';  // a list, ended by two NULs
+    SHFILEOPSTRUCTA remove{nullptr, FO_DELETE, from.c_str(), nullptr, FOF_NOCONFIRMATION | FOF_NOERRORUI | FOF_SILENT,
+                           FALSE, nullptr, nullptr};
+    SHFileOperationA(&remove);  // read-only files too
     CreateDirectoryA(folder.c_str(), nullptr);
     return folder;
 }
 
-RunResult Run(const std::string& commandLine, unsigned long timeoutMs) {
-    RunResult result;
-    SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-    HANDLE readEnd = nullptr, writeEnd = nullptr;
-    if (!CreatePipe(&readEnd, &writeEnd, &inherit, 0)) return {~0ul, "CreatePipe failed"};
-    SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
-
+std::pair<HANDLE, DWORD> Start(std::string commandLine) {
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = writeEnd;
-    startup.hStdError = writeEnd;
-    startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
     PROCESS_INFORMATION process{};
-    std::string line = commandLine;
-    const BOOL started = CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                        nullptr, &startup, &process);
-    CloseHandle(writeEnd);
-    if (!started) {
-        CloseHandle(readEnd);
-        return {~0ul, "CreateProcess failed: " + commandLine};
+    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+        return {nullptr, 0};
     }
-    char buffer[4096];
-    DWORD got = 0;
-    while (ReadFile(readEnd, buffer, sizeof buffer, &got, nullptr) && got > 0) result.output.append(buffer, got);
-    CloseHandle(readEnd);
-    if (WaitForSingleObject(process.hProcess, timeoutMs) != WAIT_OBJECT_0) {
-        TerminateProcess(process.hProcess, 1);
-        result.output += "\n[timed out]";
-    }
-    GetExitCodeProcess(process.hProcess, &result.exitCode);
     CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return result;
+    return {process.hProcess, process.dwProcessId};
+}
+
+unsigned long Run(const std::string& commandLine, unsigned long timeoutMs) {
+    const HANDLE process = Start(commandLine).first;
+    DWORD code = ~0ul;
+    if (!process) return code;
+    if (WaitForSingleObject(process, timeoutMs) == WAIT_OBJECT_0) GetExitCodeProcess(process, &code);
+    else TerminateProcess(process, code);
+    return CloseHandle(process), code;
+}
+
+std::string RunUnix(const std::string& command) {
+    static int count = 0;
+    // Wine's process ids repeat across the prefixes of tests run side by side: the tick keeps the name ours.
+    const std::string out = "/tmp/corvane-unix-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount()) + "-" + std::to_string(++count);
+    if (HANDLE shell = Start("/bin/sh -c \"(" + command + ") >" + out + ".new 2>&1; mv " + out + ".new " + out + "\"").first) {
+        CloseHandle(shell);
+    }
+    const std::string done = FromUnixPath(out);
+    for (int i = 0; i < 400; ++i, Sleep(25)) {
+        if (GetFileAttributesA(done.c_str()) == INVALID_FILE_ATTRIBUTES) continue;
+        const std::string output = FileBytes(done);
+        return DeleteFileA(done.c_str()), output;
+    }
+    return "(no answer from " + command + ")";
+}
+
+// Through Wine's own kernel32 export.
+std::string UnixPath(const std::string& path) {
+    using ToUnix = char*(__cdecl*)(const wchar_t*);
+    const auto toUnix = reinterpret_cast<ToUnix>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
+    const std::wstring wide(path.begin(), path.end());
+    char* unix = toUnix ? toUnix(wide.c_str()) : nullptr;
+    if (!unix) return {};
+    const std::string result = unix;
+    return HeapFree(GetProcessHeap(), 0, unix), result;
+}
+
+std::string FromUnixPath(std::string path) {
+    std::replace(path.begin(), path.end(), '/', '\\');
+    return "Z:" + path;
+}
+
+bool ImportRegFile(const std::string& path) { return Run("regedit.exe /s \"" + path + "\"") == 0; }
+
+std::string FileBytes(const std::string& path) { return Win32FileSystem().Read(path, nullptr).value_or(""); }
+
+std::string PlaceFixture(const std::string& fixture, const std::string& folder, const std::string& name) {
+    const std::string path = folder + "\\" + name;
+    CopyFileA((TestFolder() + "\\" + fixture).c_str(), path.c_str(), FALSE);
+    HANDLE file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const SYSTEMTIME noon{2003, 1, 5, 31, 12, 0, 0, 0};
+    FILETIME time;
+    SystemTimeToFileTime(&noon, &time);
+    SetFileTime(file, &time, nullptr, &time);
+    CloseHandle(file);
+    return path;
 }
 
 bool MakeShortcut(const std::string& path, const std::string& target, const std::string& arguments,
@@ -105,164 +148,60 @@ bool MakeShortcut(const std::string& path, const std::string& target, const std:
     return saved;
 }
 
-bool ImportRegFile(const std::string& path) {
-    return Run("regedit.exe /s \"" + path + "\"").exitCode == 0;
-}
-
-namespace {
-constexpr const char* kWineKey = "Software\\Wine";
-}
-
-ScopedWineVersion::ScopedWineVersion(const std::string& version) {
+bool SetValue(HKEY hive, const std::string& path, REGSAM view, const std::string& name, DWORD type,
+              const std::string& bytes) {
     HKEY key;
-    if (RegCreateKeyExA(HKEY_CURRENT_USER, kWineKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
-                        nullptr) != ERROR_SUCCESS) {
-        return;
-    }
-    char old[64] = {};
-    DWORD size = sizeof old - 1;
-    hadOld_ = RegQueryValueExA(key, "Version", nullptr, nullptr, reinterpret_cast<BYTE*>(old), &size) ==
-              ERROR_SUCCESS;
-    old_ = old;
-    RegSetValueExA(key, "Version", 0, REG_SZ, reinterpret_cast<const BYTE*>(version.c_str()),
-                   static_cast<DWORD>(version.size() + 1));
-    RegCloseKey(key);
+    if (RegCreateKeyExA(hive, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | view, nullptr, &key, nullptr)) return false;
+    const LONG result = RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
+                                       static_cast<DWORD>(bytes.size()));
+    return RegCloseKey(key), result == ERROR_SUCCESS;
 }
 
-ScopedWineVersion::~ScopedWineVersion() {
-    HKEY key;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, kWineKey, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return;
-    if (hadOld_) {
-        RegSetValueExA(key, "Version", 0, REG_SZ, reinterpret_cast<const BYTE*>(old_.c_str()),
-                       static_cast<DWORD>(old_.size() + 1));
-    } else {
-        RegDeleteValueA(key, "Version");
-    }
-    RegCloseKey(key);
-}
+FixtureMachine::FixtureMachine(std::vector<std::string> regFiles) : regFiles_(std::move(regFiles)) { Clear(); }
 
-std::string FileBytes(const std::string& path) {
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return {};
-    std::string bytes(GetFileSize(file, nullptr), '\0');
-    DWORD got = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &got, nullptr);
-    CloseHandle(file);
-    bytes.resize(got);
-    return bytes;
-}
+FixtureMachine::~FixtureMachine() { Clear(); }
 
-std::string FromUnixPath(const std::string& path) {
-    std::string windows = "Z:" + path;
-    for (char& c : windows) {
-        if (c == '/') c = '\\';
-    }
-    return windows;
-}
-
-std::string PlaceFixture(const std::string& fixture, const std::string& folder, const std::string& name) {
-    const std::string path = folder + "\\" + name;
-    CopyFileA((TestFolder() + "\\" + fixture).c_str(), path.c_str(), FALSE);
-    HANDLE file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const SYSTEMTIME noon{2003, 1, 5, 31, 12, 0, 0, 0};
-    FILETIME time;
-    SystemTimeToFileTime(&noon, &time);
-    SetFileTime(file, &time, nullptr, &time);
-    CloseHandle(file);
-    return path;
-}
-
-namespace {
-
-// The Unix path of a Windows one, through Wine's own kernel32 export.
-std::string UnixPathOf(const std::string& path) {
-    using ToUnix = char*(__cdecl*)(const wchar_t*);
-    const auto toUnix = reinterpret_cast<ToUnix>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
-    if (!toUnix) return {};
-    std::wstring wide(path.begin(), path.end());
-    char* unix = toUnix(wide.c_str());
-    if (!unix) return {};
-    std::string result = unix;
-    HeapFree(GetProcessHeap(), 0, unix);
-    return result;
-}
-
-// Whether a new file can be made in `folder` now (it is taken away again).
-bool TakesNewFile(const std::string& folder) {
-    const std::string probe = folder + "\\~probe.tmp";
-    HANDLE file = CreateFileA(probe.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    CloseHandle(file);
-    DeleteFileA(probe.c_str());
-    return true;
-}
-
-// Runs chattr on the folder and waits until the folder behaves as asked: Wine
-// starts a Unix program but cannot wait for its end.
-bool Chattr(const std::string& folder, bool immutable) {
-    const std::string unix = UnixPathOf(folder);
-    if (unix.empty()) return false;
-    // The whole tree, as read-only media would be: a subfolder made before
-    // (such as "backup") would otherwise still take files.
-    std::string command = std::string("/usr/bin/chattr -R ") + (immutable ? "+i" : "-i") + " \"" + unix + "\"";
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
-        return false;
-    }
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    for (int i = 0; i < 100; ++i) {
-        if (TakesNewFile(folder) != immutable) {
-            Sleep(500);  // the folder is done first; give chattr time for what lies below it
-            return true;
+void FixtureMachine::Clear() {
+    Win32Registry registry;
+    std::set<std::pair<RegKey, std::string>> parents, keys;  // where keys of ours lie; where values of ours lie
+    static const std::regex kBelowOurs(R"(^(.*?)\\(CorvaneTest|\{C0A7E5E5))", std::regex::icase);
+    for (const std::string& name : regFiles_) {
+        const std::optional<RegFile> file = ParseRegFile(FileBytes(TestFolder() + "\\" + name));
+        for (const RegFileKey& key : file ? file->keys : std::vector<RegFileKey>{}) {
+            const size_t slash = key.path.find('\\');
+            const std::string path = key.path.substr(slash + 1);
+            std::smatch parent;  // of the first key of ours on the path
+            const bool below = std::regex_search(path, parent, kBelowOurs);
+            (below ? parents : keys).insert({RegRootOfName(key.path.substr(0, slash)), below ? parent[1].str() : path});
         }
-        Sleep(50);
     }
-    return false;
-}
-
-}  // namespace
-
-std::string SystemText(unsigned long error) {
-    char text[512] = {};
-    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text, sizeof text,
-                   nullptr);
-    std::string result = text;
-    while (!result.empty() && (result.back() == '\n' || result.back() == '\r')) result.pop_back();
-    return result;
-}
-
-static void AddFolderFiles(const std::string& folder, std::string& text) {
-    WIN32_FIND_DATAA data;
-    HANDLE find = FindFirstFileA((folder + "\\*").c_str(), &data);
-    if (find == INVALID_HANDLE_VALUE) return;
-    do {
-        const std::string name = data.cFileName;
-        if (name == "." || name == "..") continue;
-        const std::string path = folder + "\\" + name;
-        if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-            text += path + "\\\n";
-            AddFolderFiles(path, text);
-        } else {
-            text += path + "=" + FileBytes(path) + "\n";
+    for (const auto& [root, path] : parents) {
+        std::vector<std::string> names;
+        EnumRegKeys(registry, root, path, names);
+        for (const std::string& name : names) {
+            if (Ours(name)) SHDeleteKeyA(reinterpret_cast<HKEY>(root), (path + "\\" + name).c_str());
         }
-    } while (FindNextFileA(find, &data));
-    FindClose(find);
+    }
+    for (const auto& [root, path] : keys) {
+        for (const RegValueEntry& value : EnumRegValues(registry, root, path)) {
+            if (Ours(value.name)) SHDeleteValueA(reinterpret_cast<HKEY>(root), path.c_str(), value.name.c_str());
+        }
+    }
+    for (const std::string& file : made_) {
+        DeleteFileA(file.c_str());
+        const std::string folder = FolderOf(file);
+        if (Ours(folder.substr(folder.rfind('\\') + 1))) RemoveDirectoryA(folder.c_str());
+    }
+    made_.clear();
 }
 
-std::string MachineSnapshot(const std::vector<std::string>& folders, const std::vector<std::string>& keys) {
-    std::string text;
-    for (const std::string& folder : folders) AddFolderFiles(folder, text);
-    const std::string exported = FreshFolder("snapshot") + "\\key.reg";
-    for (const std::string& key : keys) {
-        DeleteFileA(exported.c_str());
-        Run("reg.exe export \"" + key + "\" \"" + exported + "\" /y");
-        text += key + ":\n" + FileBytes(exported);
+bool FixtureMachine::Add(const std::string& regFile, const Copies& copies) {
+    for (const auto& [fixture, to] : copies) {
+        SHCreateDirectoryExA(nullptr, FolderOf(to).c_str(), nullptr);
+        CopyFileA((TestFolder() + "\\" + fixture).c_str(), to.c_str(), FALSE);
+        made_.push_back(to);
     }
-    return text;
+    return ImportRegFile(TestFolder() + "\\" + regFile);
 }
 
 ReadOnlyFolder::ReadOnlyFolder(const std::string& folder) : folder_(folder) { ok_ = Chattr(folder_, true); }

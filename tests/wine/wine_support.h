@@ -1,32 +1,35 @@
 #pragma once
 // Helpers for tests that run under Wine: where the test's files are, child
-// processes with their output, registry fixtures and the prefix's version.
+// processes, registry fixtures and a read-only folder.
+#include <windows.h>
+
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvane::wine {
 
-// The folder of the running test executable (a Z:\ path into the build tree).
+// The folder of the running test executable (a Z:\ path into the build
+// tree), and a fresh, empty folder under C:\corvane-tests for a test's files.
 std::string TestFolder();
-
-// A fresh, empty folder under C:\corvane-tests for this test's files.
 std::string FreshFolder(const std::string& name);
+// Starts a command line: its process's handle and id, or null and 0.
+std::pair<HANDLE, DWORD> Start(std::string commandLine);
+// Runs a command line and gives its exit code; ~0 when it cannot start or
+// runs past `timeoutMs`. Its output goes where the test's goes.
+unsigned long Run(const std::string& commandLine, unsigned long timeoutMs = 60000);
 
-struct RunResult {
-    unsigned long exitCode = 0;
-    std::string output;  // standard output and standard error together
-};
-// Runs a command line, waits at most `timeoutMs`, and gives its exit code and output.
-RunResult Run(const std::string& commandLine, unsigned long timeoutMs = 60000);
+// Runs a host command through /bin/sh and gives its output: Wine starts a
+// Unix program but cannot wait for it, so the output is awaited as a file.
+std::string RunUnix(const std::string& command);
+// The host's path of a Windows one, and a path of the build tree as Wine's Z: drive shows it.
+std::string UnixPath(const std::string& path);
+std::string FromUnixPath(std::string path);
 
 // Imports a .reg file with regedit /s; false when regedit fails.
 bool ImportRegFile(const std::string& path);
-
 // The whole content of a file; empty when it cannot be read.
 std::string FileBytes(const std::string& path);
-
-// A path of the build tree as Wine's Z: drive shows it.
-std::string FromUnixPath(const std::string& path);
 
 // Copies a fixture program into `folder` under `name`, created and last
 // written on 31 January 2003 at noon UTC, so its date column is known.
@@ -37,34 +40,34 @@ std::string PlaceFixture(const std::string& fixture, const std::string& folder, 
 bool MakeShortcut(const std::string& path, const std::string& target, const std::string& arguments = "",
                   const std::string& iconFile = "", int iconIndex = 0);
 
-// Sets HKCU\Software\Wine\Version for the processes started from now on and
-// puts the old value back when it goes out of scope.
-class ScopedWineVersion {
-public:
-    explicit ScopedWineVersion(const std::string& version);
-    ~ScopedWineVersion();
-    ScopedWineVersion(const ScopedWineVersion&) = delete;
-    ScopedWineVersion& operator=(const ScopedWineVersion&) = delete;
+// Writes one value, making its key; `view` is 0 or KEY_WOW64_32KEY.
+bool SetValue(HKEY hive, const std::string& path, REGSAM view, const std::string& name, DWORD type,
+              const std::string& bytes);
 
-private:
-    std::string old_;
-    bool hadOld_ = false;
+// A part of the prefix made from .reg files beside the test executable and
+// fixture programs copied into place. Everything of ours (a name beginning
+// "CorvaneTest" or "{C0A7E5E5") in the keys the files name, or beside the
+// first key of ours on their paths, is taken out first (so what an earlier
+// run or a test added goes too) and again, with the copies, at the end.
+class FixtureMachine {
+public:
+    using Copies = std::vector<std::pair<const char*, std::string>>;  // a fixture program, where it goes
+
+    explicit FixtureMachine(std::vector<std::string> regFiles);
+    ~FixtureMachine();
+
+    void Clear();
+    // Copies the programs, making their folders, and imports one of the files.
+    bool Add(const std::string& regFile, const Copies& copies);
+
+protected:
+    std::vector<std::string> regFiles_, made_;  // made_: files that go with the machine
 };
 
-// The system's words for an error code, without the line break they end with.
-std::string SystemText(unsigned long error);
-
-// Every file below the folders with its bytes, and each registry key (such
-// as "HKLM\Software\...") as reg.exe exports it: what a command that must
-// change nothing is compared by, before and after.
-std::string MachineSnapshot(const std::vector<std::string>& folders, const std::vector<std::string>& keys);
-
-// Makes a folder and all below it take no new file, no change, no delete and
-// no rename for every process,
-// root included, as a folder on read-only media or without the user's rights:
-// the Linux immutable attribute, set by the system's chattr, since Wine runs
-// the tests as root and a Unix mode stops no write of root's. The attribute
-// goes again when this goes out of scope. `ok()` is false where the file
+// Makes a folder and all below it take no new file, change, delete or rename
+// from any process, as read-only media would: the Linux immutable attribute
+// (chattr), since Wine runs the tests as root and a Unix mode stops no write
+// of root's. It goes again with the object; `ok()` is false where the file
 // system or the rights do not allow it.
 class ReadOnlyFolder {
 public:

@@ -25,12 +25,9 @@
 #include "platform/win32/shortcuts_win32.h"
 #include "processes/backup_store.h"
 #include "processes/process_commands.h"
-#include "sample_parts.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
-#include "wine/other_places_machine.h"
-#include "wine/startup_machine.h"
-#include "wine/wine_support.h"
+#include "wine/machines.h"
 
 namespace corvane::sample {
 namespace {
@@ -49,7 +46,67 @@ void Check(bool ok, const char* what) {
 }
 
 bool SetText(HKEY hive, const std::string& key, const std::string& name, const std::string& text) {
-    return wine::StartupMachine::SetValue(hive, key, 0, name, REG_SZ, text + '\0');
+    return wine::SetValue(hive, key, 0, name, REG_SZ, text + '\0');
+}
+
+// Windows' choice for an item: `place` is "Run", "Run32" or "StartupFolder".
+bool SetApproval(HKEY hive, const std::string& place, const std::string& name, const std::string& bytes) {
+    return wine::SetValue(hive, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved\\" + place, 0,
+                          name, REG_BINARY, bytes);
+}
+
+// The startup area's ports on the prefix's real registry, files and
+// shortcuts, as the pane makes them; message boxes go to a fake.
+struct LiveStartup {
+    Win32Registry registry;
+    Win32FileSystem files;
+    Win32FileFacts facts;
+    Win32Clock clock;
+    Win32Environment environment;
+    Win32Shortcuts shortcuts;
+    fakes::FakePrompts prompts;
+    Win32SystemInfo system;
+    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
+    CommandPorts ports{registry, files, prompts, system};
+};
+
+std::string Utf16(const std::string& text) {
+    std::string bytes("\xFF\xFE", 2);
+    for (const char c : text) bytes += std::string{c, '\0'};
+    return bytes;
+}
+
+// The other places of other_places.reg (RunOnce, RunOnceEx, Policies Run in
+// both views, Active Setup, the 32-bit AppInit_DLLs, Winlogon's Taskman, a
+// Debugger, services and a driver of our own, System Configuration's items),
+// task files under the system's Tasks folder and the programs they all name.
+void AddOtherPlaces() {
+    const std::string files = "C:\\corvane-tests\\other-files\\", system32 = "C:\\windows\\system32\\";
+    Check((new wine::FixtureMachine({"other_places.reg"}))
+              ->Add("other_places.reg", {{"fixture_full.exe", files + "full.exe"},
+                                         {"fixture_full.exe", files + "Full App\\full.exe"},
+                                         {"fixture_noicon.exe", files + "plain.exe"},
+                                         {"fixture_bare.exe", files + "lib.dll"},
+                                         {"fixture_bare.exe", files + "EVIL.exe"},
+                                         {"fixture_bare.exe", system32 + "CorvaneTest-hosted.dll"},
+                                         {"fixture_bare.exe", system32 + "drivers\\CorvaneTest-drv.sys"}}),
+          "the other places");
+    const std::string tasks = system32 + "Tasks\\CorvaneTest\\";
+    SHCreateDirectoryExA(nullptr, tasks.c_str(), nullptr);
+    const std::string head =
+        "<?xml version=\"1.0\" encoding=\"UTF-16\"?>\r\n"
+        "<Task version=\"1.2\" xmlns=\"http://schemas.microsoft.com/windows/2004/02/mit/task\">\r\n"
+        "  <Actions Context=\"Author\">\r\n";
+    Win32FileSystem disk;
+    Check(!disk.Write(tasks + "Daily",
+                      Utf16(head + "    <Exec>\r\n      <Command>\"" + files + "Full App\\full.exe\"</Command>\r\n"
+                                   "      <Arguments>-q &amp; \"z\"</Arguments>\r\n    </Exec>\r\n"
+                                   "    <Exec><Command>%SystemRoot%\\system32\\CorvaneTest-hosted.dll</Command></Exec>\r\n"
+                                   "  </Actions>\r\n</Task>\r\n")) &&
+              !disk.Write(tasks + "Broken", Utf16(head + "    <Exec><Command>x.exe</Exec>")) &&
+              !disk.Write(tasks + "Utf8", "\xEF\xBB\xBF" + head + "<Exec><Command>" + files +
+                                              "EVIL.exe</Command></Exec></Actions></Task>"),
+          "the task files");
 }
 
 // Starts a copy of a fixture program and leaves it running.
@@ -74,8 +131,7 @@ void AddStartup(const std::string& app) {
     // Never destroyed, as the other machines: their destructors clear what they made.
     auto* machine = new wine::StartupMachine();
     machine->Setup();
-    auto* other = new wine::OtherPlacesMachine();
-    other->Setup();
+    AddOtherPlaces();
 
     const std::string blaster = std::string(kRunning) + "\\" + kSuspectProgram;
     Check(SetText(HKEY_CURRENT_USER, kRunKeyPath, "CorvaneTest Blaster", blaster), "the suspicious Run value");
@@ -90,12 +146,11 @@ void AddStartup(const std::string& app) {
     std::string off(12, '\0');
     off[0] = 3;
     memcpy(&off[4], &changed, sizeof changed);
-    Check(wine::StartupMachine::SetApproval(HKEY_CURRENT_USER, "Run", "CorvaneTest Spaced", off), "Windows' choice");
-    Check(wine::StartupMachine::SetApproval(HKEY_LOCAL_MACHINE, "Run32", "CorvaneTest Wow Plain", off),
-          "Windows' choice");
+    Check(SetApproval(HKEY_CURRENT_USER, "Run", "CorvaneTest Spaced", off), "Windows' choice");
+    Check(SetApproval(HKEY_LOCAL_MACHINE, "Run32", "CorvaneTest Wow Plain", off), "Windows' choice");
 
     // Three items disabled through the program's own command, so they lie in its stores.
-    wine::LiveStartup live;
+    LiveStartup live;
     MakeStoreFolders(live.files, app);
     const StartupPlaces places = LoadStartupPlaces(live.sources, app);
     StartupList list = CollectStartupItems(live.sources, places, "All");
@@ -107,15 +162,15 @@ void AddStartup(const std::string& app) {
 }
 
 void AddBrowserExtras(const std::string& app) {
-    AddBrowserMachine();
+    new wine::BrowserMachine(true);
     // A helper object whose class id is on the shipped suspect list.
-    const std::string server = std::string(wine::kStartupFiles) + "\\srchhlp.dll";
+    const std::string server = wine::kStartupFiles + "\\srchhlp.dll";
     CopyFileA((wine::TestFolder() + "\\fixture_bare.exe").c_str(), server.c_str(), FALSE);
     const std::string clsid = std::string("CLSID\\") + kSuspectClsid;
     Check(SetText(HKEY_CLASSES_ROOT, clsid, "", "Search Helper") &&
               SetText(HKEY_CLASSES_ROOT, clsid + "\\InprocServer32", "", server) &&
-              wine::StartupMachine::SetValue(HKEY_LOCAL_MACHINE, std::string(kHelperObjectsKey) + "\\" + kSuspectClsid,
-                                             0, "NoExplorer", REG_SZ, std::string("1") + '\0'),
+              wine::SetValue(HKEY_LOCAL_MACHINE, std::string(kHelperObjectsKey) + "\\" + kSuspectClsid, 0, "NoExplorer",
+                             REG_SZ, std::string("1") + '\0'),
           "the suspicious helper object");
 
     Win32Registry registry;
@@ -174,6 +229,6 @@ int main(int argc, char** argv) {
     AddProcesses(app);
     AddStartup(app);
     AddBrowserExtras(app);
-    AddApplicationsMachine();
+    new corvane::wine::ApplicationsMachine(true);
     return failures == 0 ? 0 : 1;
 }

@@ -1,20 +1,29 @@
 #pragma once
-// The fakes a command of any pane changes the machine through, in one place,
-// for the tests that run commands over them.
+// One machine in memory, every port a fake: the golden outputs read it and the
+// fault matrix changes it. MachineSnapshot and MakeReadOnly are what a test
+// of a refused command looks at and sets up.
 #include "fakes/fake_clock.h"
+#include "fakes/fake_file_facts.h"
 #include "fakes/fake_file_system.h"
+#include "fakes/fake_process_table.h"
 #include "fakes/fake_registry.h"
+#include "fakes/fake_shortcuts.h"
 #include "fakes/fakes.h"
 #include "foundations/reg_file.h"
 
 namespace corvane::fakes {
 
-struct CommandFakes {
+struct Machine {
     FakeRegistry registry;
     FakeFileSystem files;
-    FakePrompts prompts;
-    FakeSystemInfo system;
+    FakeFileFacts facts;
     FakeClock clock;
+    FakeEnvironment environment;
+    FakeShortcuts shortcuts{files};
+    FakeProcessTable processes;
+    FakeSystemInfo system;
+    FakePrompts prompts;
+    FakeShell shell;
 };
 
 // Every file and every key under the machine's and the user's Software, to
@@ -23,11 +32,7 @@ inline std::string MachineSnapshot(FakeRegistry& registry, FakeFileSystem& files
     std::string text;
     for (const std::string& path : files.Paths()) text += path + "=" + files.Content(path).value_or("") + "\n";
     for (const RegKey root : {kHKeyLocalMachine, kHKeyCurrentUser}) {
-        if (auto keys = ReadRegKeyTree(registry, root, "Software")) {
-            RegFile file;
-            file.keys = *keys;
-            text += FormatRegFile(file);
-        }
+        if (auto keys = ReadRegKeyTree(registry, root, "Software")) text += FormatRegFile(RegFile{{}, *keys});
     }
     return text;
 }
