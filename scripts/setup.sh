@@ -4,6 +4,7 @@
 set -euo pipefail
 packages=(
   cmake g++ make libgtest-dev googletest    # the native build and its tests
+  nlohmann-json3-dev                         # the JSON parser, header-only, behind foundations/json
   clang libclang-rt-14-dev                   # the fuzz build: libFuzzer comes with clang's runtime
   g++-mingw-w64-x86-64 binutils-mingw-w64-x86-64  # the Windows build
   wine wine64                                # running it
