@@ -441,7 +441,12 @@ PROPERTY(extension_manifest) {
     files.AddFile(std::string("C:\\X\\_locales\\") + (flags & 1 ? "de" : "en") + "\\messages.json", messages);
     const ManifestFacts facts = ReadExtensionManifest(files, "C:\\X", {"de"});
     CHECK(JsonDocument::Parse(manifest) || (facts.name.empty() && facts.version.empty()));
-    CheckHeld({{facts.name, "", "", facts.version, "Enabled", "Store", "", "", "", false, false}}, manifest + messages);
+    ExtensionRecord record;
+    record.name = facts.name;
+    record.version = facts.version;
+    record.state = "Enabled";
+    record.installedBy = "Store";
+    CheckHeld({record}, manifest + messages);
 }
 
 // An extensions.json, in the profile a profiles.ini (16-bit length) names.

@@ -263,4 +263,23 @@ std::vector<ExtensionRecord> CollectExtensionRecords(FileSystem& files, Clock& c
     return records;
 }
 
+Row ExtensionRow(const ExtensionRecord& record) {
+    Row row;
+    row.cells = {record.name,        record.browser,     record.profile, record.version, record.state,
+                 record.installedBy, record.installedOn, record.id,      record.path};
+    row.mark = record.suspicious ? (record.disabled ? RowMark::SuspiciousDisabled : RowMark::Suspicious)
+                                 : (record.disabled ? RowMark::Disabled : RowMark::None);
+    return row;
+}
+
+std::vector<ExtensionRecord> CollectExtensions(ExtensionSources& sources) {
+    const auto folder = [&sources](const char* variable) {
+        std::string text = sources.environment.Expand(variable, 32768);
+        text.resize(text.find('\0') == std::string::npos ? text.size() : text.find('\0'));
+        return text.find('%') == std::string::npos ? text : std::string();
+    };
+    ExtensionPlaces places{folder("%LOCALAPPDATA%"), folder("%APPDATA%"), {}};
+    return CollectExtensionRecords(sources.files, sources.clock, places);
+}
+
 }  // namespace corvane

@@ -7,8 +7,8 @@ class Win32FileSystem final : public FileSystem {
 public:
     bool Exists(const std::string& path) override;
     bool IsFolder(const std::string& path) override;
-    std::optional<std::string> Read(const std::string& path, SysError* error,
-                                    uint64_t maxBytes) override;
+    std::optional<std::string> Read(const std::string& path, SysError* error = nullptr,
+                                    uint64_t maxBytes = UINT64_MAX) override;
     SysError Write(const std::string& path, const std::string& content) override;
     SysError Append(const std::string& path, const std::string& content) override;
     SysError WriteAtomic(const std::string& path, const std::string& content) override;
