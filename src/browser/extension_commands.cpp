@@ -264,7 +264,6 @@ bool BlockFamily(ExtensionCommandPorts& ports, const PolicyFamily& family, const
                           NoRightsText(where, ErrorDescription(ports.system, static_cast<SysError>(error))));
         return false;
     }
-    const std::vector<RegFileValue> before = *stored;
     for (const Wanted* w : adding) {
         if (!Stores(*stored, w->id)) stored->push_back({w->id, kRegSz, w->name + '\0'});
     }
@@ -275,23 +274,17 @@ bool BlockFamily(ExtensionCommandPorts& ports, const PolicyFamily& family, const
                               " and stay enabled: " + ErrorDescription(ports.system, error));
         return false;
     }
+    // A store naming an entry the key did not take is harmless: Enable
+    // drops it, and only an entry in the key counts as a block of ours.
     uint32_t next = values->empty() ? 1 : values->back().number + 1;
     RegError error = kRegOk;
-    size_t added = 0;
-    for (; added < adding.size(); ++added) {
-        const std::string data = adding[added]->id + '\0';
+    for (size_t i = 0; i < adding.size() && !error; ++i) {
+        const std::string data = adding[i]->id + '\0';
         error = ports.registry.SetValue(handle, std::to_string(next++), kRegSz,
                                         reinterpret_cast<const uint8_t*>(data.data()), static_cast<uint32_t>(data.size()));
-        if (error) break;
     }
     ports.registry.CloseKey(handle);
     if (!error) return true;
-    // The store forgets what the key did not take, as far as it can.
-    std::vector<RegFileValue> held = before;
-    for (size_t i = 0; i < added; ++i) {
-        if (!Stores(held, adding[i]->id)) held.push_back({adding[i]->id, kRegSz, adding[i]->name + '\0'});
-    }
-    WriteStore(ports.files, ports.appPath, family, held);
     ShowErrorOccurred(ports.prompts, kDisableProcedure,
                       "The extensions could not be blocked through " + where + ": " +
                           ErrorDescription(ports.system, static_cast<SysError>(error)) +
