@@ -155,9 +155,9 @@ std::optional<size_t> FindEntry(const std::vector<Numbered>& values, const std::
 }
 
 // Takes the numbered value `at` out: the later values take the numbers from
-// its own on, in order and with their data, then the numbers left over go,
-// the highest first. Older browsers stop reading at the first gap, and after
-// every single step each other entry is in the key at least once.
+// its own on, in order and with their data, then the last one goes. Older
+// browsers stop reading at the first gap, and after every single step each
+// other entry is in the key at least once.
 RegError RemoveNumbered(Registry& registry, RegKey root, const std::string& key, const std::vector<Numbered>& values,
                         size_t at) {
     RegKey handle = 0;
@@ -168,9 +168,8 @@ RegError RemoveNumbered(Registry& registry, RegKey root, const std::string& key,
         error = registry.SetValue(handle, std::to_string(next), values[i].value.type,
                                   reinterpret_cast<const uint8_t*>(data.data()), static_cast<uint32_t>(data.size()));
     }
-    for (size_t i = values.size(); i-- > at && !error;) {
-        if (values[i].number >= next) error = registry.DeleteValue(handle, values[i].value.name);
-    }
+    // The later values were one more than the numbers they take: the last goes.
+    if (!error) error = registry.DeleteValue(handle, values.back().value.name);
     if (handle) registry.CloseKey(handle);
     return error;
 }

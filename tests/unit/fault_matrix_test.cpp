@@ -118,7 +118,7 @@ struct World : fakes::Machine {
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
         const ExtensionRecord ours = Extension("Chrome", kOurs);
         DisableExtensions(extensions, {&ours});
-        registry.PutString(kBlocklist, "4", kLater);
+        registry.PutString(kBlocklist, "5", kLater);
         facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
         processes.Add(1234, kProgram);
         files.AddFile(kProgram, kProgramBytes);
@@ -422,7 +422,7 @@ std::vector<Command> Commands() {
     const Records disabling{World::Extension("Chrome", std::string(32, 'd')), World::Extension("Chrome Beta", std::string(32, 'd')),
                             World::Extension("Edge", std::string(32, 'e')), World::Extension("Firefox", kSideload),
                             World::Extension("Chrome", kOther), World::Extension("Chrome", kExternal, ExtensionSource::Forcelist)};
-    rows.push_back({"disable extensions", nothing, extensions(DisableExtensions, disabling), "", extStore, true, true, ourStore});
+    rows.push_back({"disable extensions", nothing, extensions(DisableExtensions, disabling), "", extStore, true, true, {chromeStore, foreign}});
     rows.push_back({"enable extensions", nothing,
                     extensions(EnableExtensions, {World::Extension("Chrome Canary", kOurs), World::Extension("Chrome", kAdmin)}),
                     "our block", extStore, true, false, ourStore});
