@@ -295,11 +295,7 @@ std::vector<Item> Items() {
     }
     items.push_back({"forcelist", {KeysAt({{kHKeyLocalMachine, kForcelist.substr(5), 0}}), KeptFiles()}});
     keyItem(kExternal, {{kHKeyLocalMachine, "Software\\Google\\Chrome\\Extensions\\" + kExternal, kKeyWow64_32Key}});
-    // Our block is in our store, and so is every block in the policies that no one else wrote.
-    items.push_back({"our block", {[](World& w) {
-                         const auto ours = OurBlocklistEntries(w.files, kApp, "Chrome Dev");
-                         return Some(std::count(ours.begin(), ours.end(), kOurs) ? kOurs : "");
-                     }}});
+    // Every block in the policies that no one else wrote is in our store.
     items.push_back({"blocks of ours in the store", {[](World& w) {
                          for (const char* browser : {"Chrome", "Edge"}) {
                              const std::string key = "HKLM\\" + ExtensionPolicyKey(browser) + "\\ExtensionInstallBlocklist";
@@ -425,7 +421,7 @@ std::vector<Command> Commands() {
     rows.push_back({"disable extensions", nothing, extensions(DisableExtensions, disabling), "", extStore, true, true, {chromeStore, foreign}});
     rows.push_back({"enable extensions", nothing,
                     extensions(EnableExtensions, {World::Extension("Chrome Canary", kOurs), World::Extension("Chrome", kAdmin)}),
-                    "our block", extStore, true, false, ourStore});
+                    "", extStore, true, false, ourStore});
     for (const auto& [what, gone, record] :
          {std::tuple{"forcelist entry", "forced g", World::Extension("Chrome", std::string(32, 'g'), ExtensionSource::Forcelist, "HKLM",
                                                                     kForcelist.substr(5), "2")},
