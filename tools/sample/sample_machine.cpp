@@ -224,6 +224,7 @@ void AddExtensions() {
     Put(chrome + "\\Default\\Secure Preferences",
         R"({"extensions":{"settings":{)" + entry(notes, 1, "") + "," + entry(shop, 1, R"(,"disable_reasons":[1])") + "," +
             entry(forced, 9, "") + "," + entry(ads, 3, "") + "}}}");
+    Put(chrome + "\\Default\\Preferences", R"({"browser":{"has_seen_welcome_page":true}})");
     Put(chrome + "\\Profile 1\\Preferences",
         R"({"extensions":{"settings":{")" + dev + R"(":{"location":4,"path":"C:\\corvane-tests\\unpacked"}}}})");
     const std::pair<std::string, std::string> manifests[] = {
