@@ -4,6 +4,7 @@
 
 #include "browser/browser_commands.h"
 #include "browser/browser_extensions.h"
+#include "browser/extension_commands.h"
 #include "foundations/error_message.h"
 #include "foundations/file_hash_cache.h"
 #include "foundations/text.h"
@@ -88,6 +89,9 @@ std::string UrlLines(const BrowserUrls& urls) {
 std::vector<ExtensionRecord> Extensions(FullReportPlatform& platform) {
     ExtensionSources sources{*platform.registry, platform.report.files, platform.report.clock, *platform.environment,
                              platform.encoding};
+    sources.ourBlocklist = [&platform](const std::string& browser) {
+        return OurBlocklistEntries(platform.report.files, platform.appPath, browser);
+    };
     return CollectExtensions(sources);
 }
 
