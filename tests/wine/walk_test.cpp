@@ -584,6 +584,10 @@ TEST(LayoutFitUnderWine, EveryPaneAndDialogFits) {
         Navigate(button);
         ExpectFits(g_main, config + ", pane " + std::to_string(button));
     }
+    Navigate(IDC_CMDIE);  // the browser pane's last tab: its explanation line is the longest
+    ClickAt(Centre(ById(Pane(), IDC_CMDEXTENSIONS)));
+    Settle();
+    ExpectFits(g_main, config + ", the Extensions tab");
     // Each dialog keeps its fixed size with its texts fitted in; the about
     // box's heading is drawn bold, which only its pixels can tell.
     const struct { int pane; const char* button; int width, height; } dialogs[] = {
