@@ -33,13 +33,6 @@ constexpr const char* kStoreSuffix32 = " 32-bit.reg";
 
 bool Is32(uint32_t view) { return (view & kKeyWow64_32Key) != 0; }
 
-// How a kept file tells the user to put it back: in the 32-bit view only the
-// 32-bit registry editor imports it where it came from.
-std::string ImportHint(uint32_t view) {
-    return Is32(view) ? "Import this file with the 32-bit registry editor (%SystemRoot%\\SysWOW64\\regedit.exe)"
-                      : "Import this file";
-}
-
 // "{clsid}" or "{clsid} (32-bit)", as the messages name an object.
 std::string Named(const std::string& name, uint32_t view) {
     return Is32(view) ? name + " (" + kView32Text + ")" : name;

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <map>
 
+#include "foundations/functions.h"
 #include "foundations/json.h"
+#include "foundations/registry.h"
+#include "foundations/registry_view.h"
 #include "foundations/text.h"
 
 namespace corvane {
@@ -263,13 +266,311 @@ std::vector<ExtensionRecord> CollectExtensionRecords(FileSystem& files, Clock& c
     return records;
 }
 
-Row ExtensionRow(const ExtensionRecord& record) {
+Row ExtensionRow(const ExtensionRecord& record, TextEncoding* ansi) {
+    const auto shown = [ansi](const std::string& text) { return ansi ? ansi->AnsiOfUtf8(text) : text; };
     Row row;
-    row.cells = {record.name,        record.browser,     record.profile, record.version, record.state,
-                 record.installedBy, record.installedOn, record.id,      record.path};
+    row.cells = {shown(record.name),  shown(record.browser),     shown(record.profile), shown(record.version),
+                 record.state,        record.installedBy,        record.installedOn,    shown(record.id),
+                 shown(record.path)};
     row.mark = record.suspicious ? (record.disabled ? RowMark::SuspiciousDisabled : RowMark::Suspicious)
                                  : (record.disabled ? RowMark::Disabled : RowMark::None);
     return row;
+}
+
+std::string PolicyBrowserOf(const std::string& browser) {
+    return browser.rfind("Chrome", 0) == 0 ? "Chrome" : browser;
+}
+
+std::vector<std::string> ChromiumLocales(const std::string& language) {
+    const size_t dash = language.find_first_of("-_");
+    if (language.empty() || dash == 0) return {};
+    if (dash == std::string::npos || dash + 1 == language.size()) return {language.substr(0, dash)};
+    return {language.substr(0, dash) + "_" + language.substr(dash + 1), language.substr(0, dash)};
+}
+
+namespace {
+
+constexpr const char* kBlockedByPolicy = "Blocked by policy";
+constexpr const char* kBlockedByUs = "Blocked by Corvane";
+constexpr const char* kForcelist = "ExtensionInstallForcelist";
+constexpr const char* kBlocklist = "ExtensionInstallBlocklist";
+constexpr const char* kFirefoxPolicyKey = "Software\\Policies\\Mozilla\\Firefox";
+
+struct ChromiumPolicyPlace {
+    const char* browser;
+    const char* policyKey;
+    const char* externalKey;  // where other programs install from; null for none
+};
+constexpr ChromiumPolicyPlace kChromiumPolicyPlaces[] = {
+    {"Chrome", "Software\\Policies\\Google\\Chrome", "Software\\Google\\Chrome\\Extensions"},
+    {"Edge", "Software\\Policies\\Microsoft\\Edge", "Software\\Microsoft\\Edge\\Extensions"},
+    {"Brave", "Software\\Policies\\BraveSoftware\\Brave", nullptr},
+};
+
+std::string HiveName(RegKey hive) { return hive == kHKeyLocalMachine ? "HKLM" : "HKCU"; }
+
+bool Contains(const std::vector<std::string>& list, const std::string& text) {
+    return std::find(list.begin(), list.end(), text) != list.end();
+}
+
+// A browser's list policies as it applies them: a policy the machine sets
+// wins whole over the user's.
+struct EffectiveLists {
+    std::vector<std::string> forced, blocked, ours;
+    bool blockedByMachine = false;
+};
+
+class EntryCollector {
+public:
+    EntryCollector(ExtensionSources& sources, std::vector<ExtensionRecord>& profiles)
+        : sources_(sources), profiles_(profiles),
+          encoding_(sources.encoding ? *sources.encoding : Windows1252Text()) {}
+
+    std::vector<ExtensionRecord> All() {
+        for (const ChromiumPolicyPlace& place : kChromiumPolicyPlaces) Chromium(place);
+        Firefox();
+        return std::move(entries_);
+    }
+
+private:
+    std::string Utf8(const std::string& ansi) { return encoding_.Utf8OfAnsi(ansi); }
+
+    RegValueList Values(RegKey hive, const std::string& key, uint32_t view = 0) {
+        RegistryInView registry(sources_.registry, view);
+        return EnumRegValues(registry, hive, key);
+    }
+    std::vector<std::string> Subkeys(RegKey hive, const std::string& key, uint32_t view = 0) {
+        RegistryInView registry(sources_.registry, view);
+        std::vector<std::string> names;
+        EnumRegKeys(registry, hive, key, names);
+        return names;
+    }
+    // The hives and views a key of other programs is read in: the machine's
+    // in each view it keeps, then the user's, which both views share.
+    std::vector<std::pair<RegKey, uint32_t>> Places() {
+        std::vector<std::pair<RegKey, uint32_t>> places;
+        for (uint32_t view : MachineRegistryViews(sources_.registry)) places.emplace_back(kHKeyLocalMachine, view);
+        places.emplace_back(kHKeyCurrentUser, 0);
+        return places;
+    }
+
+    ExtensionRecord& Entry(ExtensionSource source, const std::string& browser, RegKey hive, const std::string& key,
+                           const std::string& value, uint32_t view) {
+        return entries_.emplace_back(Made(source, browser, hive, key, value, view));
+    }
+    ExtensionRecord Made(ExtensionSource source, const std::string& browser, RegKey hive, const std::string& key,
+                         const std::string& value, uint32_t view) {
+        ExtensionRecord record;
+        record.source = source;
+        record.browser = browser;
+        record.hive = HiveName(hive);
+        record.key = key;
+        record.value = value;
+        record.view = view;
+        record.profile = Utf8(record.hive + "\\" + key + (view == kKeyWow64_32Key ? " (32-bit)" : ""));
+        return record;
+    }
+
+    // The name and version a profile of the browser gives the id, so an
+    // entry's row says what it forces or blocks.
+    void NameFromProfiles(ExtensionRecord& record, const std::string& policyBrowser) {
+        for (const ExtensionRecord& profile : profiles_) {
+            if (profile.id != record.id || PolicyBrowserOf(profile.browser) != policyBrowser) continue;
+            record.name = profile.name;
+            if (record.version.empty()) record.version = profile.version;
+            return;
+        }
+    }
+
+    void Mark(ExtensionRecord& record, const char* state, const char* installedBy, bool suspicious) {
+        record.state = state;
+        record.installedBy = installedBy;
+        record.suspicious = suspicious;
+        record.disabled = record.state != "Enabled";
+    }
+
+    // Whether the browser blocks the id and whose the entry is: ours only
+    // while our entry is the one the browser applies.
+    const char* BlockOf(const EffectiveLists& lists, const std::string& id) const {
+        if (Contains(lists.forced, id)) return nullptr;
+        if (Contains(lists.blocked, id)) {
+            return lists.blockedByMachine && Contains(lists.ours, id) ? kBlockedByUs : kBlockedByPolicy;
+        }
+        return Contains(lists.blocked, "*") ? kBlockedByPolicy : nullptr;
+    }
+
+    void Chromium(const ChromiumPolicyPlace& place) {
+        const std::string browser = place.browser;
+        EffectiveLists lists;
+        if (sources_.ourBlocklist) lists.ours = sources_.ourBlocklist(browser);
+        for (const char* policy : {kForcelist, kBlocklist}) {
+            const bool forcing = policy == kForcelist;
+            const std::string key = std::string(place.policyKey) + "\\" + policy;
+            bool machineHasIt = false;
+            for (RegKey hive : {kHKeyLocalMachine, kHKeyCurrentUser}) {
+                for (const RegValueEntry& value : Values(hive, key)) {
+                    std::string data = Utf8(TrimAtNull(value.Text()));
+                    // A forcelist entry is "<id>;<update url>", the address optional.
+                    const size_t semicolon = forcing ? data.find(';') : std::string::npos;
+                    ExtensionRecord& record = Entry(forcing ? ExtensionSource::Forcelist : ExtensionSource::Blocklist,
+                                                    browser, hive, key, value.name, 0);
+                    record.id = data.substr(0, semicolon);
+                    if (semicolon != std::string::npos) record.path = data.substr(semicolon + 1);
+                    NameFromProfiles(record, browser);
+                    const bool applies = hive == kHKeyLocalMachine || !machineHasIt;
+                    if (hive == kHKeyLocalMachine) machineHasIt = true;
+                    if (forcing) {
+                        Mark(record, "Enabled", kFromPolicy.installedBy, true);
+                        if (applies) lists.forced.push_back(record.id);
+                    } else {
+                        const bool ours = hive == kHKeyLocalMachine && Contains(lists.ours, record.id);
+                        Mark(record, ours ? kBlockedByUs : kBlockedByPolicy, kFromPolicy.installedBy, false);
+                        if (applies) {
+                            lists.blocked.push_back(record.id);
+                            lists.blockedByMachine = hive == kHKeyLocalMachine;
+                        }
+                    }
+                }
+            }
+        }
+        if (place.externalKey) {
+            for (const auto& [hive, view] : Places()) {
+                for (const std::string& id : Subkeys(hive, place.externalKey, view)) {
+                    const std::string key = std::string(place.externalKey) + "\\" + id;
+                    const RegValueList values = Values(hive, key, view);
+                    ExtensionRecord& record = Entry(ExtensionSource::ExternalKey, browser, hive, key, "", view);
+                    record.id = Utf8(id);
+                    record.version = Utf8(TrimAtNull(values.Find("version") ? values.Find("version")->Text() : ""));
+                    const RegValueEntry* from = values.Find("path") ? values.Find("path") : values.Find("update_url");
+                    record.path = from ? Utf8(TrimAtNull(from->Text())) : "";
+                    NameFromProfiles(record, browser);
+                    const char* block = BlockOf(lists, record.id);
+                    Mark(record, block ? block : "Enabled", kFromRegistry.installedBy, true);
+                }
+            }
+        }
+        // The profiles' own rows, as the policies leave them.
+        for (ExtensionRecord& record : profiles_) {
+            if (PolicyBrowserOf(record.browser) != browser) continue;
+            if (Contains(lists.forced, record.id)) {
+                record.installedBy = kFromPolicy.installedBy;
+                record.suspicious = true;
+            }
+            if (const char* block = BlockOf(lists, record.id)) {
+                record.state = block;
+                record.disabled = true;
+            }
+        }
+    }
+
+    // Firefox's ExtensionSettings: an object by id (or "*", every other one),
+    // each with its installation_mode.
+    void FirefoxSettings(const JsonValue& settings, ExtensionRecord prototype,
+                         std::map<std::string, std::string>& modes) {
+        for (const auto& [id, entry] : settings.Members()) {
+            ExtensionRecord& record = entries_.emplace_back(prototype);
+            record.id = id;
+            const std::string mode = entry["installation_mode"].String().value_or("");
+            if (record.path.empty()) record.path = entry["install_url"].String().value_or("");
+            FirefoxMode(record, mode, modes);
+        }
+    }
+    void FirefoxMode(ExtensionRecord& record, const std::string& mode, std::map<std::string, std::string>& modes) {
+        const bool forced = mode == "force_installed" || mode == "normal_installed";
+        Mark(record, mode == "blocked" ? kBlockedByPolicy : "Enabled", kFromPolicy.installedBy, forced);
+        NameFromProfiles(record, "Firefox");
+        modes.emplace(record.id, mode);  // the registry's policy comes first and wins
+    }
+
+    void Firefox() {
+        constexpr const char* kSideloadKey = "Software\\Mozilla\\Firefox\\Extensions";
+        std::map<std::string, std::string> modes;
+        for (const auto& [hive, view] : Places()) {
+            for (const RegValueEntry& value : Values(hive, kSideloadKey, view)) {
+                if (value.name.empty()) continue;
+                ExtensionRecord& record = Entry(ExtensionSource::FirefoxSideload, "Firefox", hive, kSideloadKey,
+                                                value.name, view);
+                record.id = Utf8(value.name);
+                record.path = Utf8(TrimAtNull(value.Text()));
+                NameFromProfiles(record, "Firefox");
+                Mark(record, "Enabled", kFromRegistry.installedBy, true);
+            }
+        }
+        // The policy as a JSON text in one value (one line or several), or as a key per id.
+        const RegValueList policy = Values(kHKeyLocalMachine, kFirefoxPolicyKey);
+        const RegValueEntry* text = policy.Find("ExtensionSettings");
+        if (text) {
+            std::string json = Utf8(text->Text());
+            std::replace(json.begin(), json.end(), '\0', '\n');
+            if (const auto document = JsonDocument::Parse(json)) {
+                FirefoxSettings(document->Root(),
+                                Made(ExtensionSource::FirefoxPolicy, "Firefox", kHKeyLocalMachine, kFirefoxPolicyKey,
+                                     "ExtensionSettings", 0),
+                                modes);
+            }
+        }
+        const std::string settingsKey = std::string(kFirefoxPolicyKey) + "\\ExtensionSettings";
+        for (const std::string& id : Subkeys(kHKeyLocalMachine, settingsKey)) {
+            const std::string key = settingsKey + "\\" + id;
+            const RegValueList values = Values(kHKeyLocalMachine, key);
+            ExtensionRecord& record = Entry(ExtensionSource::FirefoxPolicy, "Firefox", kHKeyLocalMachine, key, "", 0);
+            record.id = Utf8(id);
+            const RegValueEntry* url = values.Find("install_url");
+            record.path = url ? Utf8(TrimAtNull(url->Text())) : "";
+            const RegValueEntry* mode = values.Find("installation_mode");
+            FirefoxMode(record, mode ? TrimAtNull(mode->Text()) : "", modes);
+        }
+        const std::string file = FirefoxFolder() + "\\distribution\\policies.json";
+        if (const auto document = ReadJsonFile(sources_.files, file)) {
+            ExtensionRecord prototype;
+            prototype.source = ExtensionSource::FirefoxPolicy;
+            prototype.browser = "Firefox";
+            prototype.profile = file;
+            prototype.path = file;
+            FirefoxSettings(document->Root()["policies"]["ExtensionSettings"], prototype, modes);
+        }
+        // The policy applies to what a profile holds and to what the registry would add.
+        std::vector<ExtensionRecord*> held;
+        for (ExtensionRecord& record : profiles_) held.push_back(&record);
+        for (ExtensionRecord& record : entries_) held.push_back(&record);
+        for (ExtensionRecord* each : held) {
+            ExtensionRecord& record = *each;
+            const bool profile = record.source == ExtensionSource::Profile;
+            if (record.browser != "Firefox" || (!profile && record.source != ExtensionSource::FirefoxSideload)) continue;
+            auto mode = modes.find(record.id);
+            if (mode == modes.end()) mode = modes.find("*");
+            if (mode != modes.end() && mode->second == "blocked") {
+                record.state = kBlockedByPolicy;
+                record.disabled = true;
+            } else if (profile && mode != modes.end() && mode->first == record.id &&
+                       (mode->second == "force_installed" || mode->second == "normal_installed")) {
+                record.installedBy = kFromPolicy.installedBy;
+                record.suspicious = true;
+            }
+        }
+    }
+
+    // Firefox's install folder, as the system's App Paths name its program.
+    std::string FirefoxFolder() {
+        const std::string program = GetRegString(sources_.registry, kHKeyLocalMachine,
+                                                 "Software\\Microsoft\\Windows\\CurrentVersion\\App Paths\\firefox.exe", "");
+        const size_t slash = program.find_last_of('\\');
+        std::string folder = slash == std::string::npos ? std::string() : program.substr(0, slash);
+        if (!folder.empty() && folder.front() == '"') folder.erase(0, 1);
+        if (folder.empty()) folder = ExpandEnvString(sources_.environment, "%ProgramFiles%") + "\\Mozilla Firefox";
+        return folder;
+    }
+
+    ExtensionSources& sources_;
+    std::vector<ExtensionRecord>& profiles_;
+    TextEncoding& encoding_;
+    std::vector<ExtensionRecord> entries_;
+};
+
+}  // namespace
+
+std::vector<ExtensionRecord> CollectExtensionEntries(ExtensionSources& sources, std::vector<ExtensionRecord>& profiles) {
+    return EntryCollector(sources, profiles).All();
 }
 
 std::vector<ExtensionRecord> CollectExtensions(ExtensionSources& sources) {
@@ -278,8 +579,12 @@ std::vector<ExtensionRecord> CollectExtensions(ExtensionSources& sources) {
         text.resize(text.find('\0') == std::string::npos ? text.size() : text.find('\0'));
         return text.find('%') == std::string::npos ? text : std::string();
     };
-    ExtensionPlaces places{folder("%LOCALAPPDATA%"), folder("%APPDATA%"), {}};
-    return CollectExtensionRecords(sources.files, sources.clock, places);
+    ExtensionPlaces places{folder("%LOCALAPPDATA%"), folder("%APPDATA%"),
+                           ChromiumLocales(sources.environment.UiLanguage())};
+    std::vector<ExtensionRecord> records = CollectExtensionRecords(sources.files, sources.clock, places);
+    std::vector<ExtensionRecord> entries = CollectExtensionEntries(sources, records);
+    records.insert(records.end(), std::make_move_iterator(entries.begin()), std::make_move_iterator(entries.end()));
+    return records;
 }
 
 }  // namespace corvane

@@ -6,6 +6,7 @@
 // profile per browser, in the browsers' own UTF-8.
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "platform/environment.h"
 #include "platform/file_system.h"
 #include "platform/registry.h"
+#include "platform/text_encoding.h"
 
 namespace corvane {
 
@@ -44,8 +46,10 @@ inline constexpr std::array<const char*, 9> kExtensionColumns = {
     "Name", "Browser", "Profile", "Version", "State", "Installed By", "Installed On", "ID", "Path"};
 
 // The row the list shows and the reports write for a record, in the
-// columns' order, marked by the colour rule.
-Row ExtensionRow(const ExtensionRecord& record);
+// columns' order, marked by the colour rule. The record's UTF-8 texts are
+// shown through `ansi`, the system's code page, as every other text is;
+// without it they stay as they are.
+Row ExtensionRow(const ExtensionRecord& record, TextEncoding* ansi = nullptr);
 
 // Where the Extensions list reads from.
 struct ExtensionSources {
@@ -53,11 +57,34 @@ struct ExtensionSources {
     FileSystem& files;
     Clock& clock;
     Environment& environment;
+    // The system's ANSI code page, in which the registry's texts come; none: Windows-1252.
+    TextEncoding* encoding = nullptr;
+    // The ExtensionInstallBlocklist entries the program wrote itself into a
+    // browser's machine policy ("Chrome", "Edge", "Brave"); none: no entry is ours.
+    std::function<std::vector<std::string>(const std::string& browser)> ourBlocklist = nullptr;
 };
 
 // Everything the Extensions list shows: each profile's extensions, then the
-// entries that force, block or install one from outside.
+// entries that force, block or install one from outside; the profiles'
+// states and origins as those entries make them.
 std::vector<ExtensionRecord> CollectExtensions(ExtensionSources& sources);
+
+// The entries of the browsers' policies and of the keys through which other
+// programs install extensions, one record each: the Chromium browsers'
+// forcelists and blocklists (machine, then user), their external-install
+// keys, Firefox's registry sideloads and its ExtensionSettings (registry,
+// then the install folder's policies.json). `profiles` are the profiles'
+// records, whose state and origin the entries change and whose names the
+// entries' rows take.
+std::vector<ExtensionRecord> CollectExtensionEntries(ExtensionSources& sources, std::vector<ExtensionRecord>& profiles);
+
+// The browser whose policy key governs a profile's browser: Chrome's Beta,
+// Dev and Canary share Chrome's.
+std::string PolicyBrowserOf(const std::string& browser);
+
+// Chromium's locale folder names for the system's language ("de-AT"): the
+// language with its country, then the language alone.
+std::vector<std::string> ChromiumLocales(const std::string& language);
 
 // A Chromium browser: its name and its User Data folder, relative to the
 // user's local application data.

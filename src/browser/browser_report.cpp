@@ -3,8 +3,10 @@
 #include <utility>
 
 #include "browser/browser_commands.h"
+#include "browser/browser_extensions.h"
 #include "foundations/error_message.h"
 #include "foundations/file_hash_cache.h"
+#include "foundations/text.h"
 
 namespace corvane {
 
@@ -83,6 +85,25 @@ std::string UrlLines(const BrowserUrls& urls) {
     return lines;
 }
 
+std::vector<ExtensionRecord> Extensions(FullReportPlatform& platform) {
+    ExtensionSources sources{*platform.registry, platform.report.files, platform.report.clock, *platform.environment,
+                             platform.encoding};
+    return CollectExtensions(sources);
+}
+
+// One line per extension with every column, under a line naming them.
+std::string ExtensionLines(const std::vector<ExtensionRecord>& records, TextEncoding& ansi) {
+    if (records.empty()) return "";
+    const auto line = [](const auto& cells) {
+        std::string text;
+        for (size_t i = 0; i < cells.size(); ++i) text += (i ? " | " : "") + std::string(cells[i]);
+        return text + "\r\n";
+    };
+    std::string lines = line(kExtensionColumns);
+    for (const ExtensionRecord& record : records) lines += line(ExtensionRow(record, &ansi).cells);
+    return lines;
+}
+
 }  // namespace
 
 const BrowserReport& BrowserReportOf(BrowserList list) {
@@ -135,7 +156,9 @@ bool WriteBrowserArea(FullReportPlatform& platform, const std::string& file) {
         "\r\n" +
         Group("IE Menu Items",
               Blocks(CollectMenuItems(sources, places), [](const Row& row) { return Block(kMenuLines, row); })) +
-        "\r\n" + Group("IE URLs", UrlLines(LoadBrowserURLs(*platform.registry)));
+        "\r\n" + Group("IE URLs", UrlLines(LoadBrowserURLs(*platform.registry))) + "\r\n" +
+        Group("Extensions",
+              ExtensionLines(Extensions(platform), platform.encoding ? *platform.encoding : Windows1252Text()));
     if (const SysError error = report.files.Append(file, body)) {
         ShowErrorOccurred(report.prompts, "IE printReport", ErrorDescription(report.system, error));
         return false;
@@ -202,6 +225,28 @@ std::vector<InventoryRecord> BrowserInventory(FullReportPlatform& platform) {
         record.place = std::string(field.hive == kHKeyLocalMachine ? "HKLM\\" : "HKCU\\") + field.key;
         record.name = *field.value ? field.value : "(Default)";
         record.command = urls[i];
+        records.push_back(std::move(record));
+    }
+    // Each extension under its browser and profile, or under the key or file
+    // of its entry, in the browsers' own UTF-8.
+    TextEncoding& ansi = platform.encoding ? *platform.encoding : Windows1252Text();
+    for (const ExtensionRecord& extension : Extensions(platform)) {
+        InventoryRecord record;
+        record.area = "ie";
+        record.utf8 = true;
+        if (extension.source == ExtensionSource::Profile) {
+            record.place = extension.browser + "\\" + extension.profile;
+        } else if (!extension.hive.empty()) {
+            record.place = ansi.Utf8OfAnsi(extension.hive + "\\" + extension.key);
+            if (extension.view == kKeyWow64_32Key) record.view = kView32;
+        } else {
+            record.place = extension.profile;
+        }
+        record.name = extension.id;
+        record.state = LowerAnsi(extension.state);
+        record.command = extension.path;
+        record.description = extension.name;
+        record.suspicious = extension.suspicious;
         records.push_back(std::move(record));
     }
     return records;

@@ -31,4 +31,20 @@ bool EnableExtensions(ExtensionCommandPorts& ports, const std::vector<const Exte
 // Delete of the selected row (null: none); asks first. True when the list should be filled anew.
 bool DeleteExtensionEntry(ExtensionCommandPorts& ports, const ExtensionRecord* selected);
 
+// The folder beside the program that keeps, per browser, which entries of its
+// blocklist policy are ours: "DExtensions\Chrome.reg", a REGEDIT4 file naming
+// the policy key, with one value per entry, named by the extension's ID.
+inline constexpr const char* kExtensionStore = "DExtensions";
+
+// The policy key of a Chromium browser below HKLM or HKCU
+// ("SOFTWARE\Policies\Google\Chrome"); Chrome's Beta, Dev and Canary read
+// Chrome's. Empty for a browser without one.
+std::string ExtensionPolicyKey(const std::string& browser);
+
+// The IDs our store says we blocked for the browser (Chrome's Beta, Dev and
+// Canary share Chrome's), whether or not the policy holds them now; none
+// when the store is missing or holds anything else.
+std::vector<std::string> OurBlocklistEntries(FileSystem& files, const std::string& appPath,
+                                             const std::string& browser);
+
 }  // namespace corvane

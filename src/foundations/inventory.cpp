@@ -51,19 +51,20 @@ std::vector<std::string> InventoryHeader(bool withHash) {
 
 std::vector<std::string> InventoryFields(const InventoryRecord& record, const InventoryContext& context) {
     auto utf8 = [&](const std::string& text) { return context.encoding ? context.encoding->Utf8OfAnsi(text) : text; };
+    auto own = [&](const std::string& text) { return record.utf8 ? text : utf8(text); };
     std::vector<std::string> fields = {
         record.area,
-        utf8(PlaceText(record)),
-        utf8(record.name),
+        own(PlaceText(record)),
+        own(record.name),
         record.state,
-        utf8(record.command),
-        utf8(record.fileName),
-        utf8(record.folder),
+        own(record.command),
+        own(record.fileName),
+        own(record.folder),
         record.size ? std::to_string(*record.size) : std::string(),
         record.created,
-        utf8(record.company),
-        utf8(record.product),
-        utf8(record.description),
+        own(record.company),
+        own(record.product),
+        own(record.description),
         record.suspicious ? "yes" : "no",
         utf8(context.computer),
         utf8(context.user),

@@ -38,6 +38,7 @@ struct InventoryRecord {
     std::string created;           // local time, 2026-11-23T14:05:09
     std::string company, product, description;
     bool suspicious = false;
+    bool utf8 = false;  // the texts are UTF-8 already (a browser's files), not in the ANSI code page
 };
 
 // The CSV's columns in their order; the hash is the last, and only there

@@ -28,6 +28,12 @@ std::string Stamp(const SystemTime& t) {
 
 std::string RegBackupFolder(const std::string& appPath) { return appPath + "\\" + kBackupFolder; }
 
+std::string ImportHint(uint32_t view) {
+    return (view & kKeyWow64_32Key)
+               ? "Import this file with the 32-bit registry editor (%SystemRoot%\\SysWOW64\\regedit.exe)"
+               : "Import this file";
+}
+
 bool FileNameCanHold(const std::string& name) {
     if (name.empty() || name.back() == '.' || name.back() == ' ' || name.size() > kLongestNamePart) return false;
     for (char c : name) {

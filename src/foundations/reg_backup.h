@@ -29,6 +29,10 @@ inline constexpr const char* kRegistryView32 = "32-bit";
 
 std::string RegBackupFolder(const std::string& appPath);
 
+// How a kept file of the view `view` tells the user to put it back: in the
+// 32-bit view only the 32-bit registry editor imports it where it came from.
+std::string ImportHint(uint32_t view);
+
 // Whether a name can be a file name as it is (no characters a file name
 // cannot hold, not too long).
 bool FileNameCanHold(const std::string& name);

@@ -54,6 +54,38 @@ std::string Windows1252Encoding::AnsiOfUtf16(std::u16string_view text) {
     return ansi;
 }
 
+std::u16string TextEncoding::Utf16OfUtf8(std::string_view utf8) {
+    std::u16string text;
+    text.reserve(utf8.size());
+    for (size_t i = 0; i < utf8.size();) {
+        const auto byte = static_cast<unsigned char>(utf8[i]);
+        const size_t length = byte < 0x80 ? 1 : byte >= 0xC2 && byte < 0xE0 ? 2 : byte >= 0xE0 && byte < 0xF0 ? 3
+                              : byte >= 0xF0 && byte < 0xF5                 ? 4
+                                                                            : 0;
+        char32_t c = length == 1 ? byte : length == 2 ? byte & 0x1F : length == 3 ? byte & 0x0F : byte & 0x07;
+        size_t n = 1;
+        while (n < length && i + n < utf8.size() && (static_cast<unsigned char>(utf8[i + n]) & 0xC0) == 0x80) {
+            c = (c << 6) | (static_cast<unsigned char>(utf8[i + n]) & 0x3F);
+            ++n;
+        }
+        // Overlong forms, halves of pairs and what lies past U+10FFFF are no characters.
+        const char32_t least = length == 3 ? 0x800 : length == 4 ? 0x10000 : 0;
+        if (length == 0 || n < length || c < least || (c >= 0xD800 && c < 0xE000) || c > 0x10FFFF) {
+            text += u'\uFFFD';
+            i += n;
+            continue;
+        }
+        if (c >= 0x10000) {
+            text += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
+            text += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
+        } else {
+            text += static_cast<char16_t>(c);
+        }
+        i += length;
+    }
+    return text;
+}
+
 TextEncoding& Windows1252Text() {
     static Windows1252Encoding encoding;
     return encoding;

@@ -15,6 +15,12 @@ public:
     // would pass it on: a character the code page lacks becomes "?", the
     // system's default character.
     virtual std::string AnsiOfUtf16(std::u16string_view text) = 0;
+    // Text other programs keep in UTF-8 (a browser's files), in the ANSI
+    // code page as the lists show every text; bytes that are no UTF-8 count
+    // as one U+FFFD each.
+    virtual std::string AnsiOfUtf8(std::string_view utf8) { return AnsiOfUtf16(Utf16OfUtf8(utf8)); }
+
+    static std::u16string Utf16OfUtf8(std::string_view utf8);
 };
 
 // The conversion for a system whose ANSI code page is Windows-1252, the code

@@ -1,10 +1,12 @@
 #include "startup/other_places.h"
 
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <cctype>
 
 #include "foundations/functions.h"
+#include "foundations/json.h"
 #include "foundations/registry.h"
 #include "startup/task_file.h"
 
@@ -33,7 +35,7 @@ struct PlaceName {
     const char* code;
     const char* caption;
 };
-constexpr std::array<PlaceName, 24> kPlaceNames = {{
+constexpr std::array<PlaceName, 27> kPlaceNames = {{
     {kLocRunOnceLM, "Local Machine RunOnce Key"},
     {kLocRunOnceLM32, "Local Machine RunOnce Key (32-bit View)"},
     {kLocRunOnceCU, "Current User RunOnce Key"},
@@ -58,7 +60,21 @@ constexpr std::array<PlaceName, 24> kPlaceNames = {{
     {kLocDriver, "Automatic Driver"},
     {kLocMsconfigReg, "Run Key Item Disabled by System Configuration"},
     {kLocMsconfigFolder, "Startup Folder Item Disabled by System Configuration"},
+    {kLocMessagingLM, "Local Machine Browser Native Messaging Host"},
+    {kLocMessagingLM32, "Local Machine Browser Native Messaging Host (32-bit View)"},
+    {kLocMessagingCU, "Current User Browser Native Messaging Host"},
 }};
+
+// Where each browser looks up the programs its extensions may start.
+struct MessagingPlace {
+    const char* browser;
+    const char* key;
+};
+constexpr MessagingPlace kMessagingPlaces[] = {
+    {"Chrome", "Software\\Google\\Chrome\\NativeMessagingHosts"},
+    {"Edge", "Software\\Microsoft\\Edge\\NativeMessagingHosts"},
+    {"Firefox", "Software\\Mozilla\\NativeMessagingHosts"},
+};
 
 char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
@@ -162,6 +178,8 @@ public:
         Services();
         Msconfig("startupreg", kLocMsconfigReg);
         Msconfig("startupfolder", kLocMsconfigFolder);
+        Views([this](RegKey hive, uint32_t view) { return MessagingHosts(hive, view); }, kLocMessagingLM,
+              kLocMessagingLM32, kLocMessagingCU);
     }
 
 private:
@@ -377,6 +395,27 @@ private:
             const std::string name = ValueText(values, "item");
             Row(Trim(name).empty() ? item : name, ValueText(values, "command"), location, false);
         }
+    }
+
+    // A host's key names its manifest (JSON, UTF-8), whose "path" is the
+    // program, absolute or relative to the manifest's folder.
+    std::vector<Found> MessagingHosts(RegKey hive, uint32_t view) {
+        std::vector<Found> found;
+        for (const MessagingPlace& place : kMessagingPlaces) {
+            for (const std::string& name : SubkeysAt(sources_.registry, hive, place.key, view)) {
+                const std::string manifest =
+                    ValueText(ValuesAt(sources_.registry, hive, std::string(place.key) + "\\" + name, view), "");
+                if (Trim(manifest).empty()) continue;
+                const auto document = ReadJsonFile(sources_.files, manifest);
+                std::string program =
+                    document ? sources_.ansi.AnsiOfUtf8(document->Root()["path"].String().value_or("")) : "";
+                std::replace(program.begin(), program.end(), '/', '\\');
+                const bool absolute = (program.size() > 1 && program[1] == ':') || program.rfind("\\\\", 0) == 0;
+                if (!program.empty() && !absolute) program = manifest.substr(0, manifest.find_last_of('\\') + 1) + program;
+                found.push_back({std::string(place.browser) + ": " + name, manifest, program});
+            }
+        }
+        return found;
     }
 
     StartupSources& sources_;

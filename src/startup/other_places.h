@@ -46,6 +46,9 @@ inline constexpr const char* kLocServiceDll = "Service DLL";
 inline constexpr const char* kLocDriver = "Driver";
 inline constexpr const char* kLocMsconfigReg = "MSConfig Registry";
 inline constexpr const char* kLocMsconfigFolder = "MSConfig Folder";
+inline constexpr const char* kLocMessagingLM = "Messaging Host LM";
+inline constexpr const char* kLocMessagingLM32 = "Messaging Host LM 32-bit";
+inline constexpr const char* kLocMessagingCU = "Messaging Host CU";
 
 inline constexpr const char* kServicesKey = "SYSTEM\\CurrentControlSet\\Services";
 inline constexpr const char* kMsconfigKey = "SOFTWARE\\Microsoft\\Shared Tools\\MSConfig";
@@ -72,8 +75,9 @@ std::string ResolveProgram(const std::string& text, const std::string& systemRoo
 // The rows of all other places, in this order: RunOnce, RunOnceEx and
 // Policies\Explorer\Run (the machine's 64-bit and 32-bit views, then the
 // user's), Winlogon, Active Setup, AppInit_DLLs, Image File Execution
-// Options, the scheduled tasks, the automatic services and drivers, and
-// what System Configuration took out of the Run keys and startup folders.
+// Options, the scheduled tasks, the automatic services and drivers, what
+// System Configuration took out of the Run keys and startup folders, and the
+// programs the browsers start for their extensions (native messaging hosts).
 void LoadOtherPlaces(StartupSources& sources, const StartupPlaces& places, StartupList& list);
 
 // What Delete says of a row of an other place, instead of its question.

@@ -34,7 +34,9 @@ public:
 class FakeEnvironment : public Environment {
 public:
     std::map<std::string, std::string> variables;
+    std::string uiLanguage;
     std::string Expand(const std::string& text, size_t size) override;
+    std::string UiLanguage() override { return uiLanguage; }
 };
 
 class FakeShell : public Shell {

@@ -16,6 +16,7 @@
 #include "applications/installed_applications.h"
 #include "browser/browser_commands.h"
 #include "browser/browser_items.h"
+#include "browser/extension_commands.h"
 #include "fakes/fake_program_runner.h"
 #include "fakes/fault_injection.h"
 #include "foundations/delete_on_reboot.h"
@@ -54,6 +55,11 @@ const std::string kProgram = "C:\\Apps\\Tool.exe", kRestoreTarget = "C:\\Apps\\O
 const std::string kProgramBytes = "MZ\x90\0program bytes"s, kKeptBytes = "MZ\x90\0\xff kept program\r\n\x1a"s;
 const std::string kSafeList = kApp + "\\CommonProcess.qdl", kWinInit = "C:\\WINDOWS\\WinInit.ini";
 const std::string kReport = "C:\\Reports\\report.txt", kQueued = "[Rename]\r\nNUL=C:\\OLD.EXE";
+// Extension IDs: ours blocked, others' blocks before and after it, forced ones, one put in by another program.
+const std::string kOurs(32, 'o'), kAdmin(32, 'a'), kOther(32, 'b'), kLater(32, 'c'), kExternal(32, 'k');
+const std::string kChromePolicy = "HKLM\\Software\\Policies\\Google\\Chrome\\";
+const std::string kBlocklist = kChromePolicy + "ExtensionInstallBlocklist", kForcelist = kChromePolicy + "ExtensionInstallForcelist";
+const std::string kCrx = ";https://clients2.google.com/service/update2/crx", kSideload = "tool@example.com";
 
 std::string RunKeyOf(const std::string& location) {
     return location == kLocHKCU ? "HKCU" + kRun
@@ -73,6 +79,7 @@ struct World : fakes::Machine {
     StartupSources startup{registry, files, facts, clock, environment, shortcuts};
     CommandPorts startupPorts{registry, files, prompts, system};
     BrowserCommandPorts browser{registry, files, prompts, system, clock, kApp};
+    ExtensionCommandPorts extensions{registry, files, prompts, system, clock, kApp};
     ApplicationCommandPorts apps{registry, files, prompts, system, clock, kApp};
     ProcessCommandPorts processPorts{processes, files, system, prompts, clock, {facts, files, environment, system, prompts}, kApp};
     BackupCommandPorts backups{files, system, prompts, kApp};
@@ -109,6 +116,9 @@ struct World : fakes::Machine {
         registry.PutString(kBHO + "\\" + kKept, "Kept", "yes");
         registry.AddKey(kBHO + "\\" + kKept + "\\Sub");
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
+        const ExtensionRecord ours = Extension("Chrome", kOurs);
+        DisableExtensions(extensions, {&ours});
+        registry.PutString(kBlocklist, "4", kLater);
         facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
         processes.Add(1234, kProgram);
         files.AddFile(kProgram, kProgramBytes);
@@ -134,6 +144,14 @@ struct World : fakes::Machine {
         helper.cells[kBrowserColView] = TextOfView(view);
         helper.checked = true;
         return helper;
+    }
+    static ExtensionRecord Extension(const char* browser, const std::string& id,
+                                     ExtensionSource source = ExtensionSource::Profile, const char* hive = "",
+                                     std::string key = "", const char* value = "", uint32_t view = 0) {
+        ExtensionRecord record;
+        record.name = "Ext " + id.substr(0, 1), record.browser = browser, record.profile = "Default", record.id = id;
+        record.source = source, record.hive = hive, record.key = key, record.value = value, record.view = view;
+        return record;
     }
     void Collect() {
         places = LoadStartupPlaces(startup, kApp);
@@ -168,6 +186,13 @@ std::optional<std::vector<RegFileKey>> Tree(World& w, const KeyRef& key) {
 }
 std::vector<std::string> Some(const std::optional<std::string>& text) {
     return text && !text->empty() ? std::vector<std::string>{*text} : std::vector<std::string>{};
+}
+// An entry of a list policy, under whatever number.
+Place ListEntry(std::string key, std::string data) {
+    return [=](World& w) {
+        const auto names = w.registry.ValueNames(key);
+        return Some(std::any_of(names.begin(), names.end(), [&](auto& n) { return w.registry.Value(key, n)->data == data; }) ? data : "");
+    };
 }
 Place FileAt(std::string path) {
     return [path](World& w) { return Some(w.files.Content(path)); };
@@ -248,7 +273,8 @@ std::vector<Item> Items() {
         keyItem(id, {{root, key + "\\"s + id, 0}});
     }
     for (const auto& [id, root, key] : {std::tuple{kToolbar, kHKeyLocalMachine, kMachineToolbarKey},
-                                        {kUserToolbar, kHKeyCurrentUser, kUserToolbarKey}}) {
+                                        {kUserToolbar, kHKeyCurrentUser, kUserToolbarKey},
+                                        {kSideload, kHKeyCurrentUser, "Software\\Mozilla\\Firefox\\Extensions"}}) {
         const std::string value = id, path = key;
         const RegKey hive = root;
         items.push_back({id,
@@ -262,6 +288,30 @@ std::vector<Item> Items() {
         keyItem("entry " + entry,
                 {{kHKeyLocalMachine, kUninstallKey + "\\"s + entry, 0}, {kHKeyLocalMachine, kArpCacheKey + "\\"s + entry, 0}});
     }
+    for (const std::string& id : {kAdmin, kOther, kLater}) items.push_back({"blocked " + id, {ListEntry(kBlocklist, id + '\0')}});
+    for (const std::string& entry : {std::string(32, 'f') + kCrx + '\0', std::string(32, 'g') + '\0',
+                                     std::string(32, 'h') + kCrx, kExternal + '\0'}) {
+        items.push_back({"forced " + entry.substr(0, 1), {ListEntry(kForcelist, entry)}});
+    }
+    items.push_back({"forcelist", {KeysAt({{kHKeyLocalMachine, kForcelist.substr(5), 0}}), KeptFiles()}});
+    keyItem(kExternal, {{kHKeyLocalMachine, "Software\\Google\\Chrome\\Extensions\\" + kExternal, kKeyWow64_32Key}});
+    // Our block is in our store, and so is every block in the policies that no one else wrote.
+    items.push_back({"our block", {[](World& w) {
+                         const auto ours = OurBlocklistEntries(w.files, kApp, "Chrome Dev");
+                         return Some(std::count(ours.begin(), ours.end(), kOurs) ? kOurs : "");
+                     }}});
+    items.push_back({"blocks of ours in the store", {[](World& w) {
+                         for (const char* browser : {"Chrome", "Edge"}) {
+                             const std::string key = "HKLM\\" + ExtensionPolicyKey(browser) + "\\ExtensionInstallBlocklist";
+                             const auto ours = OurBlocklistEntries(w.files, kApp, browser);
+                             for (const std::string& name : w.registry.ValueNames(key)) {
+                                 const std::string id = w.registry.Value(key, name)->data.substr(0, 32);
+                                 if (name != "Note" && id != kAdmin && id != kOther && id != kLater &&
+                                     std::count(ours.begin(), ours.end(), id) == 0) return Some("");
+                             }
+                         }
+                         return Some("whole");
+                     }}});
     items.push_back({"program", {FileAt(kProgram), BackupPair(kProgram)}});
     items.push_back({"kept program", {BackupPair(kRestoreTarget), FileAt(kRestoreTarget)}});
     for (const char* entry : {"alpha.exe", "beta.exe", "gamma.exe", "delta.exe"}) {
@@ -358,6 +408,33 @@ std::vector<Command> Commands() {
         const auto remove = command;
         rows.push_back({"delete "s + what + " " + id, nothing, [row, remove](World& w) { remove(w.browser, &row); }, "",
                         backup, scope == kScopeAllUsers, true});
+    }
+    const std::string extStore = kApp + "\\" + kExtensionStore, chromeStore = extStore + "\\Chrome.reg";
+    const std::pair<std::string, std::string> ourStore{chromeStore, "\"" + std::string(32, 'x') + "\"=\"Foreign\"\r\n"};
+    using Records = std::vector<ExtensionRecord>;
+    const auto extensions = [](auto command, Records records) {
+        return [command, records](World& w) {
+            std::vector<const ExtensionRecord*> checked;
+            for (const ExtensionRecord& record : records) checked.push_back(&record);
+            command(w.extensions, checked);
+        };
+    };
+    const Records disabling{World::Extension("Chrome", std::string(32, 'd')), World::Extension("Chrome Beta", std::string(32, 'd')),
+                            World::Extension("Edge", std::string(32, 'e')), World::Extension("Firefox", kSideload),
+                            World::Extension("Chrome", kOther), World::Extension("Chrome", kExternal, ExtensionSource::Forcelist)};
+    rows.push_back({"disable extensions", nothing, extensions(DisableExtensions, disabling), "", extStore, true, true, ourStore});
+    rows.push_back({"enable extensions", nothing,
+                    extensions(EnableExtensions, {World::Extension("Chrome Canary", kOurs), World::Extension("Chrome", kAdmin)}),
+                    "our block", extStore, true, false, ourStore});
+    for (const auto& [what, gone, record] :
+         {std::tuple{"forcelist entry", "forced g", World::Extension("Chrome", std::string(32, 'g'), ExtensionSource::Forcelist, "HKLM",
+                                                                    kForcelist.substr(5), "2")},
+          {"extension key", "", World::Extension("Chrome", kExternal, ExtensionSource::ExternalKey, "HKLM",
+                                                 "Software\\Google\\Chrome\\Extensions\\" + kExternal, "", kKeyWow64_32Key)},
+          {"sideload", "", World::Extension("Firefox", kSideload, ExtensionSource::FirefoxSideload, "HKCU",
+                                            "Software\\Mozilla\\Firefox\\Extensions", kSideload.c_str())}}) {
+        rows.push_back({"delete "s + what, nothing, [record](World& w) { DeleteExtensionEntry(w.extensions, &record); }, gone,
+                        backup, record.hive == "HKLM", true});
     }
     for (const std::string& entry : {kFull, "Plain"s, "Odd: name?"s, "Locked"s}) {
         Row row = browserRow("", "", kAddRemoveColumns.size());
@@ -499,7 +576,7 @@ TEST(FaultMatrix, WithoutAFaultEachCommandWritesWhatItAlwaysHas) {
             const auto content = w.files.Content(path);
             if (path.rfind(kApp + "\\", 0) != 0 || content == fresh.files.Content(path)) continue;
             const std::string name = path.substr(path.find_last_of('\\') + 1);
-            const bool reg = name.size() > 4 && name.substr(name.size() - 4) == ".reg";
+            const bool reg = name.size() > 4 && name.substr(name.size() - 4) == ".reg" && path.find(kExtensionStore) == std::string::npos;
             EXPECT_TRUE(golden::Matches(reg ? Slug(c.name) + ".reg" : "store-" + Slug(c.name + " " + name) + ".txt",
                                         *content));
         }

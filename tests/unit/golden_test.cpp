@@ -310,14 +310,16 @@ const std::pair<const char*, Make> kGoldens[] = {
      }},
     {"rows-extensions.txt",
      [](Machine& m) {
+         // Chrome's machine blocklist holds one entry of ours; the list shows the browsers' UTF-8 in code page 1252.
+         m.environment.uiLanguage = "de-AT";
+         ExtensionSources sources{m.registry, m.files, m.clock, m.environment, &m.encoding, [](const std::string& b) {
+             return std::vector<std::string>{b == "Chrome" ? std::string(32, 'a') : ""};
+         }};
          std::string text;
-         for (const ExtensionRecord& r : CollectExtensionRecords(m.files, m.clock, {"C:\\Me\\Local", "C:\\Me\\Roaming", {"de_AT", "de"}})) {
-             text += std::string(r.suspicious ? "S" : "-") + (r.disabled ? "D" : "-");
-             for (const std::string* cell : {&r.name, &r.browser, &r.profile, &r.version, &r.state, &r.installedBy,
-                                             &r.installedOn, &r.id, &r.path}) {
-                 text += "\t" + Escaped(*cell);
-             }
-             text += "\n";
+         for (const ExtensionRecord& r : CollectExtensions(sources)) {
+             for (const std::string& cell : ExtensionRow(r, &m.encoding).cells) text += Escaped(cell) + "\t";
+             text += std::string(1, "-SDX"[static_cast<int>(ExtensionRow(r).mark)]) + "\t" + r.hive + "\\" + r.key +
+                     "|" + r.value + "|" + std::to_string(r.view) + "|" + std::to_string(static_cast<int>(r.source)) + "\n";
          }
          return text;
      }},

@@ -14,6 +14,7 @@
 
 #include "applications/application_commands.h"
 #include "browser/browser_commands.h"
+#include "browser/extension_commands.h"
 #include "contract/file_facts_contract.h"
 #include "contract/file_system_contract.h"
 #include "contract/process_table_contract.h"
@@ -24,6 +25,7 @@
 #include "foundations/file_facts_cache.h"
 #include "foundations/inventory.h"
 #include "foundations/reg_backup.h"
+#include "foundations/registry.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
@@ -59,7 +61,15 @@ struct Live {
     std::string app = wine::FreshFolder("real-app");
     BrowserCommandPorts browser{registry, files, prompts, system, clock, app};
     ApplicationCommandPorts applications{registry, files, prompts, system, clock, app};
+    ExtensionCommandPorts extensions{registry, files, prompts, system, clock, app};
 };
+
+ExtensionRecord Extension(const char* browser, const std::string& id, ExtensionSource source = ExtensionSource::Profile,
+                          const char* hive = "", const std::string& key = "", const std::string& value = "") {
+    ExtensionRecord record;
+    record.browser = browser, record.id = id, record.source = source, record.hive = hive, record.key = key, record.value = value;
+    return record;
+}
 
 Row TwoCells(size_t columns, const std::string& first, const std::string& second) {
     Row row(columns);
@@ -159,6 +169,7 @@ void PutAwkwardKey(HKEY root, const std::string& path) {
         {"NoNul", REG_SZ, "abc"},         {"a=b \"q\" c\\d", REG_SZ, "line\r\nnext\x01" "end\0"s},
         {"Nothing", REG_NONE, ""},        {"Path", REG_EXPAND_SZ, "%SystemRoot%\\a.dll\0"s},
         {"Caf\xE9", REG_BINARY, std::string(100, '\x5A')}, {"Quad", REG_QWORD, "\x01\x02\x03\x04\x05\x06\x07\x08"},
+        {"1", REG_SZ, "first\0"s},       {"2", REG_SZ, "second\0"s},          {"3", REG_EXPAND_SZ, "third"},
     };
     for (const auto& v : values) ASSERT_TRUE(wine::SetValue(root, path, 0, v.name, v.type, v.data)) << path << ": " << v.name;
     ASSERT_TRUE(wine::SetValue(root, path + "\\Settings\\Deep", 0, "", REG_SZ, "deep \xE9\0"s));
@@ -171,6 +182,12 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
     };
     Row entry(kAddRemoveColumns.size());
     entry.key = "CorvaneTestAwkward";
+    const auto deletingEntry = [](ExtensionRecord record) {
+        return [record](Live& l) { return DeleteExtensionEntry(l.extensions, &record); };
+    };
+    const std::string forcelist = "SOFTWARE\\Policies\\Google\\Chrome\\ExtensionInstallForcelist",
+                      installing = "SOFTWARE\\Google\\Chrome\\Extensions\\CorvaneTestExt",
+                      sideloads = "Software\\Mozilla\\Firefox\\Extensions";
     const struct {
         const char* what;
         std::vector<std::string> keys;  // "HKLM\..." made awkward; "HKLM\...|NAME": 552 bytes of binary data in NAME
@@ -189,6 +206,13 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
         {"Delete Entry with its cache record",
          {"HKLM\\"s + kUninstallKey + "\\" + entry.key, "HKLM\\"s + kArpCacheKey + "\\" + entry.key + "|SlowInfoCache"},
          [&](Live& l) { return DeleteApplicationEntry(l.applications, &entry); }},
+        // The middle one of three numbered values, whose backup holds the whole list as it was.
+        {"Delete of a forcelist entry", {"HKLM\\" + forcelist},
+         deletingEntry(Extension("Chrome", "second", ExtensionSource::Forcelist, "HKLM", forcelist, "2"))},
+        {"Delete of an installing key", {"HKLM\\" + installing},
+         deletingEntry(Extension("Edge", "CorvaneTestExt", ExtensionSource::ExternalKey, "HKLM", installing))},
+        {"Delete of a Firefox sideload", {"HKCU\\" + sideloads},
+         deletingEntry(Extension("Firefox", "NoNul", ExtensionSource::FirefoxSideload, "HKCU", sideloads, "NoNul"))},
     };
     std::string record(552, '\0');
     for (size_t i = 0; i < record.size(); ++i) record[i] = static_cast<char>(i * 7);
@@ -218,6 +242,25 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
         for (size_t i = 0; i < names.size(); ++i) EXPECT_EQ(RegExport(names[i]), before[i]) << row.what;
         EXPECT_EQ(live.prompts.shown.size(), row.asks ? 1u : 0u) << row.what << ": no box but the question";
     }
+    SHDeleteKeyA(HKEY_LOCAL_MACHINE, forcelist.c_str());
+    SHDeleteKeyA(HKEY_LOCAL_MACHINE, installing.c_str());
+    SHDeleteKeyA(HKEY_CURRENT_USER, sideloads.c_str());
+}
+
+// A block of ours comes out again leaving the policy as it was: the entries
+// others wrote, their numbers and the values that are no entries.
+TEST(RealBackups, EnableAfterDisableLeavesTheBlocklistAsItWas) {
+    const std::string key = "SOFTWARE\\Policies\\Google\\Chrome\\ExtensionInstallBlocklist", id(32, 'p');
+    for (const char* name : {"1", "2", "Note"}) ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, key, 0, name, REG_SZ, name + "-by-admin\0"s));
+    const std::string before = RegExport("HKLM\\" + key);
+    Live l;
+    const ExtensionRecord record = Extension("Chrome Beta", id);
+    EXPECT_TRUE(DisableExtensions(l.extensions, {&record}));
+    EXPECT_EQ(GetRegString(l.registry, kHKeyLocalMachine, key, "3"), id);
+    EXPECT_TRUE(EnableExtensions(l.extensions, {&record}));
+    EXPECT_EQ(RegExport("HKLM\\" + key), before);
+    EXPECT_EQ(l.prompts.shown.size(), 1u) << "the question only";
+    SHDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
 }
 
 // ---- RealSystem: an uninstaller's child, and older Windows ----

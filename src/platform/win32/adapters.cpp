@@ -52,6 +52,24 @@ std::string Win32Environment::Expand(const std::string& text, size_t size) {
     return buffer;
 }
 
+std::string Win32Environment::UiLanguage() {
+    // GetUserDefaultUILanguage came with Windows 2000 and Me; the systems
+    // before it have one language for the user, which is also the interface's.
+    using UiLanguageCall = LANGID(WINAPI*)();
+    LANGID language = GetUserDefaultLangID();
+    if (const HMODULE kernel = GetModuleHandleA("kernel32.dll")) {
+        if (const auto call = reinterpret_cast<UiLanguageCall>(
+                reinterpret_cast<void*>(GetProcAddress(kernel, "GetUserDefaultUILanguage")))) {
+            language = call();
+        }
+    }
+    const LCID locale = MAKELCID(language, SORT_DEFAULT);
+    char name[16] = {}, country[16] = {};
+    if (GetLocaleInfoA(locale, LOCALE_SISO639LANGNAME, name, sizeof name) <= 1) return "";
+    if (GetLocaleInfoA(locale, LOCALE_SISO3166CTRYNAME, country, sizeof country) <= 1) return name;
+    return std::string(name) + "-" + country;
+}
+
 void Win32Shell::Open(const std::string& target) {
     ShellExecuteA(nullptr, "Open", target.c_str(), "", "", SW_SHOWNORMAL);
 }

@@ -20,6 +20,7 @@ public:
 class Win32Environment final : public Environment {
 public:
     std::string Expand(const std::string& text, size_t size) override;
+    std::string UiLanguage() override;
 };
 
 class Win32Shell final : public Shell {

@@ -83,4 +83,14 @@ std::string Win32TextEncoding::AnsiOfUtf16(std::u16string_view text) {
     return ansi;
 }
 
+std::string Win32TextEncoding::AnsiOfUtf8(std::string_view utf8) {
+    if (utf8.empty()) return {};
+    const int length = static_cast<int>(utf8.size());
+    const int wide = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0);
+    if (wide <= 0) return TextEncoding::AnsiOfUtf8(utf8);
+    std::u16string text(static_cast<size_t>(wide), u'\0');
+    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, reinterpret_cast<wchar_t*>(text.data()), wide);
+    return AnsiOfUtf16(text);
+}
+
 }  // namespace corvane

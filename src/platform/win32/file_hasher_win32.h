@@ -29,6 +29,7 @@ class Win32TextEncoding final : public TextEncoding {
 public:
     std::string Utf8OfAnsi(std::string_view ansi) override;
     std::string AnsiOfUtf16(std::u16string_view text) override;
+    std::string AnsiOfUtf8(std::string_view utf8) override;
 };
 
 }  // namespace corvane
