@@ -300,11 +300,14 @@ void ExtensionListTab::Open() {
 
 void ExtensionListTab::Fill() {
     AppContext& app = App();
-    ExtensionSources sources{*app.registry, *app.files, *app.clock, *app.environment};
+    ExtensionSources sources{*app.registry, *app.files, *app.clock, *app.environment, app.encoding,
+                             [&app](const std::string& browser) {
+                                 return OurBlocklistEntries(*app.files, app.appPath, browser);
+                             }};
     records_ = CollectExtensions(sources);
     std::vector<Row> rows;
     for (size_t i = 0; i < records_.size(); ++i) {
-        rows.push_back(ExtensionRow(records_[i]));
+        rows.push_back(ExtensionRow(records_[i], app.encoding));
         rows.back().key = std::to_string(i);
     }
     list_.Show(std::move(rows));

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <psapi.h>
 #include <shlobj.h>
+#include <shlwapi.h>
 
 #include <tuple>
 #include <utility>
@@ -63,7 +64,8 @@ struct StartupMachine : FixtureMachine {
 // the fixture programs, and a program folder whose suspect list names two of
 // them. A Chrome profile of ours, with an extension from the store and an
 // unpacked one, lies in a local application data folder that this process
-// and the programs it starts take for the user's while the machine lasts.
+// and the programs it starts take for the user's while the machine lasts;
+// Chrome's machine policy forces a third (kForced) in, and goes with the machine.
 struct BrowserMachine : FixtureMachine {
     const std::string app = FreshFolder("browser-app"), local = FreshFolder("browser-local");
     const std::string userLocal = [] { char d[MAX_PATH] = {}; return GetEnvironmentVariableA("LOCALAPPDATA", d, MAX_PATH), std::string(d); }();
@@ -88,8 +90,12 @@ struct BrowserMachine : FixtureMachine {
         disk.Write(profile + "\\Extensions\\" + store + "\\1.0_0\\manifest.json", R"({"name":"CorvaneTest Alpha","version":"1.0"})");
         disk.Write(local + "\\unpacked\\manifest.json", R"({"name":"CorvaneTest Beta","version":"2.0"})");
         SetEnvironmentVariableA("LOCALAPPDATA", local.c_str());
+        SHDeleteKeyA(HKEY_LOCAL_MACHINE, kGooglePolicies);
+        EXPECT_TRUE(SetValue(HKEY_LOCAL_MACHINE, std::string(kGooglePolicies) + "\\Chrome\\ExtensionInstallForcelist", 0, "1",
+                             REG_SZ, std::string(kForced) + ";https://update.test/" + '\0'));
     }
-    ~BrowserMachine() { SetEnvironmentVariableA("LOCALAPPDATA", userLocal.c_str()); }
+    ~BrowserMachine() { SetEnvironmentVariableA("LOCALAPPDATA", userLocal.c_str()), SHDeleteKeyA(HKEY_LOCAL_MACHINE, kGooglePolicies); }
+    static constexpr const char *kGooglePolicies = "SOFTWARE\\Policies\\Google", *kForced = "ccccddddeeeeffffgggghhhhiiiijjjj";
 };
 
 // The Uninstall and ARPCache keys with entries of our own

@@ -103,7 +103,7 @@ std::string ItemText(HWND list, int item, int column) {
 int ItemOf(HWND list, const std::string& name) {
     const int count = list ? static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) : 0;
     for (int item = 0; item < count; ++item)
-        for (int column = 0; column < 4; ++column) if (ItemText(list, item, column) == name) return item;
+        for (int column = 0; column < 9; ++column) if (ItemText(list, item, column) == name) return item;
     return -1;
 }
 std::vector<int> Widths(HWND list) {
@@ -481,6 +481,9 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
         const auto shortcut = [&] { return Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); };
         const BrowserUrlField& start = kBrowserUrlFields[kUrlStartPage];
         wine::SetValue(HKEY_CURRENT_USER, start.key, 0, start.value, REG_SZ, std::string("http://a.test/", 15));
+        const std::string blocklist = std::string(browser.kGooglePolicies) + "\\Chrome\\ExtensionInstallBlocklist",
+                          forcelist = std::string(browser.kGooglePolicies) + "\\Chrome\\ExtensionInstallForcelist";
+        const auto blocked = [&] { return ValueThere(HKEY_LOCAL_MACHINE, blocklist, "1"); };
         const auto blank = [] { Win32Registry r; return LoadBrowserURLs(r)[kUrlStartPage] == DefaultBrowserUrl(kUrlStartPage); };
         const std::vector<Step> steps = {
             {"Add to the safe list", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", true, "Add Checked to Safe list",
@@ -519,6 +522,12 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
              0, CLR_NONE, ok},
             {"Delete a menu item", IDC_CMDIE, IDC_CMDCONTEXT, "CorvaneTest &Menu", false, "Delete Menu Item", "Delete menu Item",
              yes, [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kMenuExtKey) + "\\CorvaneTest &Menu"); }, -1, CLR_NONE, ok},
+            {"Disable an extension", IDC_CMDIE, IDC_CMDEXTENSIONS, "CorvaneTest Alpha", true, "Disable Checked",
+             "Disable Checked Extensions", yes, blocked, 1, 0x808080, ok},
+            {"Enable an extension", IDC_CMDIE, IDC_CMDEXTENSIONS, "CorvaneTest Alpha", true, "Enable Checked",
+             "Enable Checked Extensions", none, std::not_fn(blocked), 1, 0, ok},
+            {"Delete a forcelist entry", IDC_CMDIE, IDC_CMDEXTENSIONS, wine::BrowserMachine::kForced, false, "Delete Entry",
+             "Delete Entry", yes, [&] { return !ValueThere(HKEY_LOCAL_MACHINE, forcelist, "1"); }, 0, CLR_NONE, ok},
             {"Sort the extensions", IDC_CMDIE, IDC_CMDEXTENSIONS, nullptr, false, "^0", nullptr, none,
              [] { return ItemText(List(), 0, 0) == "CorvaneTest Beta"; }, 1, CLR_NONE},
             {"View an extension's information", IDC_CMDIE, IDC_CMDEXTENSIONS, "CorvaneTest Beta", false, "View Information",
