@@ -21,6 +21,7 @@
 #include "fakes/fake_registry.h"
 #include "fakes/fakes.h"
 #include "foundations/csv.h"
+#include "platform/text_encoding.h"
 #include "foundations/delete_on_reboot.h"
 #include "foundations/inventory.h"
 #include "foundations/json.h"
@@ -260,10 +261,14 @@ PROPERTY(task_file) {
 // The report's CSV. Input: a byte; bit 0 clear, a CSV of any bytes, whose refusal
 // names its line, whose records read back the same written out, and whose rows
 // have the header's width. Bit 0 set, NUL-ended fields as rows of the report
-// (bit 1: with hashes), which read back field for field.
+// (bit 1: with hashes), which read back field for field. Either way, the bytes
+// taken as code page 1252 come back from UTF-8, and taken as UTF-8 give no more
+// characters than they have bytes.
 PROPERTY(csv) {
     const uint8_t mode = in.Byte();
     const std::string rest = in.Rest();
+    TextEncoding& ansi = Windows1252Text();
+    CHECK(ansi.AnsiOfUtf8(ansi.Utf8OfAnsi(rest)) == rest && ansi.AnsiOfUtf8(rest).size() <= rest.size());
     if ((mode & 1) == 0) {
         const CsvParse parse = ParseCsv(rest);
         CHECK(parse.error.empty() || (parse.records.empty() && parse.line >= 1));

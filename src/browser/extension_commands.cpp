@@ -155,9 +155,9 @@ std::optional<size_t> FindEntry(const std::vector<Numbered>& values, const std::
 }
 
 // Takes the numbered value `at` out: the later values take the numbers from
-// its own on, in order and with their data, then the numbers left over go,
-// the highest first. Older browsers stop reading at the first gap, and after
-// every single step each other entry is in the key at least once.
+// its own on, in order and with their data, then the last one goes. Older
+// browsers stop reading at the first gap, and after every single step each
+// other entry is in the key at least once.
 RegError RemoveNumbered(Registry& registry, RegKey root, const std::string& key, const std::vector<Numbered>& values,
                         size_t at) {
     RegKey handle = 0;
@@ -168,9 +168,8 @@ RegError RemoveNumbered(Registry& registry, RegKey root, const std::string& key,
         error = registry.SetValue(handle, std::to_string(next), values[i].value.type,
                                   reinterpret_cast<const uint8_t*>(data.data()), static_cast<uint32_t>(data.size()));
     }
-    for (size_t i = values.size(); i-- > at && !error;) {
-        if (values[i].number >= next) error = registry.DeleteValue(handle, values[i].value.name);
-    }
+    // The later values were one more than the numbers they take: the last goes.
+    if (!error) error = registry.DeleteValue(handle, values.back().value.name);
     if (handle) registry.CloseKey(handle);
     return error;
 }
@@ -183,7 +182,7 @@ RegError OpenForChange(Registry& registry, RegKey root, const std::string& key, 
 
 std::string NoRightsText(const std::string& where, const std::string& reason) {
     return "The key " + where + " could not be changed: " + reason +
-           "\r\nBrowser policies take administrator rights: start " + kAppTitle +
+           "\r\nKeys of the whole machine take administrator rights: start " + kAppTitle +
            " as an administrator to change them. Nothing was changed.";
 }
 
@@ -259,7 +258,8 @@ bool BlockFamily(ExtensionCommandPorts& ports, const PolicyFamily& family, const
     }
     if (adding.empty()) return true;
     RegKey handle = 0;
-    if (const RegError error = OpenForChange(ports.registry, kHKeyLocalMachine, key, kKeyQueryValue | kKeySetValue, handle)) {
+    if (const RegError error =
+            OpenForChange(ports.registry, kHKeyLocalMachine, key, kKeyQueryValue | kKeySetValue, handle)) {
         ShowErrorOccurred(ports.prompts, kDisableProcedure,
                           NoRightsText(where, ErrorDescription(ports.system, static_cast<SysError>(error))));
         return false;
@@ -281,7 +281,8 @@ bool BlockFamily(ExtensionCommandPorts& ports, const PolicyFamily& family, const
     for (size_t i = 0; i < adding.size() && !error; ++i) {
         const std::string data = adding[i]->id + '\0';
         error = ports.registry.SetValue(handle, std::to_string(next++), kRegSz,
-                                        reinterpret_cast<const uint8_t*>(data.data()), static_cast<uint32_t>(data.size()));
+                                        reinterpret_cast<const uint8_t*>(data.data()),
+                                        static_cast<uint32_t>(data.size()));
     }
     ports.registry.CloseKey(handle);
     if (!error) return true;
@@ -306,28 +307,33 @@ bool UnblockFamily(ExtensionCommandPorts& ports, const PolicyFamily& family, con
     for (const Wanted& w : wanted) {
         if (w.family != &family) continue;
         const auto values = NumberedValues(ports.registry, kHKeyLocalMachine, key);
-        const auto at = values ? FindEntry(*values, w.id) : std::nullopt;
+        if (!values) {
+            ShowUnreadable(ports, kEnableProcedure, family);
+            ok = false;
+            break;
+        }
+        const auto at = FindEntry(*values, w.id);
         if (!Stores(*stored, w.id)) {
             if (at) notOurs.push_back(w.name);  // else not blocked at all
             continue;
         }
-        RegKey handle = 0;
-        RegError error = values ? kRegOk : kErrorFileNotFound;
-        if (at) error = OpenForChange(ports.registry, kHKeyLocalMachine, key, kKeyQueryValue | kKeySetValue, handle);
-        if (handle) ports.registry.CloseKey(handle);
-        if (at && error) {
-            ShowErrorOccurred(ports.prompts, kEnableProcedure,
-                              NoRightsText(where, ErrorDescription(ports.system, static_cast<SysError>(error))));
-            ok = false;
-            break;
-        }
-        if (at) error = RemoveNumbered(ports.registry, kHKeyLocalMachine, key, *values, *at);
-        if (error) {
-            ShowErrorOccurred(ports.prompts, kEnableProcedure,
-                              "The block of " + w.name + " could not be taken out of " + where + ": " +
-                                  ErrorDescription(ports.system, static_cast<SysError>(error)));
-            ok = false;
-            break;
+        if (at) {
+            RegKey handle = 0;
+            if (const RegError error =
+                    OpenForChange(ports.registry, kHKeyLocalMachine, key, kKeyQueryValue | kKeySetValue, handle)) {
+                ShowErrorOccurred(ports.prompts, kEnableProcedure,
+                                  NoRightsText(where, ErrorDescription(ports.system, static_cast<SysError>(error))));
+                ok = false;
+                break;
+            }
+            ports.registry.CloseKey(handle);
+            if (const RegError error = RemoveNumbered(ports.registry, kHKeyLocalMachine, key, *values, *at)) {
+                ShowErrorOccurred(ports.prompts, kEnableProcedure,
+                                  "The block of " + w.name + " could not be taken out of " + where + ": " +
+                                      ErrorDescription(ports.system, static_cast<SysError>(error)));
+                ok = false;
+                break;
+            }
         }
         // Not in the key (any more): only the store still named it.
         std::erase_if(left, [&](const RegFileValue& e) { return e.name == w.id; });
@@ -378,7 +384,8 @@ bool DisableExtensions(ExtensionCommandPorts& ports, const std::vector<const Ext
     for (const PolicyFamily* family : FamiliesOf(wanted)) {
         if ((stopped = !BlockFamily(ports, *family, wanted, blockedByOthers))) break;
     }
-    if (!stopped) ShowNames(ports.prompts,
+    if (stopped) return true;
+    ShowNames(ports.prompts,
               "These extensions are blocked already, by a policy entry that an administrator or another program "
               "wrote, and were left as they are:",
               blockedByOthers);
@@ -398,7 +405,8 @@ bool EnableExtensions(ExtensionCommandPorts& ports, const std::vector<const Exte
     for (const PolicyFamily* family : FamiliesOf(wanted)) {
         if ((stopped = !UnblockFamily(ports, *family, wanted, notOurs))) break;
     }
-    if (!stopped) ShowNames(ports.prompts,
+    if (stopped) return true;
+    ShowNames(ports.prompts,
               "These extensions were not blocked by " + std::string(kAppTitle) +
                   ": an administrator or another program wrote their policy entry, and only they may take it out. "
                   "They were left as they are:",
@@ -416,17 +424,14 @@ bool DeleteExtensionEntry(ExtensionCommandPorts& ports, const ExtensionRecord* s
                        : source == ExtensionSource::FirefoxSideload ? "Sideload"
                                                                     : nullptr;
     if (!kind || selected->key.empty() || (!wholeKey && selected->value.empty())) {
-        std::vector<std::string> shownOnly, notEntries;
-        (source == ExtensionSource::Profile ? shownOnly : notEntries).push_back(Named(*selected));
         ShowNames(ports.prompts,
-                  "This extension is shown, not changed: its browser keeps it in the profile, and a change behind "
-                  "the browser's back would be undone or break the profile. Disable blocks a Chromium browser's "
-                  "extension through its policy; Firefox's are changed in Firefox.",
-                  shownOnly);
-        ShowNames(ports.prompts,
-                  "Delete takes out a forcelist entry, an installing key or a Firefox sideload; this row is none of "
-                  "them and was left as it is.",
-                  notEntries);
+                  source == ExtensionSource::Profile
+                      ? "This extension is shown, not changed: its browser keeps it in the profile, and a change "
+                        "behind the browser's back would be undone or break the profile. Disable blocks a Chromium "
+                        "browser's extension through its policy; Firefox's are changed in Firefox."
+                      : "Delete takes out a forcelist entry, an installing key or a Firefox sideload; this row is "
+                        "none of them and was left as it is.",
+                  {Named(*selected)});
         return false;
     }
     std::string where = selected->hive + "\\" + selected->key + (wholeKey ? "" : ", value " + selected->value);
@@ -434,7 +439,8 @@ bool DeleteExtensionEntry(ExtensionCommandPorts& ports, const ExtensionRecord* s
     std::string question = "Are you sure you want to delete selected " + std::string(kind) + "?\r\n\r\n" +
                            selected->id + " (" + where + ")\r\n\r\nA copy is kept in the backup folder.";
     if (source == ExtensionSource::Forcelist) question += " The browser uninstalls the extension once it is gone.";
-    if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, kDeleteProcedure, {RegBackupFolder(ports.appPath)})) {
+    if (!CheckStoreFolders(ports.files, ports.prompts, ports.system, kDeleteProcedure,
+                           {RegBackupFolder(ports.appPath)})) {
         return false;
     }
     if (!AskYesNo(ports.prompts, question, kAppTitle)) return false;

@@ -118,7 +118,7 @@ struct World : fakes::Machine {
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
         const ExtensionRecord ours = Extension("Chrome", kOurs);
         DisableExtensions(extensions, {&ours});
-        registry.PutString(kBlocklist, "4", kLater);
+        registry.PutString(kBlocklist, "5", kLater);
         facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
         processes.Add(1234, kProgram);
         files.AddFile(kProgram, kProgramBytes);
@@ -295,11 +295,7 @@ std::vector<Item> Items() {
     }
     items.push_back({"forcelist", {KeysAt({{kHKeyLocalMachine, kForcelist.substr(5), 0}}), KeptFiles()}});
     keyItem(kExternal, {{kHKeyLocalMachine, "Software\\Google\\Chrome\\Extensions\\" + kExternal, kKeyWow64_32Key}});
-    // Our block is in our store, and so is every block in the policies that no one else wrote.
-    items.push_back({"our block", {[](World& w) {
-                         const auto ours = OurBlocklistEntries(w.files, kApp, "Chrome Dev");
-                         return Some(std::count(ours.begin(), ours.end(), kOurs) ? kOurs : "");
-                     }}});
+    // Every block in the policies that no one else wrote is in our store.
     items.push_back({"blocks of ours in the store", {[](World& w) {
                          for (const char* browser : {"Chrome", "Edge"}) {
                              const std::string key = "HKLM\\" + ExtensionPolicyKey(browser) + "\\ExtensionInstallBlocklist";
@@ -422,10 +418,10 @@ std::vector<Command> Commands() {
     const Records disabling{World::Extension("Chrome", std::string(32, 'd')), World::Extension("Chrome Beta", std::string(32, 'd')),
                             World::Extension("Edge", std::string(32, 'e')), World::Extension("Firefox", kSideload),
                             World::Extension("Chrome", kOther), World::Extension("Chrome", kExternal, ExtensionSource::Forcelist)};
-    rows.push_back({"disable extensions", nothing, extensions(DisableExtensions, disabling), "", extStore, true, true, ourStore});
+    rows.push_back({"disable extensions", nothing, extensions(DisableExtensions, disabling), "", extStore, true, true, {chromeStore, foreign}});
     rows.push_back({"enable extensions", nothing,
                     extensions(EnableExtensions, {World::Extension("Chrome Canary", kOurs), World::Extension("Chrome", kAdmin)}),
-                    "our block", extStore, true, false, ourStore});
+                    "", extStore, true, false, ourStore});
     for (const auto& [what, gone, record] :
          {std::tuple{"forcelist entry", "forced g", World::Extension("Chrome", std::string(32, 'g'), ExtensionSource::Forcelist, "HKLM",
                                                                     kForcelist.substr(5), "2")},

@@ -225,6 +225,9 @@ Make Compare(bool older) {
         m.Program("C:\\Program Files\\Beta\\beta.exe", 9000, "040904B0");
         m.registry.DeleteKey(kHKeyLocalMachine, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Delta");
         m.processes.Remove(52);
+        // An extension forced in, and one no longer blocked: its blocklist row gone, its profile's row changed.
+        m.registry.PutString("HKLM\\Software\\Policies\\Google\\Chrome\\ExtensionInstallForcelist", "3", std::string(32, 'q'));
+        DeleteRegValue(m.registry, m.prompts, m.system, kHKeyLocalMachine, "Software\\Policies\\Google\\Chrome\\ExtensionInstallBlocklist", "2");
         return Cli({"C:\\r\\changes.txt", "/compare:C:\\r\\old.csv", "/hash"}, true)(m);
     };
 }

@@ -134,6 +134,12 @@ TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
     ASSERT_EQ(Win32FileSystem().Write(big, bytes), kNoError);
     const std::string ansi = "CorvaneTest Caf\xE9 \x80", utf8 = "CorvaneTest Caf\xC3\xA9 \xE2\x82\xAC";
     ASSERT_TRUE(wine::SetValue(HKEY_CURRENT_USER, kRunKeyPath, 0, ansi, REG_SZ, big + '\0'));
+    // A browser's external-install key in each view; UTF-8 shown in the code page, "?" for what it lacks.
+    const std::string chrome = "Software\\Google\\Chrome\\Extensions\\", id32(32, 'w'), id64(32, 'n');
+    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, chrome + id32, KEY_WOW64_32KEY, "version", REG_SZ, "1\0"s));
+    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, chrome + id64, KEY_WOW64_64KEY, "version", REG_SZ, "1\0"s));
+    EXPECT_EQ(Win32TextEncoding().AnsiOfUtf8(utf8 + "\xE2\x98\x83\xFF"), ansi + "??");
+    EXPECT_EQ(Win32Environment().UiLanguage(), "en-US");
 
     const std::string csv = wine::FreshFolder("real-csv") + "\\items.csv";
     ASSERT_EQ(Report("\"" + csv + "\" /csv /hash /areas:startup,ie,addremove"), 0u);
@@ -153,10 +159,15 @@ TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
         {uninstall + " (32-bit)|CorvaneTest Wow Tool", true},
         {uninstall + "|CorvaneTest Wow Tool", false},
         {"startup|HKCU\\"s + kRunKeyPath + "|" + utf8, true},
+        {"ie|HKLM\\" + chrome + id32 + " (32-bit)|" + id32, true},
+        {"ie|HKLM\\" + chrome + id32 + "|" + id32, false},
+        {"ie|HKLM\\" + chrome + id64 + "|" + id64, true},
     };
     for (const auto& [row, listed] : rows) EXPECT_EQ(hashes.count(row), listed ? 1u : 0u) << row;
     EXPECT_EQ(hashes["startup|HKCU\\"s + kRunKeyPath + "|" + utf8], wine::RunUnix("sha256sum '" + wine::UnixPath(big) + "'").substr(0, 64));
     DeleteFileA(big.c_str());
+    RegDeleteKeyExA(HKEY_LOCAL_MACHINE, (chrome + id32).c_str(), KEY_WOW64_32KEY, 0);
+    RegDeleteKeyExA(HKEY_LOCAL_MACHINE, (chrome + id64).c_str(), KEY_WOW64_64KEY, 0);
 }
 
 // ---- RealBackups: regedit /s takes what we keep back to the same keys ----
@@ -350,6 +361,7 @@ TEST(RealCyrillic, ACacheRecordsPathGivesTheRowItsProgram) {
     ASSERT_NE(row, rows.end());
     EXPECT_EQ(row->iconFile, folder + "\\\xEF\xF0\xEE\xE3\xF0\xE0\xEC\xEC\xE0.exe");
     EXPECT_GT(l.facts.VersionInfoSize(row->iconFile), 0u) << "its file facts";
+    EXPECT_EQ(ansi.AnsiOfUtf8("\xD0\xBF\xD1\x80\xD0\xBE"), "\xEF\xF0\xEE") << "a browser's UTF-8 in code page 1251";
 }
 }  // namespace
 }  // namespace corvane

@@ -4,7 +4,9 @@
 // in both hives, both registry views and both folders (enabled, disabled in
 // the program's stores, suspicious, switched off by Windows), the other
 // places, helper objects, toolbars, buttons, menu items and changed
-// addresses of the browser, installed applications with their records, and
+// addresses of the browser, today's browsers' extensions (two Chromium
+// profiles and a Firefox one, a forcelist entry, a registry install and a
+// native messaging host), installed applications with their records, and
 // a process backup. APPFOLDER is the folder Corvane.exe runs from, where its
 // stores go. Run it in a prefix that has booted, and start Corvane before
 // the server stops: a boot would run the RunOnce values and take them out.
@@ -195,6 +197,67 @@ void AddBrowserExtras(const std::string& app) {
     Check(SaveBrowserURLs(registry, prompts, system, urls), "the addresses");
 }
 
+// Writes a file in UTF-8, making its folders.
+void Put(const std::string& path, const std::string& text) {
+    SHCreateDirectoryExA(nullptr, path.substr(0, path.find_last_of('\\')).c_str(), nullptr);
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    Check(file && std::fwrite(text.data(), 1, text.size(), file) == text.size(), path.c_str());
+    if (file) std::fclose(file);
+}
+
+std::string Folder(int csidl) {
+    char path[MAX_PATH] = {};
+    SHGetFolderPathA(nullptr, csidl, nullptr, 0, path);
+    return path;
+}
+
+// Extensions as the browsers keep them: enabled, disabled by the user,
+// forced by policy, installed through the registry, unpacked, one named in
+// the user's language; and a program an extension may start.
+void AddExtensions() {
+    const std::string chrome = Folder(CSIDL_LOCAL_APPDATA) + "\\Google\\Chrome\\User Data";
+    const std::string notes(32, 'n'), shop(32, 'k'), forced(32, 'f'), ads(32, 'd'), dev(32, 'p');
+    Put(chrome + "\\Local State", R"({"profile":{"info_cache":{"Default":{"name":"Personal"},"Profile 1":{"name":"Work"}}}})");
+    const auto entry = [](const std::string& id, int location, const std::string& more) {
+        return "\"" + id + R"(":{"location":)" + std::to_string(location) + R"(,"path":")" + id + R"(\\1.0_0","first_install_time":"13340000000000000")" + more + "}";
+    };
+    Put(chrome + "\\Default\\Secure Preferences",
+        R"({"extensions":{"settings":{)" + entry(notes, 1, "") + "," + entry(shop, 1, R"(,"disable_reasons":[1])") + "," +
+            entry(forced, 9, "") + "," + entry(ads, 3, "") + "}}}");
+    Put(chrome + "\\Default\\Preferences", R"({"browser":{"has_seen_welcome_page":true}})");
+    Put(chrome + "\\Profile 1\\Preferences",
+        R"({"extensions":{"settings":{")" + dev + R"(":{"location":4,"path":"C:\\corvane-tests\\unpacked"}}}})");
+    const std::pair<std::string, std::string> manifests[] = {
+        {chrome + "\\Default\\Extensions\\" + notes + "\\1.0_0", R"({"name":"__MSG_name__","version":"1.0","default_locale":"en"})"},
+        {chrome + "\\Default\\Extensions\\" + shop + "\\1.0_0", R"({"name":"Price Watcher","version":"3.2"})"},
+        {chrome + "\\Default\\Extensions\\" + forced + "\\1.0_0", R"({"name":"Search Assistant","version":"7.0.1"})"},
+        {chrome + "\\Default\\Extensions\\" + ads + "\\1.0_0", R"({"name":"Coupon Helper","version":"1.4"})"},
+        {"C:\\corvane-tests\\unpacked", R"({"name":"My Test Extension","version":"0.1"})"},
+    };
+    for (const auto& [folder, manifest] : manifests) Put(folder + "\\manifest.json", manifest);
+    Put(chrome + "\\Default\\Extensions\\" + notes + "\\1.0_0\\_locales\\en\\messages.json",
+        "{\"name\":{\"message\":\"Notes \xE2\x80\x93 Caf\xC3\xA9\"}}");
+    Check(SetText(HKEY_LOCAL_MACHINE, "Software\\Policies\\Google\\Chrome\\ExtensionInstallForcelist", "1",
+                  forced + ";https://clients2.google.com/service/update2/crx") &&
+              SetText(HKEY_LOCAL_MACHINE, "Software\\Google\\Chrome\\Extensions\\" + ads, "update_url",
+                      "https://clients2.google.com/service/update2/crx"),
+          "the extensions' policy and registry entries");
+
+    const std::string firefox = Folder(CSIDL_APPDATA) + "\\Mozilla\\Firefox";
+    Put(firefox + "\\profiles.ini", "[Profile0]\r\nName=default-release\r\nIsRelative=1\r\nPath=Profiles/sample.default-release\r\nDefault=1\r\n");
+    Put(firefox + "\\Profiles\\sample.default-release\\extensions.json",
+        R"({"addons":[{"id":"reader@example.org","type":"extension","defaultLocale":{"name":"Reader View Plus"},"version":"2.0","active":true,"location":"app-profile","installDate":1700000000000},)"
+        R"({"id":"tabs@example.org","type":"extension","defaultLocale":{"name":"Tab Sorter"},"version":"1.1","active":false,"userDisabled":true,"location":"app-profile","installDate":1690000000000}]})");
+
+    // A native messaging host: its manifest names a program beside it.
+    const std::string host = "C:\\corvane-tests\\messaging";
+    Put(host + "\\notes.json", R"({"name":"com.example.notes","path":"notes-host.exe","type":"stdio"})");
+    CopyFileA((wine::TestFolder() + "\\fixture_full.exe").c_str(), (host + "\\notes-host.exe").c_str(), FALSE);
+    Check(SetText(HKEY_CURRENT_USER, "Software\\Google\\Chrome\\NativeMessagingHosts\\com.example.notes", "",
+                  host + "\\notes.json"),
+          "the native messaging host");
+}
+
 void AddProcesses(const std::string& app) {
     CreateDirectoryA("C:\\corvane-tests", nullptr);
     CreateDirectoryA(kRunning, nullptr);
@@ -229,6 +292,7 @@ int main(int argc, char** argv) {
     AddProcesses(app);
     AddStartup(app);
     AddBrowserExtras(app);
+    AddExtensions();
     new corvane::wine::ApplicationsMachine(true);
     return failures == 0 ? 0 : 1;
 }
