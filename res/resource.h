@@ -80,6 +80,13 @@
 #define IDM_MNUCONTEXT_DELETE 460
 #define IDM_MNUCONTEXT_OPEN 461
 #define IDM_MNUCONTEXT_REFRESH 462
+#define IDM_MNUEXT_DISABLE 480
+#define IDM_MNUEXT_ENABLE 481
+#define IDM_MNUEXT_DELETE 482
+#define IDM_MNUEXT_VIEW 483
+#define IDM_MNUEXT_OPEN 484
+#define IDM_MNUEXT_REFRESH 485
+#define IDM_MNUEXT_GOOGLE 486
 #define IDM_MNUADDREMOVE_UNINSTALL 470
 #define IDM_MNUADDREMOVE_DELETE 471
 #define IDM_MNUADDREMOVE_REPORT 472
@@ -117,9 +124,11 @@
 #define IDC_CMDURLS 1314
 #define IDC_IE_INFO 1315      // lblInfo
 #define IDC_IE_TABAREA 1316   // where the tabs stand
+#define IDC_CMDEXTENSIONS 1317
 #define IDC_LSTVTOOLBAR 1301
 #define IDC_LSTVBUTTONS 1302
 #define IDC_LSTVMENU 1303
+#define IDC_LSTVEXTENSIONS 1304
 // A list tab of the browser pane: its frame, its list and up to six buttons,
 // which each tab captions and binds for itself.
 #define IDD_IE_LIST 1320

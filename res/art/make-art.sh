@@ -412,7 +412,7 @@ make_sheet() {
     for p in Process IE Startup AddRemove Options; do files+=("$res/${p}_$s.bmp"); done
     sheet_row "$work/row_nav_$s.png" "navigation faces, 64 x 65: _$s" "${files[@]}"
     files=()
-    for p in BHO Toolbar But Context URLs; do files+=("$res/${p}_$s.bmp"); done
+    for p in BHO Toolbar But Context URLs Extensions; do files+=("$res/${p}_$s.bmp"); done
     sheet_row "$work/row_tab_$s.png" "tab faces, 96 x 24: _$s" "${files[@]}"
   done
   # How the window will use them: stretched, with a caption drawn on top.
@@ -477,6 +477,7 @@ main() {
   tab_face But     "Buttons"
   tab_face Context "Menu Items"
   tab_face URLs    "URLs"
+  tab_face Extensions "Extensions"
 
   button_face button_norm.bmp    '#f5f7fa' '#adb9c8'
   button_face button_hl.bmp      "$TINT_HL" '#5f8cc6'

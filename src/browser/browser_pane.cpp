@@ -1,10 +1,14 @@
 #include "browser/browser_pane.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <span>
 #include <vector>
 
 #include "browser/browser_commands.h"
+#include "browser/extension_commands.h"
 #include "browser/browser_report.h"
+#include "foundations/file_description.h"
 #include "foundations/file_facts_cache.h"
 #include "foundations/functions.h"
 #include "foundations/text.h"
@@ -87,10 +91,24 @@ const ListTabInfo& InfoOf(Kind kind) {
          {"Refresh", IDM_MNUCONTEXT_REFRESH, &BrowserListTab::cmdRefresh_Click, false},
          {"Open Folder", IDM_MNUCONTEXT_OPEN, &BrowserListTab::cmdFolder_Click, true}},
         0};
+    static const ListTabInfo kExtensions{
+        "Chrome, Edge, Brave and Firefox Extensions List",
+        IDC_LSTVEXTENSIONS,
+        kExtensionColumns,
+        true,
+        "Extensions",
+        {{"Disable Checked", IDM_MNUEXT_DISABLE, &BrowserListTab::cmdDisable_Click, false},
+         {"Enable Checked", IDM_MNUEXT_ENABLE, &BrowserListTab::cmdEnable_Click, false},
+         {"Delete Entry", IDM_MNUEXT_DELETE, &BrowserListTab::cmdDelete_Click, false},
+         {"View Information", IDM_MNUEXT_VIEW, &BrowserListTab::cmdViewInfo_Click, false},
+         {"Refresh", IDM_MNUEXT_REFRESH, &BrowserListTab::cmdRefresh_Click, false},
+         {"Open Folder", IDM_MNUEXT_OPEN, &BrowserListTab::cmdFolder_Click, true}},
+        IDM_MNUEXT_GOOGLE};
     switch (kind) {
         case Kind::HelperObjects: return kHelperObjects;
         case Kind::Toolbars: return kToolbars;
         case Kind::Buttons: return kButtons;
+        case Kind::Extensions: return kExtensions;
         case Kind::MenuItems: break;
     }
     return kMenuItems;
@@ -110,6 +128,8 @@ constexpr const char* kInfoTexts[frmIE::kTabs] = {
     "appears when you right click on a web page.",
     "From this screen you can manage various URLs and properties of Internet Explorer which can be hijacked by "
     "malicious applications.",
+    "Extensions of Chrome, Edge, Brave and Firefox, profile by profile, and the policies and programs that force "
+    "them in, which the browser itself will not let you remove.",
 };
 
 // The tab buttons, in tab order, with their skin faces.
@@ -118,6 +138,7 @@ constexpr struct {
     const char* face;
 } kTabButtons[frmIE::kTabs] = {
     {IDC_CMDBHO, "BHO"}, {IDC_CMDTOOLBAR, "Toolbar"}, {IDC_CMDBUT, "But"}, {IDC_CMDCONTEXT, "Context"}, {IDC_CMDURLS, "URLs"},
+    {IDC_CMDEXTENSIONS, "Extensions"},
 };
 
 BrowserSources SourcesOver(FileFacts& facts) {
@@ -170,7 +191,7 @@ void BrowserListTab::Form_Load() {
         Bind(std::move(command));
     }
     if (info.searchItem) Bind({0, info.searchItem, [this] { lstv_DblClick(); }, {}, {}});
-    Fill();
+    if (kind_ != Kind::Extensions) Fill();
 }
 
 void BrowserListTab::Fill() {
@@ -187,6 +208,7 @@ void BrowserListTab::Fill() {
         case Kind::Toolbars: list_.Show(CollectToolbars(sources, places)); break;
         case Kind::Buttons: list_.Show(CollectButtons(sources, places)); break;
         case Kind::MenuItems: list_.Show(CollectMenuItems(sources, places)); break;
+        case Kind::Extensions: break;
     }
 }
 
@@ -235,7 +257,7 @@ void BrowserListTab::cmdDelete_Click() {
         case Kind::Toolbars: changed = DeleteToolbar(ports, selected); break;
         case Kind::Buttons: changed = DeleteButton(ports, selected); break;
         case Kind::MenuItems: changed = DeleteMenuItem(ports, selected); break;
-        case Kind::HelperObjects: break;
+        case Kind::HelperObjects: case Kind::Extensions: break;
     }
     if (changed) Fill();
 }
@@ -260,6 +282,103 @@ HMENU BrowserListTab::PopupMenuToShow() {
 }
 
 void BrowserListTab::lstv_MouseUp() { ShowMenu(PopupMenuToShow()); }
+
+// ---- the Extensions tab ----
+
+namespace {
+
+ExtensionCommandPorts ExtensionPorts() {
+    AppContext& app = App();
+    return {*app.registry, *app.files, *app.prompts, *app.system, *app.clock, app.appPath};
+}
+
+}  // namespace
+
+void ExtensionListTab::Open() {
+    if (!filled_) Fill();
+}
+
+void ExtensionListTab::Fill() {
+    AppContext& app = App();
+    ExtensionSources sources{*app.registry, *app.files, *app.clock, *app.environment, app.encoding,
+                             [&app](const std::string& browser) {
+                                 return OurBlocklistEntries(*app.files, app.appPath, browser);
+                             }};
+    records_ = CollectExtensions(sources);
+    std::vector<Row> rows;
+    for (size_t i = 0; i < records_.size(); ++i) {
+        rows.push_back(ExtensionRow(records_[i], app.encoding));
+        rows.back().key = std::to_string(i);
+    }
+    list_.Show(std::move(rows));
+    filled_ = true;
+}
+
+const ExtensionRecord* ExtensionListTab::RecordOf(const Row& row) const {
+    const size_t index = std::strtoul(row.key.c_str(), nullptr, 10);
+    return index < records_.size() ? &records_[index] : nullptr;
+}
+
+std::vector<const ExtensionRecord*> ExtensionListTab::CheckedRecords() const {
+    std::vector<const ExtensionRecord*> checked;
+    for (const Row& row : list_.Checked()) {
+        if (const ExtensionRecord* record = RecordOf(row)) checked.push_back(record);
+    }
+    return checked;
+}
+
+void ExtensionListTab::cmdDisable_Click() {
+    ExtensionCommandPorts ports = ExtensionPorts();
+    if (DisableExtensions(ports, CheckedRecords())) Fill();
+}
+
+void ExtensionListTab::cmdEnable_Click() {
+    ExtensionCommandPorts ports = ExtensionPorts();
+    if (EnableExtensions(ports, CheckedRecords())) Fill();
+}
+
+void ExtensionListTab::cmdDelete_Click() {
+    ExtensionCommandPorts ports = ExtensionPorts();
+    const Row* selected = list_.Selected();
+    if (DeleteExtensionEntry(ports, selected ? RecordOf(*selected) : nullptr)) Fill();
+}
+
+std::string ExtensionListTab::Folder() const {
+    const Row* row = list_.Selected();
+    if (!row) return "";
+    const std::string& path = row->cells[kExtensionColumns.size() - 1];
+    return App().files->IsFolder(path) ? path : PathFolder(path);
+}
+
+bool ExtensionListTab::FolderExists() const {
+    const std::string folder = Folder();
+    return !folder.empty() && App().facts->Exists(folder);
+}
+
+void ExtensionListTab::cmdFolder_Click() {
+    if (FolderExists()) OpenFolder(Folder());
+}
+
+void ExtensionListTab::cmdViewInfo_Click() {
+    const Row* row = list_.Selected();
+    if (!row || row->cells.back().empty()) return;
+    AppContext& app = App();
+    std::string path = row->cells.back();
+    // A Chromium extension is a folder; what describes it is its manifest.
+    if (app.files->IsFolder(path)) path += "\\manifest.json";
+    const auto found = app.facts->Find(path);
+    ShowFileDetails(PathFileName(path) + " " + row->cells[0], path,
+                    found ? FormatKilobytes(found->size, app.clock->DecimalSign()) : "");
+}
+
+void ExtensionListTab::lstv_DblClick() {
+    const Row* row = list_.Selected();
+    if (!row) return;
+    // An entry that forces an extension no profile holds yet has no name: its id is what there is.
+    std::string query = row->cells[0].empty() ? row->cells[kExtensionColumns.size() - 2] : row->cells[0];
+    std::replace(query.begin(), query.end(), ' ', '+');
+    ShellOpen(*App().shell, WebSearchAddress(query, ""));
+}
 
 // ---- the URL tab ----
 
@@ -308,7 +427,7 @@ void BrowserUrlTab::OnCommand(int id, int code) {
 // ---- the pane ----
 
 void frmIE::Form_Load() {
-    // The five tab buttons have faces of their own; the rest are ordinary buttons.
+    // The tab buttons have faces of their own; the rest are ordinary buttons.
     for (const auto& tab : kTabButtons) SkinControl(Item(tab.id), tab.face);
     PlacePane(hwnd());
 
@@ -329,6 +448,8 @@ void frmIE::Form_Load() {
     }
     tabs_[4] = std::make_unique<BrowserUrlTab>(area);
     tabs_[4]->Create(app.instance, IDD_IE_URLS, hwnd());
+    tabs_[kExtensionsTab] = std::make_unique<ExtensionListTab>(*this, area);
+    tabs_[kExtensionsTab]->Create(app.instance, IDD_IE_LIST, hwnd());
     current_ = 0;
     for (int i = 0; i < kTabs; ++i) ShowWindow(tabs_[static_cast<size_t>(i)]->hwnd(), i == 0 ? SW_SHOW : SW_HIDE);
 }
@@ -349,18 +470,19 @@ bool frmIE::ShowFrame(int index) {
 void frmIE::cmdTab_Click(int index) {
     SetInfoText(index);
     if (!ShowFrame(index)) return;
-    if (index < 4) {
-        SetFocus(static_cast<BrowserListTab*>(tabs_[static_cast<size_t>(index)].get())->list().hwnd());
-    } else {
-        UrlTab()->Open();
-    }
+    if (index == 4) return UrlTab()->Open();
+    if (index == kExtensionsTab) ExtensionTab()->Open();
+    SetFocus(static_cast<BrowserListTab*>(tabs_[static_cast<size_t>(index)].get())->list().hwnd());
 }
 
 BrowserListTab* frmIE::ListTab(BrowserListTab::Kind kind) {
+    if (kind == BrowserListTab::Kind::Extensions) return ExtensionTab();
     return static_cast<BrowserListTab*>(tabs_[static_cast<size_t>(kind)].get());
 }
 
 BrowserUrlTab* frmIE::UrlTab() { return static_cast<BrowserUrlTab*>(tabs_[4].get()); }
+
+ExtensionListTab* frmIE::ExtensionTab() { return static_cast<ExtensionListTab*>(tabs_[kExtensionsTab].get()); }
 
 void frmIE::OnCommand(int id, int code) {
     if (code != BN_CLICKED) return;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <psapi.h>
 #include <shlobj.h>
+#include <shlwapi.h>
 
 #include <tuple>
 #include <utility>
@@ -60,9 +61,14 @@ struct StartupMachine : FixtureMachine {
 // The browser's keys with helper objects, toolbars, buttons and menu items of
 // our own (browser_sources.reg, and with `view32` those of the 32-bit view,
 // their servers where a 32-bit program finds them), their servers copied from
-// the fixture programs, and a program folder whose suspect list names two of them.
+// the fixture programs, and a program folder whose suspect list names two of
+// them. A Chrome profile of ours, with an extension from the store and an
+// unpacked one, lies in a local application data folder that this process
+// and the programs it starts take for the user's while the machine lasts;
+// Chrome's machine policy forces a third (kForced) in, and goes with the machine.
 struct BrowserMachine : FixtureMachine {
-    const std::string app = FreshFolder("browser-app");
+    const std::string app = FreshFolder("browser-app"), local = FreshFolder("browser-local");
+    const std::string userLocal = [] { char d[MAX_PATH] = {}; return GetEnvironmentVariableA("LOCALAPPDATA", d, MAX_PATH), std::string(d); }();
 
     explicit BrowserMachine(bool view32 = false) : FixtureMachine({"browser_sources.reg", "browser_sources32.reg"}) {
         Win32FileSystem().Write(app + "\\SusCLSID.qdl", "{c0a7e5e5-0000-4000-8000-000000000001}\r\n"
@@ -75,7 +81,21 @@ struct BrowserMachine : FixtureMachine {
         EXPECT_TRUE(!view32 || Add("browser_sources32.reg",
                                    {{"fixture_noicon.exe", "C:\\Program Files (x86)\\CorvaneTest\\helper32.dll"},
                                     {"fixture_full.exe", "C:\\windows\\SysWOW64\\corvanetest32.dll"}}));
+        const std::string profile = local + "\\Google\\Chrome\\User Data\\Default", store = "aaaabbbbccccddddeeeeffffgggghhhh";
+        for (const std::string& folder : {profile + "\\Extensions\\" + store + "\\1.0_0", local + "\\unpacked"})
+            SHCreateDirectoryExA(nullptr, folder.c_str(), nullptr);
+        Win32FileSystem disk;
+        disk.Write(profile + "\\Preferences", R"({"extensions":{"settings":{")" + store + R"(":{"location":1,"path":")" + store +
+                    R"(\\1.0_0"},"ppppoooonnnnmmmmllllkkkkjjjjiiii":{"location":4,"path":"C:\\corvane-tests\\browser-local\\unpacked"}}}})");
+        disk.Write(profile + "\\Extensions\\" + store + "\\1.0_0\\manifest.json", R"({"name":"CorvaneTest Alpha","version":"1.0"})");
+        disk.Write(local + "\\unpacked\\manifest.json", R"({"name":"CorvaneTest Beta","version":"2.0"})");
+        SetEnvironmentVariableA("LOCALAPPDATA", local.c_str());
+        SHDeleteKeyA(HKEY_LOCAL_MACHINE, kGooglePolicies);
+        EXPECT_TRUE(SetValue(HKEY_LOCAL_MACHINE, std::string(kGooglePolicies) + "\\Chrome\\ExtensionInstallForcelist", 0, "1",
+                             REG_SZ, std::string(kForced) + ";https://update.test/" + '\0'));
     }
+    ~BrowserMachine() { SetEnvironmentVariableA("LOCALAPPDATA", userLocal.c_str()), SHDeleteKeyA(HKEY_LOCAL_MACHINE, kGooglePolicies); }
+    static constexpr const char *kGooglePolicies = "SOFTWARE\\Policies\\Google", *kForced = "ccccddddeeeeffffgggghhhhiiiijjjj";
 };
 
 // The Uninstall and ARPCache keys with entries of our own

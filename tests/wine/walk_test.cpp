@@ -103,7 +103,7 @@ std::string ItemText(HWND list, int item, int column) {
 int ItemOf(HWND list, const std::string& name) {
     const int count = list ? static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) : 0;
     for (int item = 0; item < count; ++item)
-        for (int column = 0; column < 4; ++column) if (ItemText(list, item, column) == name) return item;
+        for (int column = 0; column < 9; ++column) if (ItemText(list, item, column) == name) return item;
     return -1;
 }
 std::vector<int> Widths(HWND list) {
@@ -337,7 +337,8 @@ struct Step {
     int nav, control;          // the pane's navigation button; a tab, radio button or tree to click first
     const char* row;           // the row acted on, by the text of a cell; null for none
     bool check;                // tick the row (Space) as well as select it
-    const char *button, *menu;  // the button's text ("##id": double-click a control; "A|B": A, then B), the menu item
+    const char *button, *menu;  // the button's text ("##id": double-click a control; "^N": column N's heading;
+                                // "A|B": A, then B), the menu item
     std::vector<std::string> answers;
     std::function<bool()> changed;  // the change on the machine is there
     int kept;                  // the row is listed after the change (1), or not (0), or either (-1: a twin stays)...
@@ -400,6 +401,13 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
     } else {
         std::istringstream buttons(s.button);
         for (std::string text; std::getline(buttons, text, '|');) {
+            if (HWND header = ListView_GetHeader(List()); text[0] == '^') {
+                RECT r{};
+                Header_GetItemRect(header, std::atoi(text.c_str() + 1), &r);
+                MapWindowPoints(header, nullptr, reinterpret_cast<POINT*>(&r), 2);
+                ClickAt({(r.left + r.right) / 2, (r.top + r.bottom) / 2});
+                continue;
+            }
             HWND button = text[0] == '#' ? ById(Pane(), std::atoi(text.c_str() + 2)) : ByText(g_main, text);
             ASSERT_TRUE(button && IsWindowEnabled(button)) << what << ": no button " << text << ", or a grey one";
             ClickAt(Centre(button), 1, text[0] == '#' ? 2 : 1);
@@ -473,6 +481,9 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
         const auto shortcut = [&] { return Exists(startup.userStartup + "\\CorvaneTest CU.lnk"); };
         const BrowserUrlField& start = kBrowserUrlFields[kUrlStartPage];
         wine::SetValue(HKEY_CURRENT_USER, start.key, 0, start.value, REG_SZ, std::string("http://a.test/", 15));
+        const std::string blocklist = std::string(browser.kGooglePolicies) + "\\Chrome\\ExtensionInstallBlocklist",
+                          forcelist = std::string(browser.kGooglePolicies) + "\\Chrome\\ExtensionInstallForcelist";
+        const auto blocked = [&] { return ValueThere(HKEY_LOCAL_MACHINE, blocklist, "1"); };
         const auto blank = [] { Win32Registry r; return LoadBrowserURLs(r)[kUrlStartPage] == DefaultBrowserUrl(kUrlStartPage); };
         const std::vector<Step> steps = {
             {"Add to the safe list", IDC_CMDPROCESS, 0, "corvanewalk safe.exe", true, "Add Checked to Safe list",
@@ -511,6 +522,16 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
              0, CLR_NONE, ok},
             {"Delete a menu item", IDC_CMDIE, IDC_CMDCONTEXT, "CorvaneTest &Menu", false, "Delete Menu Item", "Delete menu Item",
              yes, [] { return !KeyThere(HKEY_LOCAL_MACHINE, std::string(kMenuExtKey) + "\\CorvaneTest &Menu"); }, -1, CLR_NONE, ok},
+            {"Disable an extension", IDC_CMDIE, IDC_CMDEXTENSIONS, "CorvaneTest Alpha", true, "Disable Checked",
+             "Disable Checked Extensions", yes, blocked, 1, 0x808080, ok},
+            {"Enable an extension", IDC_CMDIE, IDC_CMDEXTENSIONS, "CorvaneTest Alpha", true, "Enable Checked",
+             "Enable Checked Extensions", none, std::not_fn(blocked), 1, 0, ok},
+            {"Delete a forcelist entry", IDC_CMDIE, IDC_CMDEXTENSIONS, wine::BrowserMachine::kForced, false, "Delete Entry",
+             "Delete Entry", yes, [&] { return !ValueThere(HKEY_LOCAL_MACHINE, forcelist, "1"); }, 0, CLR_NONE, ok},
+            {"Sort the extensions", IDC_CMDIE, IDC_CMDEXTENSIONS, nullptr, false, "^0", nullptr, none,
+             [] { return ItemText(List(), 0, 0) == "CorvaneTest Beta"; }, 1, CLR_NONE},
+            {"View an extension's information", IDC_CMDIE, IDC_CMDEXTENSIONS, "CorvaneTest Beta", false, "View Information",
+             "View Information", ok, always, 1, 255},
             {"Blank start page", IDC_CMDIE, IDC_CMDURLS, nullptr, false, "Blank Page|Apply", nullptr, none, blank, 1, CLR_NONE},
             {"Delete Entry", IDC_CMDADDREMOVE, 0, "CorvaneTest Caf\xE9 Full", false, "Delete Entry", "Delete", yes,
              [&] { return !KeyThere(HKEY_LOCAL_MACHINE, uninstall + "CorvaneTestFull"); }, 0, CLR_NONE, ok},
@@ -572,6 +593,10 @@ TEST(LayoutFitUnderWine, EveryPaneAndDialogFits) {
         Navigate(button);
         ExpectFits(g_main, config + ", pane " + std::to_string(button));
     }
+    Navigate(IDC_CMDIE);  // the browser pane's last tab: its explanation line is the longest
+    ClickAt(Centre(ById(Pane(), IDC_CMDEXTENSIONS)));
+    Settle();
+    ExpectFits(g_main, config + ", the Extensions tab");
     // Each dialog keeps its fixed size with its texts fitted in; the about
     // box's heading is drawn bold, which only its pixels can tell.
     const struct { int pane; const char* button; int width, height; } dialogs[] = {

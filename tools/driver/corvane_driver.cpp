@@ -2,7 +2,7 @@
 // window by caption and clicks a navigation button or a label. Used by the
 // screenshot script and by tests that need a second process.
 //   corvane_driver nav N      click navigation button N (0 = Process ... 4 = Options)
-//   corvane_driver tab N      click tab button N of the browser pane (0 = helper objects ... 4 = URLs)
+//   corvane_driver tab N      click tab button N of the browser pane (0 = helper objects ... 5 = extensions)
 //   corvane_driver lastnode   select the last root of the startup pane's tree (Other Places)
 //   corvane_driver wait       wait until the main window is visible
 //   corvane_driver about      open the about box (returns at once)
@@ -79,16 +79,16 @@ int main(int argc, char** argv) {
     if (std::strcmp(argv[1], "nav") == 0 && argc == 3) {
         const int ids[] = {IDC_CMDPROCESS, IDC_CMDIE, IDC_CMDSTARTUP, IDC_CMDADDREMOVE, IDC_CMDOPTIONS};
         const int n = std::atoi(argv[2]);
-        if (n < 0 || n > 4) return 2;
+        if (n < 0 || n > 5) return 2;
         Click(GetDlgItem(GetDlgItem(main, IDC_PICLEFT), ids[n]));
         // Wait until the click has been handled.
         SendMessageTimeoutA(main, WM_NULL, 0, 0, SMTO_NORMAL, 5000, nullptr);
         return 0;
     }
     if (std::strcmp(argv[1], "tab") == 0 && argc == 3) {
-        const int ids[] = {IDC_CMDBHO, IDC_CMDTOOLBAR, IDC_CMDBUT, IDC_CMDCONTEXT, IDC_CMDURLS};
+        const int ids[] = {IDC_CMDBHO, IDC_CMDTOOLBAR, IDC_CMDBUT, IDC_CMDCONTEXT, IDC_CMDURLS, IDC_CMDEXTENSIONS};
         const int n = std::atoi(argv[2]);
-        if (n < 0 || n > 4) return 2;
+        if (n < 0 || n > 5) return 2;
         HWND pane = GetWindow(GetDlgItem(main, IDC_CLIENT), GW_CHILD);
         HWND button = pane ? GetDlgItem(pane, ids[n]) : nullptr;
         if (!button) return 1;
