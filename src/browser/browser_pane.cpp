@@ -156,7 +156,7 @@ BrowserCommandPorts CommandPorts() {
 // ---- a list tab ----
 
 BrowserListTab::BrowserListTab(frmIE& pane, Kind kind, const RECT& area)
-    : pane_(pane), kind_(kind), area_(area), list_(App().shared, SortPolicy::FlipOnEveryClick) {}
+    : list_(App().shared, SortPolicy::FlipOnEveryClick), pane_(pane), kind_(kind), area_(area) {}
 
 void BrowserListTab::Form_Load() {
     const ListTabInfo& info = InfoOf(kind_);
