@@ -86,11 +86,7 @@ bool FakeFileSystem::Faulty(const std::string& op, const std::string& path) cons
 }
 
 SysError FakeFileSystem::Change(const std::string& op, const std::string& path) {
-    if (Faulty(op, path)) return failError;
-    ++changes;
-    if (failChange && changes == failChange) return failError;
-    if (crashAfterChange && changes > crashAfterChange) throw SimulatedCrash();
-    return kNoError;
+    return Faulty(op, path) || CountChange() ? failError : kNoError;
 }
 
 std::string FakeFileSystem::Landed(std::string content) {

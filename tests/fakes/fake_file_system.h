@@ -17,7 +17,23 @@ struct SimulatedCrash : std::runtime_error {
     SimulatedCrash() : std::runtime_error("simulated crash") {}
 };
 
-class FakeFileSystem : public FileSystem {
+// The change faults the registry and file-system fakes share: `failChange`
+// fails the change with this 1-based number (0: none) with the fake's
+// `failError`; `crashAfterChange` throws SimulatedCrash once that many
+// changes have been made.
+struct ChangeFaults {
+    int changes = 0;
+    int failChange = 0;
+    int crashAfterChange = 0;
+    // Counts a change; true when it is the one to fail.
+    bool CountChange() {
+        if (++changes == failChange) return true;
+        if (crashAfterChange && changes > crashAfterChange) throw SimulatedCrash();
+        return false;
+    }
+};
+
+class FakeFileSystem : public FileSystem, public ChangeFaults {
 public:
     // Paths compare without regard to case, as on Windows; "C:" exists from the start.
     FakeFileSystem();
@@ -29,12 +45,7 @@ public:
     std::optional<std::string> Content(const std::string& path) const;
     std::vector<std::string> Paths() const;  // every file, in sorted order
 
-    // Faults. `failChange` fails the change with this 1-based number (0: none)
-    // with `failError`; `crashAfterChange` throws SimulatedCrash once that many
-    // changes have been made. `failIf` fails any operation it returns true for.
-    int changes = 0;
-    int failChange = 0;
-    int crashAfterChange = 0;
+    // Faults: the change faults, and `failIf` fails any operation it returns true for.
     SysError failError = 5;  // ERROR_ACCESS_DENIED
     std::function<bool(const std::string& op, const std::string& path)> failIf;
     // A copy that fails or is cut off by a crash leaves the first half of the

@@ -105,7 +105,10 @@ std::vector<const FakeRegistry::Key*> FakeRegistry::Subkeys(const Key& key) cons
 void FakeRegistry::AddKey(const std::string& path) { MakeKey(path); }
 
 void FakeRegistry::Put(const std::string& path, const std::string& name, uint32_t type, std::string_view data) {
-    Key& key = MakeKey(path);
+    Store(MakeKey(path), name, type, data);
+}
+
+void FakeRegistry::Store(Key& key, const std::string& name, uint32_t type, std::string_view data) {
     if (NamedValue* value = FindValue(key, name)) {
         value->value = {type, std::string(data)};
     } else {
@@ -153,21 +156,22 @@ std::vector<std::string> FakeRegistry::SubkeyNames(const std::string& path) cons
 
 // ---- the port ----------------------------------------------------------------
 
-RegError FakeRegistry::Resolve(RegKey handle, Key*& key, uint32_t& access) {
-    for (int i = 0; i < 3; ++i) {
-        if (kRootKeys[i] == handle) {
-            key = &keys_.at(RegNameKey(kRootNames[i]));
-            access = kKeyAllAccess;
-            return kRegOk;
-        }
+RegError FakeRegistry::Use(RegKey handle, uint32_t right, Key*& key, const char* op, const std::string& name,
+                           bool change) {
+    uint32_t access = kKeyAllAccess;
+    const auto root = std::find(std::begin(kRootKeys), std::end(kRootKeys), handle);
+    if (root != std::end(kRootKeys)) {
+        key = &keys_.at(RegNameKey(kRootNames[root - std::begin(kRootKeys)]));
+    } else {
+        const auto it = handles_.find(handle);
+        if (it == handles_.end()) return kErrorInvalidHandle;
+        const auto found = keys_.find(RegNameKey(it->second.path));
+        if (found == keys_.end() || found->second.id != it->second.id) return kErrorKeyDeleted;
+        key = &found->second;
+        access = it->second.access;
     }
-    const auto it = handles_.find(handle);
-    if (it == handles_.end()) return kErrorInvalidHandle;
-    const auto found = keys_.find(RegNameKey(it->second.path));
-    if (found == keys_.end() || found->second.id != it->second.id) return kErrorKeyDeleted;
-    key = &found->second;
-    access = it->second.access;
-    return kRegOk;
+    if ((access & right) != right) return kErrorAccessDenied;
+    return op ? Enter(op, key->path, name, change) : kRegOk;
 }
 
 RegKey FakeRegistry::NewHandle(const Key& key, uint32_t access) {
@@ -180,18 +184,13 @@ RegKey FakeRegistry::NewHandle(const Key& key, uint32_t access) {
 RegError FakeRegistry::Enter(const char* op, const std::string& keyPath, const std::string& valueName,
                              bool change) {
     if (failIf && failIf(op, keyPath, valueName)) return failError;
-    if (!change) return kRegOk;
-    ++changes;
-    if (failChange && changes == failChange) return failError;
-    if (crashAfterChange && changes > crashAfterChange) throw SimulatedCrash();
-    return kRegOk;
+    return change && CountChange() ? failError : kRegOk;
 }
 
 RegError FakeRegistry::OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) {
     key = 0;
     Key* at = nullptr;
-    uint32_t rights = 0;
-    if (RegError error = Resolve(parent, at, rights)) return error;
+    if (RegError error = Use(parent, 0, at)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
     const std::string path = ViewPath(at->path, subKey, access);
     if (RegError error = Enter("OpenKey", path, "", false)) return error;
@@ -204,8 +203,7 @@ RegError FakeRegistry::OpenKey(RegKey parent, const std::string& subKey, uint32_
 RegError FakeRegistry::CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) {
     key = 0;
     Key* at = nullptr;
-    uint32_t rights = 0;
-    if (RegError error = Resolve(parent, at, rights)) return error;
+    if (RegError error = Use(parent, 0, at)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
     const std::string path = ViewPath(at->path, subKey, access);
     if (RegError error = Enter("CreateKey", path, "", true)) return error;
@@ -225,10 +223,7 @@ RegError FakeRegistry::CloseKey(RegKey key) {
 RegError FakeRegistry::QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data,
                                   uint32_t* size) {
     Key* at = nullptr;
-    uint32_t access = 0;
-    if (RegError error = Resolve(key, at, access)) return error;
-    if (!(access & kKeyQueryValue)) return kErrorAccessDenied;
-    if (RegError error = Enter("QueryValue", at->path, name, false)) return error;
+    if (RegError error = Use(key, kKeyQueryValue, at, "QueryValue", name)) return error;
     const NamedValue* value = FindValue(*at, name);
     if (!value) {
         if (type) *type = kRegNone;
@@ -249,10 +244,7 @@ RegError FakeRegistry::QueryValue(RegKey key, const std::string& name, uint32_t*
 
 RegError FakeRegistry::EnumKey(RegKey key, uint32_t index, char* name, uint32_t* nameLength) {
     Key* at = nullptr;
-    uint32_t access = 0;
-    if (RegError error = Resolve(key, at, access)) return error;
-    if (!(access & kKeyEnumerateSubKeys)) return kErrorAccessDenied;
-    if (RegError error = Enter("EnumKey", at->path, "", false)) return error;
+    if (RegError error = Use(key, kKeyEnumerateSubKeys, at, "EnumKey")) return error;
     const std::vector<const Key*> subkeys = Subkeys(*at);
     if (index >= subkeys.size()) return kErrorNoMoreItems;
     const std::string found = subkeys[index]->path.substr(subkeys[index]->path.rfind('\\') + 1);
@@ -265,9 +257,7 @@ RegError FakeRegistry::EnumKey(RegKey key, uint32_t index, char* name, uint32_t*
 RegError FakeRegistry::EnumValue(RegKey key, uint32_t index, char* name, uint32_t* nameLength, uint32_t* type,
                                  uint8_t* data, uint32_t* dataSize) {
     Key* at = nullptr;
-    uint32_t access = 0;
-    if (RegError error = Resolve(key, at, access)) return error;
-    if (!(access & kKeyQueryValue)) return kErrorAccessDenied;
+    if (RegError error = Use(key, kKeyQueryValue, at)) return error;
     const std::vector<const NamedValue*> values = OrderedValues(*at);
     if (index >= values.size()) return kErrorNoMoreItems;
     const NamedValue& value = *values[index];
@@ -289,24 +279,14 @@ RegError FakeRegistry::EnumValue(RegKey key, uint32_t index, char* name, uint32_
 RegError FakeRegistry::SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data,
                                 uint32_t size) {
     Key* at = nullptr;
-    uint32_t access = 0;
-    if (RegError error = Resolve(key, at, access)) return error;
-    if (!(access & kKeySetValue)) return kErrorAccessDenied;
-    if (RegError error = Enter("SetValue", at->path, name, true)) return error;
-    const std::string bytes(reinterpret_cast<const char*>(data), data ? size : 0);
-    if (NamedValue* value = FindValue(*at, name)) {
-        value->value = {type, bytes};
-    } else {
-        at->values.push_back({name, {type, bytes}});
-    }
+    if (RegError error = Use(key, kKeySetValue, at, "SetValue", name, true)) return error;
+    Store(*at, name, type, std::string_view(reinterpret_cast<const char*>(data), data ? size : 0));
     return kRegOk;
 }
 
 RegError FakeRegistry::DeleteValue(RegKey key, const std::string& name) {
     Key* at = nullptr;
-    uint32_t access = 0;
-    if (RegError error = Resolve(key, at, access)) return error;
-    if (!(access & kKeySetValue)) return kErrorAccessDenied;
+    if (RegError error = Use(key, kKeySetValue, at)) return error;
     NamedValue* value = FindValue(*at, name);
     if (!value) return kErrorFileNotFound;
     if (RegError error = Enter("DeleteValue", at->path, name, true)) return error;
@@ -316,8 +296,7 @@ RegError FakeRegistry::DeleteValue(RegKey key, const std::string& name) {
 
 RegError FakeRegistry::DeleteKey(RegKey parent, const std::string& subKey, uint32_t view) {
     Key* at = nullptr;
-    uint32_t access = 0;
-    if (RegError error = Resolve(parent, at, access)) return error;
+    if (RegError error = Use(parent, 0, at)) return error;
     if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
     const Key* doomed = Find(ViewPath(at->path, subKey, view));
     if (!doomed) return kErrorFileNotFound;

@@ -29,7 +29,7 @@
 
 namespace corvane::fakes {
 
-class FakeRegistry : public Registry {
+class FakeRegistry : public Registry, public ChangeFaults {
 public:
     enum class ValueOrder { Insertion, Sorted };
 
@@ -54,16 +54,11 @@ public:
     // Handles opened through the port and not yet closed.
     size_t OpenHandles() const { return handles_.size(); }
 
-    // Faults, as in FakeFileSystem. Changes are CreateKey, SetValue,
-    // DeleteValue and DeleteKey. `failChange` fails the change with this
-    // 1-based number (0: none) with `failError`; `crashAfterChange` throws
-    // SimulatedCrash once that many changes have been made. `failIf` fails any
-    // call it returns true for: the operation's name, the full path of the key
-    // it works on ("HKCU\Software\Name"; for OpenKey, CreateKey and DeleteKey
-    // the key asked for) and the value name, if any.
-    int changes = 0;
-    int failChange = 0;
-    int crashAfterChange = 0;
+    // Faults: the change faults (changes are CreateKey, SetValue, DeleteValue
+    // and DeleteKey), and `failIf` fails any call it returns true for: the
+    // operation's name, the full path of the key it works on
+    // ("HKCU\Software\Name"; for OpenKey, CreateKey and DeleteKey the key
+    // asked for) and the value name, if any.
     RegError failError = kErrorAccessDenied;
     std::function<bool(const std::string& op, const std::string& keyPath, const std::string& valueName)> failIf;
 
@@ -104,9 +99,12 @@ private:
     RegKey nextHandle_ = 0x100;
     uint64_t nextId_ = 1;
 
-    // The key behind a handle and the rights it was opened with; an error for
-    // an unknown handle or a deleted key.
-    RegError Resolve(RegKey handle, Key*& key, uint32_t& access);
+    // The key behind a handle opened with `right`, and, given `op`, the call
+    // counted and its faults applied; an error for an unknown handle, a deleted
+    // key, a missing right or a fault.
+    RegError Use(RegKey handle, uint32_t right, Key*& key, const char* op = nullptr, const std::string& name = "",
+                 bool change = false);
+    void Store(Key& key, const std::string& name, uint32_t type, std::string_view data);
     RegKey NewHandle(const Key& key, uint32_t access);
     // Counts a call and applies `failIf`; a change also counts towards the
     // change faults. A non-zero result is the failure to return.

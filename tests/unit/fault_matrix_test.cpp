@@ -482,21 +482,27 @@ std::string Slug(const std::string& text) {
     return slug;
 }
 
-// The file each command writes into the program's folder, byte for byte, and
-// what it changed and said, all as the fault-free run leaves them.
-TEST(FaultMatrix, WithoutAFaultEachCommandWritesWhatItAlwaysHas) {
+// Each command three ways. Without a fault: the file it writes into the
+// program's folder, byte for byte, and what it changed and said. Under each
+// platform call failing in turn, a crash after each change and each write
+// landing with other bytes. And under what a user meets: a program folder
+// that takes no file, a store folder whose name a file holds, a user without
+// rights to the machine's keys, a store someone changed after the pane read it.
+TEST(FaultMatrix, EveryCommandKeepsEveryItemUnderEveryFault) {
     const std::vector<Item> items = Items();
     std::string outcomes;
+    int runs = 0;
     for (const Command& c : Commands()) {
-        World w;
-        c.prepare(w);
-        const Before before = Take(w, items, c, true);
-        Refuse(w, false);
-        c.run(w);
-        ExpectNothingLost(w, c, items, before, false, false, w.files.Content(c.whole), c.name);
-        World fresh;
-        for (const std::string& path : w.files.Paths()) {
-            const auto content = w.files.Content(path);
+        World done;
+        c.prepare(done);
+        const Before start = Take(done, items, c, true);
+        Refuse(done, false);
+        c.run(done);
+        ExpectNothingLost(done, c, items, start, false, false, done.files.Content(c.whole), c.name);
+        const std::string doneMachine = fakes::MachineSnapshot(done.registry, done.files);
+        const World fresh;
+        for (const std::string& path : done.files.Paths()) {
+            const auto content = done.files.Content(path);
             if (path.rfind(kApp + "\\", 0) != 0 || content == fresh.files.Content(path)) continue;
             const std::string name = path.substr(path.find_last_of('\\') + 1);
             const bool reg = name.size() > 4 && name.substr(name.size() - 4) == ".reg";
@@ -505,26 +511,14 @@ TEST(FaultMatrix, WithoutAFaultEachCommandWritesWhatItAlwaysHas) {
         }
         // The lines of the machine that went and came, and the messages shown.
         std::set<std::string> was, is;
-        std::istringstream a(before.machine), b(fakes::MachineSnapshot(w.registry, w.files));
+        std::istringstream a(start.machine), b(doneMachine);
         for (std::string line; std::getline(a, line);) was.insert(line);
         for (std::string line; std::getline(b, line);) is.insert(line);
         outcomes += "== " + c.name + "\n";
         for (const std::string& line : was) outcomes += is.count(line) ? "" : "- " + line + "\n";
         for (const std::string& line : is) outcomes += was.count(line) ? "" : "+ " + line + "\n";
-        for (const auto& shown : w.prompts.shown) outcomes += "> " + shown.text + "\n";
-    }
-    EXPECT_TRUE(golden::Matches("store-fault-matrix-outcomes.txt", outcomes));
-}
+        for (const auto& shown : done.prompts.shown) outcomes += "> " + shown.text + "\n";
 
-// Each platform call failing in turn, a crash after each change, and each
-// write landing with other bytes.
-TEST(FaultMatrix, NoFaultLosesAnItem) {
-    const std::vector<Item> items = Items();
-    int runs = 0;
-    for (const Command& c : Commands()) {
-        World done;
-        c.prepare(done);
-        c.run(done);
         for (const fakes::Fault fault : fakes::kEveryFault) {
             // A file that is its own only copy has nothing to compare a write with.
             if (c.onlyCopy && fault == fakes::Fault::WriteCorrupts) continue;
@@ -540,27 +534,12 @@ TEST(FaultMatrix, NoFaultLosesAnItem) {
                 if (!reached) break;
             }
         }
-    }
-    EXPECT_GT(runs, 700);
-}
 
-// A program folder that takes no file, a store folder whose name a file
-// holds, a user without rights to the machine's keys, and a store someone
-// changed after the pane read it.
-TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
-    const std::vector<Item> items = Items();
-    for (const Command& c : Commands()) {
-        World done;
-        c.prepare(done);
-        Refuse(done, false);
-        c.run(done);
-        done.registry.failIf = nullptr;
-        const std::string doneMachine = fakes::MachineSnapshot(done.registry, done.files);
         for (const std::string column : {"program folder read-only", "store folder is a file", "HKLM refused",
                                          "store changed behind the list", "store gone behind the list"}) {
             const bool readOnly = column == "program folder read-only", asFile = column == "store folder is a file";
-            const bool gone = column == "store gone behind the list";
-            if ((asFile && !c.folderAsFile) || (column == "store changed behind the list" && c.behind.first.empty()) ||
+            const bool changed = column == "store changed behind the list", gone = column == "store gone behind the list";
+            if ((asFile && !c.folderAsFile) || (changed && c.behind.first.empty()) ||
                 (gone && !c.behind.first.ends_with(".run"))) {
                 continue;
             }
@@ -573,9 +552,7 @@ TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
                 w.files.AddFile(c.folder, "not a folder");
             }
             c.prepare(w);
-            if (!c.behind.first.empty() && column == "store changed behind the list") {
-                w.files.AddFile(c.behind.first, w.files.Content(c.behind.first).value_or("") + c.behind.second);
-            }
+            if (changed) w.files.AddFile(c.behind.first, w.files.Content(c.behind.first).value_or("") + c.behind.second);
             const auto original = w.files.Content(c.behind.first);
             if (gone) w.files.Delete(c.behind.first);
             const Before before = Take(w, items, c, true);
@@ -593,13 +570,12 @@ TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
                 // A delete that keeps nothing beside the program is not stopped by its folder.
                 EXPECT_EQ(machine, doneMachine) << context;
             }
-            if (column == "HKLM refused" && c.hklm) {
-                EXPECT_EQ(machine, before.machine) << context;
-                EXPECT_TRUE(!w.prompts.shown.empty() && w.prompts.shown.back().buttons == PromptButtons::Ok) << context;
-            } else if (column == "HKLM refused") {
-                EXPECT_EQ(machine, doneMachine) << context;
+            if (column == "HKLM refused") {
+                EXPECT_EQ(machine, c.hklm ? before.machine : doneMachine) << context;
+                EXPECT_TRUE(!c.hklm || (!w.prompts.shown.empty() && w.prompts.shown.back().buttons == PromptButtons::Ok))
+                    << context;
             }
-            if (column == "store changed behind the list") {
+            if (changed) {
                 EXPECT_NE(machine.find(c.behind.second), std::string::npos) << "what was added went: " << context;
                 EXPECT_EQ(w.Registry().find("Foreign"), std::string::npos) << context;
             }
@@ -609,6 +585,8 @@ TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
             }
         }
     }
+    EXPECT_GT(runs, 700);
+    EXPECT_TRUE(golden::Matches("store-fault-matrix-outcomes.txt", outcomes));
 }
 
 }  // namespace
