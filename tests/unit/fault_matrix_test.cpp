@@ -41,7 +41,6 @@ namespace {
 using namespace std::string_literals;
 
 const std::string kApp = "C:\\Corvane";
-const std::string kCommonStartup = "C:\\All Users\\Startup", kUserStartup = "C:\\Me\\Startup";
 const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 const std::string kBHO = "HKLM\\"s + kHelperObjectsKey;
 const std::string kAwkward = "{11111111-2222-3333-4444-555555555555}", kPlain = "{AAAAAAAA-0000-0000-0000-000000000001}",
@@ -51,7 +50,6 @@ const std::string kButton = "{EEEEEEEE-0000-0000-0000-000000000005}", kUserButto
 const std::string kMenu = "&Translate: this?", kUserMenu = "E&xport";  // no file name can hold the first
 const std::string kFull = "{A1B2C3D4-0000-1111-2222-333344445555}";
 const std::string kProgram = "C:\\Apps\\Tool.exe", kRestoreTarget = "C:\\Apps\\Old.exe";
-const std::string kProgramBytes = "MZ\x90\0program bytes"s, kKeptBytes = "MZ\x90\0\xff kept program\r\n\x1a"s;
 const std::string kSafeList = kApp + "\\CommonProcess.qdl", kWinInit = "C:\\WINDOWS\\WinInit.ini";
 const std::string kReport = "C:\\Reports\\report.txt", kQueued = "[Rename]\r\nNUL=C:\\OLD.EXE";
 
@@ -61,7 +59,7 @@ std::string RunKeyOf(const std::string& location) {
 }
 std::string ShortcutFolder(const std::string& location, bool stored) {
     if (stored) return kApp + (location == kLocStartupLM ? "\\DLMStartup" : "\\DCUStartup");
-    return location == kLocStartupLM ? kCommonStartup : kUserStartup;
+    return location == kLocStartupLM ? "C:\\All Users\\Startup" : "C:\\Me\\Startup";
 }
 
 // A 64-bit machine with something in every place the commands reach, and the
@@ -90,38 +88,12 @@ struct World : fakes::Machine {
             return ParseRegFile(std::string(std::istreambuf_iterator<char>(in), {})).value();
         }();
         ImportRegKeys(registry, machine.keys);
-        files.AddFolder(kCommonStartup);
-        files.AddFolder(kUserStartup);
-        files.AddFolder(kApp);
         MakeStoreFolders(files, kApp);
-        files.AddFile(RunStorePath(kApp, kLocHKLM), FormatStoreLine("Old LM", "C:\\old.exe", kLocHKLM));
-        files.AddFile(RunStorePath(kApp, kLocHKCU), FormatStoreLine("Old CU", "C:\\Tools\\alpha.exe -old", kLocHKCU) +
-                                                        FormatStoreLine("Old CU 2", "C:\\two.exe", kLocHKCU));
-        files.AddFile(RunStorePath(kApp, kLocHKLM32), FormatStoreLine("Old 32", "C:\\x86\\old.exe", kLocHKLM32));
-        for (const auto& [name, location, stored] : {std::tuple{"one.lnk", kLocStartupLM, false},
-                                                     {"two.lnk", kLocStartupCU, false},
-                                                     {"three.lnk", kLocStartupLM, true},
-                                                     {"four.lnk", kLocStartupCU, true}}) {
-            files.AddFile(ShortcutFolder(location, stored) + "\\" + name,
-                          fakes::FakeShortcutBytes("C:\\Tools\\alpha.exe", "/"s + name));
-        }
-
-        registry.PutString(kBHO + "\\" + kKept, "Kept", "yes");
-        registry.AddKey(kBHO + "\\" + kKept + "\\Sub");
+        // Its files, file facts and its one process.
+        fakes::AddRecords(*this, "fault-matrix-machine.txt", [this](const std::vector<std::string>& f) {
+            facts.Add(f[1], fakes::FakeFile{std::nullopt, {}, {}, 0, false, f[5]});
+        });
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
-        facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
-        processes.Add(1234, kProgram);
-        files.AddFile(kProgram, kProgramBytes);
-        fakes::FakeFile program;
-        program.shortPath = "C:\\APPS\\TOOL.EXE";
-        facts.Add(kProgram, program);
-        environment.variables = {{"OS", "Windows_NT"}, {"WinDir", "C:\\WINDOWS"}};
-        files.AddFile(BackupCopyPath(kApp, "1_2_2_3_4_5"), kKeptBytes);
-        files.AddFile(BackupRecordPath(kApp, "1_2_2_3_4_5"), BackupRecord(kRestoreTarget, "1/2/2003"));
-        files.AddFile(kRestoreTarget, "an older program");
-        files.AddFile(kSafeList, "alpha.exe\r\nbeta.exe\ngamma.exe\rdelta.exe\r\n");
-        files.AddFile(kWinInit, kQueued);
-        files.AddFile(kReport, "last week's report\r\n");
         files.copiesLeaveParts = true;
         system.errorTexts[5] = "Access is denied.\r\n";
         prompts.shown.clear();
