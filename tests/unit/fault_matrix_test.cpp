@@ -94,7 +94,6 @@ struct World : fakes::Machine {
             facts.Add(f[1], fakes::FakeFile{std::nullopt, {}, {}, 0, false, f[5]});
         });
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
-        files.copiesLeaveParts = true;
         system.errorTexts[5] = "Access is denied.\r\n";
         prompts.shown.clear();
     }
