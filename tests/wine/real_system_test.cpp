@@ -14,12 +14,7 @@
 
 #include "applications/application_commands.h"
 #include "browser/browser_commands.h"
-#include "contract/file_facts_contract.h"
-#include "contract/file_system_contract.h"
-#include "contract/process_table_contract.h"
-#include "contract/profile_contract.h"
-#include "contract/registry_contract.h"
-#include "contract/shortcuts_contract.h"
+#include "contract/contracts.h"
 #include "fakes/fakes.h"
 #include "foundations/file_facts_cache.h"
 #include "foundations/inventory.h"
