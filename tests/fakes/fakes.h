@@ -1,9 +1,12 @@
 #pragma once
 // In-memory stand-ins for the ports, for native tests and for failures that
 // Wine cannot produce.
+#include <algorithm>
+#include <cctype>
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,10 +26,29 @@ public:
     std::string userName = "tester";
     std::map<int32_t, std::string> errorTexts;
 
-    bool GetVersion(OsVersion& out) override;
-    std::string ComputerName(size_t size) override;
-    std::string UserName(size_t size) override;
-    std::string ErrorText(int32_t code, size_t size) override;
+    bool GetVersion(OsVersion& out) override {
+        if (versionCallFails) return false;
+        const std::string buffer = out.csdVersion;
+        out = version;
+        // The system writes the service pack text and its NUL over the caller's buffer.
+        std::string csd = buffer;
+        csd.replace(0, std::min(csd.size(), version.csdVersion.size() + 1), version.csdVersion + '\0');
+        out.csdVersion = csd;
+        return true;
+    }
+    std::string ComputerName(size_t size) override {
+        std::string buffer(size, ' ');
+        if (computerName.size() < size) buffer.replace(0, computerName.size() + 1, computerName + '\0');
+        return buffer;
+    }
+    std::string UserName(size_t size) override {
+        return userName.size() < size ? userName : std::string();
+    }
+    std::string ErrorText(int32_t code, size_t size) override {
+        auto it = errorTexts.find(code);
+        if (it == errorTexts.end()) return {};
+        return it->second.substr(0, size);
+    }
 };
 
 // Expands %NAME% from `variables`; an unknown name keeps its percent signs,
@@ -35,8 +57,33 @@ class FakeEnvironment : public Environment {
 public:
     std::map<std::string, std::string> variables;
     std::string uiLanguage;
-    std::string Expand(const std::string& text, size_t size) override;
     std::string UiLanguage() override { return uiLanguage; }
+    std::string Expand(const std::string& text, size_t size) override {
+        std::string result;
+        size_t i = 0;
+        while (i < text.size()) {
+            const size_t open = text.find('%', i);
+            const size_t close = open == std::string::npos ? open : text.find('%', open + 1);
+            if (close == std::string::npos) {
+                result += text.substr(i);
+                break;
+            }
+            result += text.substr(i, open - i);
+            auto it = variables.find(text.substr(open + 1, close - open - 1));
+            if (it != variables.end()) {
+                result += it->second;
+                i = close + 1;
+            } else {
+                result += '%';  // unknown: keep it and let the closing % start a new reference
+                i = open + 1;
+                result += text.substr(i, close - i);
+                i = close;
+            }
+        }
+        std::string buffer(size, '\0');
+        if (result.size() < size) buffer.replace(0, result.size(), result);
+        return buffer;
+    }
 };
 
 class FakeShell : public Shell {
@@ -54,7 +101,11 @@ public:
     };
     std::vector<Shown> shown;
     PromptAnswer Message(const std::string& text, const std::string& title, PromptIcon icon,
-                         PromptButtons buttons) override;
+                         PromptButtons buttons) override {
+        shown.push_back({text, title, icon, buttons});
+        return buttons == PromptButtons::YesNo || buttons == PromptButtons::YesNoCancel ? PromptAnswer::Yes
+                                                                                        : PromptAnswer::Ok;
+    }
     std::optional<std::string> SaveFile(const std::string&, bool) override { return std::nullopt; }
     std::optional<int32_t> PickColor(int32_t) override { return std::nullopt; }
 };
@@ -66,9 +117,74 @@ class FakeProfile : public Profile {
 public:
     std::map<std::string, std::string> files;  // path -> whole file text
     std::string Read(const std::string& section, const std::string& key, const std::string& fallback,
-                     size_t size, const std::string& path) override;
+                     size_t size, const std::string& path) override {
+        std::string value = fallback;
+        while (!value.empty() && value.back() == ' ') value.pop_back();
+        const Found found = Find(files.count(path) ? files[path] : "", section, key);
+        if (found.keyLine != std::string::npos) {
+            const std::string& line = found.lines[found.keyLine];
+            value = Trim(line.substr(line.find('=') + 1));
+            if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front()) {
+                value = value.substr(1, value.size() - 2);
+            }
+        }
+        return size == 0 ? std::string() : value.substr(0, size - 1);
+    }
     bool Write(const std::string& section, const std::string& key, const std::string& value,
-               const std::string& path) override;
+               const std::string& path) override {
+        Found found = Find(files[path], section, key);
+        std::vector<std::string>& lines = found.lines;
+        const std::string entry = key + "=" + value;
+        if (found.keyLine != std::string::npos) {
+            lines[found.keyLine] = entry;
+        } else if (found.sectionEnd != std::string::npos) {
+            lines.insert(lines.begin() + static_cast<long>(found.sectionEnd), entry);
+        } else {
+            lines.insert(lines.end(), {"[" + section + "]", entry});
+        }
+        files[path].clear();
+        for (const std::string& line : lines) files[path] += line + "\r\n";
+        return true;
+    }
+private:
+    static std::string Trim(const std::string& s) {
+        const size_t first = s.find_first_not_of(" \t\r");
+        return first == std::string::npos ? std::string() : s.substr(first, s.find_last_not_of(" \t\r") - first + 1);
+    }
+    static bool SameText(const std::string& a, const std::string& b) {
+        return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
+                   return std::tolower(x) == std::tolower(y);
+               });
+    }
+    // A file's lines, the first line of `key` in the first `section` (npos: none)
+    // and the line after that section's last (npos: no such section).
+    struct Found {
+        std::vector<std::string> lines;
+        size_t keyLine = std::string::npos, sectionEnd = std::string::npos;
+    };
+    static Found Find(const std::string& text, const std::string& section, const std::string& key) {
+        Found found;
+        std::istringstream in(text);
+        int state = 0;  // 0 before the section, 1 inside it, 2 past it
+        for (std::string line; std::getline(in, line);) {
+            if (!line.empty() && line.back() == '\r') line.pop_back();
+            found.lines.push_back(line);
+            const std::string t = Trim(line);
+            const size_t close = t.find(']');
+            if (t.size() >= 2 && t[0] == '[' && close != std::string::npos) {
+                state = state == 0 && SameText(Trim(t.substr(1, close - 1)), section) ? 1 : state == 1 ? 2 : state;
+                if (state == 1) found.sectionEnd = found.lines.size();
+                continue;
+            }
+            if (state != 1) continue;
+            found.sectionEnd = found.lines.size();
+            const size_t eq = line.find('=');
+            if (eq != std::string::npos && SameText(Trim(line.substr(0, eq)), key) && found.keyLine == std::string::npos) {
+                found.keyLine = found.lines.size() - 1;
+            }
+        }
+        return found;
+    }
 };
 
 }  // namespace corvane::fakes

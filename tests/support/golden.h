@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 namespace corvane::golden {
 
@@ -37,6 +38,27 @@ inline ::testing::AssertionResult Matches(const std::string& name, const std::st
     const auto line = [start](const std::string& text) { return text.substr(start, text.find('\n', start) - start); };
     return ::testing::AssertionFailure() << name << " differs at line " << std::count(expected.begin(), expected.begin() + start, '\n') + 1
                                          << "\n  golden: " << line(expected) << "\n  actual: " << line(actual);
+}
+
+// The records of a data file of tests/golden: one a line, fields by tabs,
+// `r `n `t and `xNN standing for CR, LF, tab and any byte; # begins a comment.
+inline std::vector<std::vector<std::string>> Records(const std::string& name) {
+    std::vector<std::vector<std::string>> records;
+    std::ifstream in(Path(name), std::ios::binary);
+    for (std::string line; std::getline(in, line);) {
+        if (line[0] == '#') continue;
+        std::vector<std::string>& fields = records.emplace_back();
+        for (size_t at = 0, tab = 0; at <= line.size(); at = tab + 1) {
+            tab = std::min(line.find('\t', at), line.size());
+            std::string& field = fields.emplace_back();
+            for (size_t i = at; i < tab; ++i) {
+                const char c = line[i] == '`' ? line[++i] : 0;
+                if (c == 'x') field += static_cast<char>(std::stoi(line.substr(i + 1, 2), nullptr, 16)), i += 2;
+                else field += c == 'r' ? '\r' : c == 'n' ? '\n' : c == 't' ? '\t' : c ? c : line[i];
+            }
+        }
+    }
+    return records;
 }
 
 }  // namespace corvane::golden

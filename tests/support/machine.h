@@ -10,6 +10,7 @@
 #include "fakes/fake_shortcuts.h"
 #include "fakes/fakes.h"
 #include "foundations/reg_file.h"
+#include "support/golden.h"
 
 namespace corvane::fakes {
 
@@ -25,6 +26,33 @@ struct Machine {
     FakePrompts prompts;
     FakeShell shell;
 };
+
+// Adds the records of a machine file of tests/golden to `m`: D a folder of
+// the file facts, R a folder, T and U a file in ANSI or UTF-16, L a shortcut
+// (path, target, arguments, icon), H a hidden file, E a variable, P a process
+// (id, path, snapshot name, refusals: o open, q query, m modules, s no module
+// yet). The fields of any other record, F a program, go to `program`.
+template <class Program>
+void AddRecords(Machine& m, const std::string& name, const Program& program) {
+    for (std::vector<std::string> f : golden::Records(name)) {
+        f.resize(6);
+        if (f[0] == "F") program(f);
+        if (f[0] == "D") m.facts.Add(f[1], FakeFile{std::nullopt, {}, {}, 0, true, ""});
+        if (f[0] == "R") m.files.AddFolder(f[1]);
+        if (f[0] == "T") m.files.AddFile(f[1], f[2]);
+        if (f[0] == "L") m.files.AddFile(f[1], FakeShortcutBytes(f[2], f[3], f[4]));
+        if (f[0] == "H") m.files.SetHiddenOrSystem(f[1]);
+        if (f[0] == "E") m.environment.variables[f[1]] = f[2];
+        if (f[0] == "U") {
+            std::string utf16("\xFF\xFE", 2);
+            for (const char c : f[2]) utf16 += std::string{c, '\0'};
+            m.files.AddFile(f[1], utf16);
+        }
+        if (f[0] != "P") continue;
+        const uint32_t id = static_cast<uint32_t>(std::stoul(f[1]));
+        m.processes.Add(id, f[2], f[3]) = {id, f[2], f[3], f[4] == "o", f[4] == "q", f[4] == "m", f[4] == "s"};
+    }
+}
 
 // Every file and every key under the machine's and the user's Software, to
 // see that a refused command changed nothing at all.

@@ -42,7 +42,6 @@ namespace {
 using namespace std::string_literals;
 
 const std::string kApp = "C:\\Corvane";
-const std::string kCommonStartup = "C:\\All Users\\Startup", kUserStartup = "C:\\Me\\Startup";
 const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 const std::string kBHO = "HKLM\\"s + kHelperObjectsKey;
 const std::string kAwkward = "{11111111-2222-3333-4444-555555555555}", kPlain = "{AAAAAAAA-0000-0000-0000-000000000001}",
@@ -52,7 +51,6 @@ const std::string kButton = "{EEEEEEEE-0000-0000-0000-000000000005}", kUserButto
 const std::string kMenu = "&Translate: this?", kUserMenu = "E&xport";  // no file name can hold the first
 const std::string kFull = "{A1B2C3D4-0000-1111-2222-333344445555}";
 const std::string kProgram = "C:\\Apps\\Tool.exe", kRestoreTarget = "C:\\Apps\\Old.exe";
-const std::string kProgramBytes = "MZ\x90\0program bytes"s, kKeptBytes = "MZ\x90\0\xff kept program\r\n\x1a"s;
 const std::string kSafeList = kApp + "\\CommonProcess.qdl", kWinInit = "C:\\WINDOWS\\WinInit.ini";
 const std::string kReport = "C:\\Reports\\report.txt", kQueued = "[Rename]\r\nNUL=C:\\OLD.EXE";
 // Extension IDs: ours blocked, others' blocks before and after it, forced ones, one put in by another program.
@@ -67,7 +65,7 @@ std::string RunKeyOf(const std::string& location) {
 }
 std::string ShortcutFolder(const std::string& location, bool stored) {
     if (stored) return kApp + (location == kLocStartupLM ? "\\DLMStartup" : "\\DCUStartup");
-    return location == kLocStartupLM ? kCommonStartup : kUserStartup;
+    return location == kLocStartupLM ? "C:\\All Users\\Startup" : "C:\\Me\\Startup";
 }
 
 // A 64-bit machine with something in every place the commands reach, and the
@@ -97,42 +95,15 @@ struct World : fakes::Machine {
             return ParseRegFile(std::string(std::istreambuf_iterator<char>(in), {})).value();
         }();
         ImportRegKeys(registry, machine.keys);
-        files.AddFolder(kCommonStartup);
-        files.AddFolder(kUserStartup);
-        files.AddFolder(kApp);
         MakeStoreFolders(files, kApp);
-        files.AddFile(RunStorePath(kApp, kLocHKLM), FormatStoreLine("Old LM", "C:\\old.exe", kLocHKLM));
-        files.AddFile(RunStorePath(kApp, kLocHKCU), FormatStoreLine("Old CU", "C:\\Tools\\alpha.exe -old", kLocHKCU) +
-                                                        FormatStoreLine("Old CU 2", "C:\\two.exe", kLocHKCU));
-        files.AddFile(RunStorePath(kApp, kLocHKLM32), FormatStoreLine("Old 32", "C:\\x86\\old.exe", kLocHKLM32));
-        for (const auto& [name, location, stored] : {std::tuple{"one.lnk", kLocStartupLM, false},
-                                                     {"two.lnk", kLocStartupCU, false},
-                                                     {"three.lnk", kLocStartupLM, true},
-                                                     {"four.lnk", kLocStartupCU, true}}) {
-            files.AddFile(ShortcutFolder(location, stored) + "\\" + name,
-                          fakes::FakeShortcutBytes("C:\\Tools\\alpha.exe", "/"s + name));
-        }
-
-        registry.PutString(kBHO + "\\" + kKept, "Kept", "yes");
-        registry.AddKey(kBHO + "\\" + kKept + "\\Sub");
+        // Its files, file facts and its one process.
+        fakes::AddRecords(*this, "fault-matrix-machine.txt", [this](const std::vector<std::string>& f) {
+            facts.Add(f[1], fakes::FakeFile{std::nullopt, {}, {}, 0, false, f[5]});
+        });
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
         const ExtensionRecord ours = Extension("Chrome", kOurs);
         DisableExtensions(extensions, {&ours});
         registry.PutString(kBlocklist, "5", kLater);
-        facts.Add("C:\\Tools\\alpha.exe", fakes::FakeFile{});
-        processes.Add(1234, kProgram);
-        files.AddFile(kProgram, kProgramBytes);
-        fakes::FakeFile program;
-        program.shortPath = "C:\\APPS\\TOOL.EXE";
-        facts.Add(kProgram, program);
-        environment.variables = {{"OS", "Windows_NT"}, {"WinDir", "C:\\WINDOWS"}};
-        files.AddFile(BackupCopyPath(kApp, "1_2_2_3_4_5"), kKeptBytes);
-        files.AddFile(BackupRecordPath(kApp, "1_2_2_3_4_5"), BackupRecord(kRestoreTarget, "1/2/2003"));
-        files.AddFile(kRestoreTarget, "an older program");
-        files.AddFile(kSafeList, "alpha.exe\r\nbeta.exe\ngamma.exe\rdelta.exe\r\n");
-        files.AddFile(kWinInit, kQueued);
-        files.AddFile(kReport, "last week's report\r\n");
-        files.copiesLeaveParts = true;
         system.errorTexts[5] = "Access is denied.\r\n";
         prompts.shown.clear();
     }
@@ -555,21 +526,25 @@ std::string Slug(const std::string& text) {
     return slug;
 }
 
-// The file each command writes into the program's folder, byte for byte, and
-// what it changed and said, all as the fault-free run leaves them.
-TEST(FaultMatrix, WithoutAFaultEachCommandWritesWhatItAlwaysHas) {
+// Each command without a fault: the file it writes into the program's
+// folder, byte for byte, and what it changed and said. Then under what a user
+// meets: a program folder that takes no file, a store folder whose name a
+// file holds, a user without rights to the machine's keys, a store someone
+// changed after the pane read it.
+TEST(FaultMatrix, EachCommandWithoutAFaultAndUnderWhatTheUserMeets) {
     const std::vector<Item> items = Items();
     std::string outcomes;
     for (const Command& c : Commands()) {
-        World w;
-        c.prepare(w);
-        const Before before = Take(w, items, c, true);
-        Refuse(w, false);
-        c.run(w);
-        ExpectNothingLost(w, c, items, before, false, false, w.files.Content(c.whole), c.name);
-        World fresh;
-        for (const std::string& path : w.files.Paths()) {
-            const auto content = w.files.Content(path);
+        World done;
+        c.prepare(done);
+        const Before start = Take(done, items, c, true);
+        Refuse(done, false);
+        c.run(done);
+        ExpectNothingLost(done, c, items, start, false, false, done.files.Content(c.whole), c.name);
+        const std::string doneMachine = fakes::MachineSnapshot(done.registry, done.files);
+        const World fresh;
+        for (const std::string& path : done.files.Paths()) {
+            const auto content = done.files.Content(path);
             if (path.rfind(kApp + "\\", 0) != 0 || content == fresh.files.Content(path)) continue;
             const std::string name = path.substr(path.find_last_of('\\') + 1);
             const bool reg = name.size() > 4 && name.substr(name.size() - 4) == ".reg" && path.find(kExtensionStore) == std::string::npos;
@@ -578,13 +553,63 @@ TEST(FaultMatrix, WithoutAFaultEachCommandWritesWhatItAlwaysHas) {
         }
         // The lines of the machine that went and came, and the messages shown.
         std::set<std::string> was, is;
-        std::istringstream a(before.machine), b(fakes::MachineSnapshot(w.registry, w.files));
+        std::istringstream a(start.machine), b(doneMachine);
         for (std::string line; std::getline(a, line);) was.insert(line);
         for (std::string line; std::getline(b, line);) is.insert(line);
         outcomes += "== " + c.name + "\n";
         for (const std::string& line : was) outcomes += is.count(line) ? "" : "- " + line + "\n";
         for (const std::string& line : is) outcomes += was.count(line) ? "" : "+ " + line + "\n";
-        for (const auto& shown : w.prompts.shown) outcomes += "> " + shown.text + "\n";
+        for (const auto& shown : done.prompts.shown) outcomes += "> " + shown.text + "\n";
+
+        for (const std::string column : {"program folder read-only", "store folder is a file", "HKLM refused",
+                                         "store changed behind the list", "store gone behind the list"}) {
+            const bool readOnly = column == "program folder read-only", asFile = column == "store folder is a file";
+            const bool changed = column == "store changed behind the list", gone = column == "store gone behind the list";
+            if ((asFile && !c.folderAsFile) || (changed && c.behind.first.empty()) ||
+                (gone && !c.behind.first.ends_with(".run"))) {
+                continue;
+            }
+            World w;
+            if (asFile) {
+                for (const std::string& path : w.files.Paths()) {
+                    if (path.rfind(c.folder + "\\", 0) == 0) w.files.Delete(path);
+                }
+                w.files.RemoveFolder(c.folder);
+                w.files.AddFile(c.folder, "not a folder");
+            }
+            c.prepare(w);
+            if (changed) w.files.AddFile(c.behind.first, w.files.Content(c.behind.first).value_or("") + c.behind.second);
+            const auto original = w.files.Content(c.behind.first);
+            if (gone) w.files.Delete(c.behind.first);
+            const Before before = Take(w, items, c, true);
+            Refuse(w, column == "HKLM refused");
+            if (readOnly) fakes::MakeReadOnly(w.files, kApp);
+            c.run(w);
+            const std::string context = c.name + ", " + column;
+            ExpectNothingLost(w, c, items, before, false, false, done.files.Content(c.whole), context);
+            const std::string machine = fakes::MachineSnapshot(w.registry, w.files);
+            if ((readOnly || asFile) && !c.folder.empty()) {
+                EXPECT_EQ(machine, before.machine) << context;
+                ASSERT_EQ(w.prompts.shown.size(), 1u) << context;
+                EXPECT_NE(w.prompts.shown[0].text.find("\r\n" + c.folder + "\r\n"), std::string::npos) << context;
+            } else if (readOnly && c.name.rfind("delete ", 0) == 0) {
+                // A delete that keeps nothing beside the program is not stopped by its folder.
+                EXPECT_EQ(machine, doneMachine) << context;
+            }
+            if (column == "HKLM refused") {
+                EXPECT_EQ(machine, c.hklm ? before.machine : doneMachine) << context;
+                EXPECT_TRUE(!c.hklm || (!w.prompts.shown.empty() && w.prompts.shown.back().buttons == PromptButtons::Ok))
+                    << context;
+            }
+            if (changed) {
+                EXPECT_NE(machine.find(c.behind.second), std::string::npos) << "what was added went: " << context;
+                EXPECT_EQ(w.Registry().find("Foreign"), std::string::npos) << context;
+            }
+            // A run-key store that went after the list was read is written anew from the list's rows.
+            if (gone && done.files.Content(c.behind.first) != original) {
+                EXPECT_EQ(machine, doneMachine) << context;
+            }
+        }
     }
     EXPECT_TRUE(golden::Matches("store-fault-matrix-outcomes.txt", outcomes));
 }
@@ -615,73 +640,6 @@ TEST(FaultMatrix, NoFaultLosesAnItem) {
         }
     }
     EXPECT_GT(runs, 700);
-}
-
-// A program folder that takes no file, a store folder whose name a file
-// holds, a user without rights to the machine's keys, and a store someone
-// changed after the pane read it.
-TEST(FaultMatrix, WhatTheUserMeetsStopsACommandWholeOrNotAtAll) {
-    const std::vector<Item> items = Items();
-    for (const Command& c : Commands()) {
-        World done;
-        c.prepare(done);
-        Refuse(done, false);
-        c.run(done);
-        done.registry.failIf = nullptr;
-        const std::string doneMachine = fakes::MachineSnapshot(done.registry, done.files);
-        for (const std::string column : {"program folder read-only", "store folder is a file", "HKLM refused",
-                                         "store changed behind the list", "store gone behind the list"}) {
-            const bool readOnly = column == "program folder read-only", asFile = column == "store folder is a file";
-            const bool gone = column == "store gone behind the list";
-            if ((asFile && !c.folderAsFile) || (column == "store changed behind the list" && c.behind.first.empty()) ||
-                (gone && !c.behind.first.ends_with(".run"))) {
-                continue;
-            }
-            World w;
-            if (asFile) {
-                for (const std::string& path : w.files.Paths()) {
-                    if (path.rfind(c.folder + "\\", 0) == 0) w.files.Delete(path);
-                }
-                w.files.RemoveFolder(c.folder);
-                w.files.AddFile(c.folder, "not a folder");
-            }
-            c.prepare(w);
-            if (!c.behind.first.empty() && column == "store changed behind the list") {
-                w.files.AddFile(c.behind.first, w.files.Content(c.behind.first).value_or("") + c.behind.second);
-            }
-            const auto original = w.files.Content(c.behind.first);
-            if (gone) w.files.Delete(c.behind.first);
-            const Before before = Take(w, items, c, true);
-            Refuse(w, column == "HKLM refused");
-            if (readOnly) fakes::MakeReadOnly(w.files, kApp);
-            c.run(w);
-            const std::string context = c.name + ", " + column;
-            ExpectNothingLost(w, c, items, before, false, false, done.files.Content(c.whole), context);
-            const std::string machine = fakes::MachineSnapshot(w.registry, w.files);
-            if ((readOnly || asFile) && !c.folder.empty()) {
-                EXPECT_EQ(machine, before.machine) << context;
-                ASSERT_EQ(w.prompts.shown.size(), 1u) << context;
-                EXPECT_NE(w.prompts.shown[0].text.find("\r\n" + c.folder + "\r\n"), std::string::npos) << context;
-            } else if (readOnly && c.name.rfind("delete ", 0) == 0) {
-                // A delete that keeps nothing beside the program is not stopped by its folder.
-                EXPECT_EQ(machine, doneMachine) << context;
-            }
-            if (column == "HKLM refused" && c.hklm) {
-                EXPECT_EQ(machine, before.machine) << context;
-                EXPECT_TRUE(!w.prompts.shown.empty() && w.prompts.shown.back().buttons == PromptButtons::Ok) << context;
-            } else if (column == "HKLM refused") {
-                EXPECT_EQ(machine, doneMachine) << context;
-            }
-            if (column == "store changed behind the list") {
-                EXPECT_NE(machine.find(c.behind.second), std::string::npos) << "what was added went: " << context;
-                EXPECT_EQ(w.Registry().find("Foreign"), std::string::npos) << context;
-            }
-            // A run-key store that went after the list was read is written anew from the list's rows.
-            if (gone && done.files.Content(c.behind.first) != original) {
-                EXPECT_EQ(machine, doneMachine) << context;
-            }
-        }
-    }
 }
 
 }  // namespace

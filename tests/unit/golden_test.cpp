@@ -21,12 +21,7 @@
 #include "browser/browser_commands.h"
 #include "browser/browser_extensions.h"
 #include "browser/browser_report.h"
-#include "contract/file_facts_contract.h"
-#include "contract/file_system_contract.h"
-#include "contract/process_table_contract.h"
-#include "contract/profile_contract.h"
-#include "contract/registry_contract.h"
-#include "contract/shortcuts_contract.h"
+#include "contract/contracts.h"
 #include "fakes/fake_file_hasher.h"
 #include "foundations/file_description.h"
 #include "foundations/file_facts_cache.h"
@@ -52,27 +47,6 @@ namespace corvane::golden {
 namespace {
 
 constexpr const char* kApp = "C:\\Corvane";
-
-// The records of a data file of tests/golden: one a line, fields by tabs,
-// `r `n `t and `xNN standing for CR, LF, tab and any byte; # begins a comment.
-std::vector<std::vector<std::string>> Records(const std::string& name) {
-    std::vector<std::vector<std::string>> records;
-    std::ifstream in(Path(name), std::ios::binary);
-    for (std::string line; std::getline(in, line);) {
-        if (line[0] == '#') continue;
-        std::vector<std::string>& fields = records.emplace_back();
-        for (size_t at = 0, tab = 0; at <= line.size(); at = tab + 1) {
-            tab = std::min(line.find('\t', at), line.size());
-            std::string& field = fields.emplace_back();
-            for (size_t i = at; i < tab; ++i) {
-                const char c = line[i] == '`' ? line[++i] : 0;
-                if (c == 'x') field += static_cast<char>(std::stoi(line.substr(i + 1, 2), nullptr, 16)), i += 2;
-                else field += c == 'r' ? '\r' : c == 'n' ? '\n' : c == 't' ? '\t' : c ? c : line[i];
-            }
-        }
-    }
-    return records;
-}
 
 struct Machine : fakes::Machine {
     fakes::FakeFileHasher hasher;
@@ -119,24 +93,9 @@ struct Machine : fakes::Machine {
         // and just past 32,767 characters from the drive's letter to the end of ".exe".
         Program("C:" + std::string(32761, 'z') + ".exe", 1, "");
         Program("C:" + std::string(32762, 'z') + ".exe", 2, "");
-        for (std::vector<std::string> f : Records("machine.txt")) {
-            f.resize(6);
-            if (f[0] == "F") Program(f[1], std::stoull(f[2]), f[3], f[4], f[5]);
-            if (f[0] == "D") facts.Add(f[1], fakes::FakeFile{std::nullopt, {}, {}, 0, true, ""});
-            if (f[0] == "R") files.AddFolder(f[1]);
-            if (f[0] == "T") files.AddFile(f[1], f[2]);
-            if (f[0] == "L") files.AddFile(f[1], fakes::FakeShortcutBytes(f[2], f[3], f[4]));
-            if (f[0] == "H") files.SetHiddenOrSystem(f[1]);
-            if (f[0] == "E") environment.variables[f[1]] = f[2];
-            if (f[0] == "U") {
-                std::string utf16("\xFF\xFE", 2);
-                for (const char c : f[2]) utf16 += std::string{c, '\0'};
-                files.AddFile(f[1], utf16);
-            }
-            if (f[0] != "P") continue;
-            const uint32_t id = static_cast<uint32_t>(std::stoul(f[1]));
-            processes.Add(id, f[2], f[3]) = {id, f[2], f[3], f[4] == "o", f[4] == "q", f[4] == "m", f[4] == "s"};
-        }
+        fakes::AddRecords(*this, "machine.txt", [this](const std::vector<std::string>& f) {
+            Program(f[1], std::stoull(f[2]), f[3], f[4], f[5]);
+        });
     }
 };
 
