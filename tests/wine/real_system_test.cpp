@@ -14,9 +14,11 @@
 
 #include "applications/application_commands.h"
 #include "browser/browser_commands.h"
+#include "browser/browser_extensions.h"
 #include "browser/extension_commands.h"
 #include "contract/contracts.h"
 #include "fakes/fakes.h"
+#include "support/machine.h"
 #include "foundations/file_facts_cache.h"
 #include "foundations/inventory.h"
 #include "foundations/reg_backup.h"
@@ -272,6 +274,43 @@ TEST(RealBackups, EnableAfterDisableLeavesTheBlocklistAsItWas) {
 // ---- RealSystem: an uninstaller's child, and older Windows ----
 
 // Many uninstallers hand their work to a copy of themselves and end at once.
+// The golden machine's browser profiles written to the disk and read through
+// the system give the rows they give from memory, and a file another program
+// holds without sharing reads as one that could not be read.
+TEST(RealSystem, BrowserProfilesOnTheDiskReadAsFromMemory) {
+    fakes::Machine m;
+    fakes::AddRecords(m, "machine.txt", [](const std::vector<std::string>&) {});
+    Win32FileSystem disk;
+    for (const std::string& path : m.files.Paths()) {
+        const auto under = [&path](const char* root) { return path.rfind(root, 0) == 0; };
+        if (!under("C:\\Me\\") && !under("C:\\dev\\") && !under("C:\\FF\\") && !under("C:\\Program Files\\Mozilla")) continue;
+        for (size_t slash = path.find('\\', 3); slash != std::string::npos; slash = path.find('\\', slash + 1)) {
+            CreateDirectoryA(path.substr(0, slash).c_str(), nullptr);
+        }
+        if (m.files.IsFolder(path)) CreateDirectoryA(path.c_str(), nullptr);
+        else ASSERT_EQ(disk.Write(path, m.files.Content(path).value()), kNoError) << path;
+    }
+    const auto rows = [&m](FileSystem& files) {
+        ExtensionSources sources{m.registry, files, m.clock, m.environment};
+        std::string text;
+        for (const ExtensionRecord& record : CollectExtensions(sources)) {
+            for (const std::string& cell : ExtensionRow(record).cells) text += cell + "|";
+            text += std::to_string(static_cast<int>(ExtensionRow(record).mark)) + "\n";
+        }
+        return text;
+    };
+    const std::string whole = rows(m.files);
+    EXPECT_NE(whole.find("|Chrome|Work|"), std::string::npos);
+    EXPECT_EQ(rows(disk), whole);
+    const std::string locked = "C:\\Me\\Local\\Google\\Chrome\\User Data\\Default\\Secure Preferences";
+    const HANDLE holder = CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(holder, INVALID_HANDLE_VALUE);
+    m.files.failIf = [&locked](const std::string& op, const std::string& path) { return op == "Read" && path == locked; };
+    EXPECT_NE(rows(m.files), whole);
+    EXPECT_EQ(rows(disk), rows(m.files));
+    CloseHandle(holder);
+}
+
 TEST(RealSystem, UninstallWaitsForTheChildItsUninstallerStarts) {
     const std::string program =
         wine::PlaceFixture("fixture_uninstaller.exe", wine::FreshFolder("uninstall dir"), "CorvaneTest Uninstall.exe");
