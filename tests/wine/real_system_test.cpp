@@ -22,6 +22,7 @@
 #include "foundations/file_facts_cache.h"
 #include "foundations/inventory.h"
 #include "foundations/reg_backup.h"
+#include "foundations/reg_file.h"
 #include "foundations/registry.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
@@ -274,12 +275,23 @@ TEST(RealBackups, EnableAfterDisableLeavesTheBlocklistAsItWas) {
 // ---- RealSystem: an uninstaller's child, and older Windows ----
 
 // Many uninstallers hand their work to a copy of themselves and end at once.
-// The golden machine's browser profiles written to the disk and read through
-// the system give the rows they give from memory, and a file another program
-// holds without sharing reads as one that could not be read.
+// The golden machine's browser profiles written to the disk and its browser
+// keys to the registry, read through the system, give the rows they give from
+// memory, and a file another program holds without sharing reads as one that
+// could not be read.
 TEST(RealSystem, BrowserProfilesOnTheDiskReadAsFromMemory) {
     fakes::Machine m;
     fakes::AddRecords(m, "machine.txt", [](const std::vector<std::string>&) {});
+    std::vector<RegFileKey> keys;
+    const std::optional<RegFile> machine = ParseRegFile(wine::FileBytes(golden::Path("machine.reg")));
+    ASSERT_TRUE(machine);
+    for (const RegFileKey& key : machine->keys) {
+        const auto holds = [&key](const char* part) { return key.path.find(part) != std::string::npos; };
+        if (holds("\\Google\\") || holds("\\Edge\\") || holds("\\Mozilla\\") || holds("\\firefox.exe")) keys.push_back(key);
+    }
+    Win32Registry live;
+    ASSERT_EQ(ImportRegKeys(m.registry, keys), kRegOk);
+    ASSERT_EQ(ImportRegKeys(live, keys), kRegOk);
     Win32FileSystem disk;
     for (const std::string& path : m.files.Paths()) {
         const auto under = [&path](const char* root) { return path.rfind(root, 0) == 0; };
@@ -290,8 +302,8 @@ TEST(RealSystem, BrowserProfilesOnTheDiskReadAsFromMemory) {
         if (m.files.IsFolder(path)) CreateDirectoryA(path.c_str(), nullptr);
         else ASSERT_EQ(disk.Write(path, m.files.Content(path).value()), kNoError) << path;
     }
-    const auto rows = [&m](FileSystem& files) {
-        ExtensionSources sources{m.registry, files, m.clock, m.environment};
+    const auto rows = [&m](FileSystem& files, Registry& registry) {
+        ExtensionSources sources{registry, files, m.clock, m.environment};
         std::string text;
         for (const ExtensionRecord& record : CollectExtensions(sources)) {
             for (const std::string& cell : ExtensionRow(record).cells) text += cell + "|";
@@ -299,16 +311,23 @@ TEST(RealSystem, BrowserProfilesOnTheDiskReadAsFromMemory) {
         }
         return text;
     };
-    const std::string whole = rows(m.files);
-    EXPECT_NE(whole.find("|Chrome|Work|"), std::string::npos);
-    EXPECT_EQ(rows(disk), whole);
+    const std::string whole = rows(m.files, m.registry);
+    for (const char* row : {"|Chrome|Work|", "|Edge|HKCU\\Software\\Microsoft\\Edge\\Extensions\\m", "|forced@example.org|"}) {
+        EXPECT_NE(whole.find(row), std::string::npos) << row;
+    }
+    EXPECT_EQ(rows(disk, live), whole);
     const std::string locked = "C:\\Me\\Local\\Google\\Chrome\\User Data\\Default\\Secure Preferences";
     const HANDLE holder = CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(holder, INVALID_HANDLE_VALUE);
     m.files.failIf = [&locked](const std::string& op, const std::string& path) { return op == "Read" && path == locked; };
-    EXPECT_NE(rows(m.files), whole);
-    EXPECT_EQ(rows(disk), rows(m.files));
+    EXPECT_NE(rows(m.files, m.registry), whole);
+    EXPECT_EQ(rows(disk, live), rows(m.files, m.registry));
     CloseHandle(holder);
+    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+        const size_t slash = key->path.find('\\');
+        SHDeleteKeyA(key->path.rfind("HKEY_LOCAL", 0) == 0 ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER,
+                     key->path.substr(slash + 1).c_str());
+    }
 }
 
 TEST(RealSystem, UninstallWaitsForTheChildItsUninstallerStarts) {
