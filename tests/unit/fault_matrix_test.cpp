@@ -177,9 +177,7 @@ std::vector<std::string> ReadKeptFiles(World& w) {
     }
     return kept;
 }
-Place KeptFiles() {
-    return [](World& w) { return w.kept; };
-}
+Place KeptFiles() { return [](World& w) { return w.kept; }; }
 Place KeysAt(std::vector<KeyRef> keys) {
     return [keys](World& w) {
         std::vector<RegFileKey> all;
@@ -206,16 +204,14 @@ Place BackupPair(std::string program) {
 
 std::vector<Item> Items() {
     std::vector<Item> items;
+    // A Run value: in its key, or as its line in the place's store.
     for (const auto& [location, name] :
          {std::pair{kLocHKLM, "Alpha"}, {kLocHKLM, "Beta"}, {kLocHKCU, "Gamma"}, {kLocHKCU, "Cut"}, {kLocHKLM32, "Beta"},
           {kLocHKLM32, "Eta"}, {kLocHKLM, "Old LM"}, {kLocHKCU, "Old CU"}, {kLocHKCU, "Old CU 2"}, {kLocHKLM32, "Old 32"}}) {
         const std::string loc = location, n = name;
         items.push_back({n + "|" + loc,
-                         {[loc, n](World& w) {
-                              const auto value = w.registry.Value(RunKeyOf(loc), n);
-                              return Some(value ? std::optional(value->data) : std::nullopt);
-                          },
-                          [loc, n](World& w) {
+                         {[=](World& w) { const auto v = w.registry.Value(RunKeyOf(loc), n); return Some(v ? v->data : ""); },
+                          [=](World& w) {
                               std::vector<std::string> lines;
                               for (const StoreLine& line :
                                    ParseRunStore(w.files.Content(RunStorePath(kApp, loc)).value_or(""), loc)) {
@@ -233,23 +229,19 @@ std::vector<Item> Items() {
     const auto keyItem = [&](const std::string& name, std::vector<KeyRef> keys) {
         items.push_back({name, {KeysAt(keys), KeptFiles()}, keys});
     };
-    for (const std::string& clsid : {kAwkward, kPlain, kKept, kTwin}) {
-        keyItem(clsid, {{kHKeyLocalMachine, kHelperObjectsKey + "\\"s + clsid, 0}});
-    }
-    keyItem(kTwin + " 32-bit", {{kHKeyLocalMachine, kHelperObjectsKey + "\\"s + kTwin, kKeyWow64_32Key}});
-    for (const auto& [id, root, key] : {std::tuple{kButton, kHKeyLocalMachine, kExtensionsKey},
-                                        {kUserButton, kHKeyCurrentUser, kExtensionsKey},
-                                        {kMenu, kHKeyLocalMachine, kMenuExtKey},
-                                        {kUserMenu, kHKeyCurrentUser, kMenuExtKey}}) {
-        keyItem(id, {{root, key + "\\"s + id, 0}});
+    for (const auto& [id, root, key, view] :
+         {std::tuple{kAwkward, kHKeyLocalMachine, kHelperObjectsKey, 0u}, {kPlain, kHKeyLocalMachine, kHelperObjectsKey, 0u},
+          {kKept, kHKeyLocalMachine, kHelperObjectsKey, 0u}, {kTwin, kHKeyLocalMachine, kHelperObjectsKey, 0u},
+          {kTwin, kHKeyLocalMachine, kHelperObjectsKey, kKeyWow64_32Key}, {kButton, kHKeyLocalMachine, kExtensionsKey, 0u},
+          {kUserButton, kHKeyCurrentUser, kExtensionsKey, 0u}, {kMenu, kHKeyLocalMachine, kMenuExtKey, 0u},
+          {kUserMenu, kHKeyCurrentUser, kMenuExtKey, 0u}}) {
+        keyItem(id + (view ? " 32-bit" : ""), {{root, key + "\\"s + id, view}});
     }
     for (const auto& [id, root, key] : {std::tuple{kToolbar, kHKeyLocalMachine, kMachineToolbarKey},
                                         {kUserToolbar, kHKeyCurrentUser, kUserToolbarKey},
                                         {kSideload, kHKeyCurrentUser, "Software\\Mozilla\\Firefox\\Extensions"}}) {
-        const std::string value = id, path = key;
-        const RegKey hive = root;
         items.push_back({id,
-                         {[=](World& w) {
+                         {[value = id, hive = root, path = std::string(key)](World& w) {
                               const auto kept = ReadRegValue(w.registry, hive, path, value);
                               return Some(kept ? Canon(std::vector{*kept}) : "");
                           },
@@ -283,8 +275,7 @@ std::vector<Item> Items() {
     items.push_back({"kept program", {BackupPair(kRestoreTarget), FileAt(kRestoreTarget)}});
     for (const char* entry : {"alpha.exe", "beta.exe", "gamma.exe", "delta.exe"}) {
         items.push_back({entry, {[entry](World& w) {
-                             const auto lines = TextLines(w.files.Content(kSafeList).value_or(""));
-                             return Some(std::find(lines.begin(), lines.end(), entry) != lines.end() ? entry : "");
+                             return Some(std::ranges::count(TextLines(w.files.Content(kSafeList).value_or("")), entry) ? entry : "");
                          }}});
     }
     // What other programs queued for the next start.
