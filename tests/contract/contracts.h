@@ -85,19 +85,20 @@ inline void CheckRegistryContract(Registry& reg, const std::string& root) {
     uint32_t shortLength = sizeof shortName;
     EXPECT_EQ(reg.EnumKey(top, 0, shortName, &shortLength), kErrorMoreData) << "no room for Asub and its NUL";
 
-    // Values of every kind the logic reads, set in this order.
+    // Values of every kind the logic reads, in the order they enumerate (by
+    // Unicode capitals, the default value first), set in another order.
     using Listed = std::tuple<std::string, uint32_t, std::string>;  // name, type, data
     const std::string longText = std::string(10000, 'x') + '\0';
     std::string binary;
     for (int i = 0; i < 256; ++i) binary += static_cast<char>(i);
     const std::vector<Listed> values = {
-        {"zeta", kRegSz, std::string("text\0", 5)},           {"Alpha", kRegExpandSz, std::string("%WINDIR%\\x\0", 11)},
-        {"beta", kRegMultiSz, std::string("one\0two\0\0", 9)}, {"\xC9t\xE9", kRegDword, std::string("\xFE\xFF\xFF\xFF", 4)},
-        {"\x80uro", kRegBinary, binary},                      {"", kRegSz, std::string("default\0", 8)},
-        {"\xFFy", kRegNone, ""},                              {"long", kRegSz, longText},
-        {"empty", kRegSz, ""},
+        {"", kRegSz, std::string("default\0", 8)},          {"Alpha", kRegExpandSz, std::string("%WINDIR%\\x\0", 11)},
+        {"beta", kRegMultiSz, std::string("one\0two\0\0", 9)}, {"empty", kRegSz, ""},
+        {"long", kRegSz, longText},                         {"zeta", kRegSz, std::string("text\0", 5)},
+        {"\xC9t\xE9", kRegDword, std::string("\xFE\xFF\xFF\xFF", 4)}, {"\xFFy", kRegNone, ""},
+        {"\x80uro", kRegBinary, binary},
     };
-    for (const auto& [name, type, data] : values) set(top, name, type, data);
+    for (const size_t i : {5, 1, 2, 6, 8, 0, 7, 4, 3}) std::apply([&](const auto&... v) { set(top, v...); }, values[i]);
 
     uint32_t type = 99, size = 0;
     ASSERT_EQ(reg.QueryValue(top, "long", &type, nullptr, &size), kRegOk) << "size only";
@@ -117,8 +118,7 @@ inline void CheckRegistryContract(Registry& reg, const std::string& root) {
     ASSERT_EQ(reg.QueryValue(top, "\x9Fy", &type, buffer.data(), &size), kRegOk) << "\x9F is the capital of \xFF";
     EXPECT_EQ(std::pair(size, type), std::pair(0u, kRegNone));
 
-    // Values enumerate in Wine's order (sorted like the subkeys, the default
-    // value first); too small a data buffer gives the size it needs.
+    // Too small a data buffer gives the size it needs.
     std::vector<Listed> listed;
     for (uint32_t i = 0;; ++i) {
         char name[260];
@@ -136,12 +136,7 @@ inline void CheckRegistryContract(Registry& reg, const std::string& root) {
         }
         listed.push_back({std::string(name, nameLength), type, std::string(buffer.begin(), buffer.begin() + dataSize)});
     }
-    std::vector<std::string> names;
-    for (const Listed& value : listed) names.push_back(std::get<0>(value));
-    EXPECT_EQ(names, (std::vector<std::string>{"", "Alpha", "beta", "empty", "long", "zeta", "\xC9t\xE9", "\xFFy", "\x80uro"}));
-    for (const Listed& value : listed) {
-        EXPECT_TRUE(std::find(values.begin(), values.end(), value) != values.end()) << "data of " << std::get<0>(value);
-    }
+    EXPECT_EQ(listed, values);
 
     // A handle opened for reading cannot change anything.
     RegKey reader = 0;
@@ -207,14 +202,11 @@ inline void CheckViewOf(Registry& reg, RegKey root, const std::string& path, con
               kErrorFileNotFound);
 }
 
-// `name`: a key of the suite's own to make below HKLM\Software.
-inline void CheckRegistryViewContract(Registry& reg, const std::string& name) {
+// `name`: a key of the suite's own to make below HKLM\Software; `clsid`: a
+// class of its own, whose 32-bit key HKCR\CLSID\{id} is HKCR\Wow6432Node\CLSID\{id}.
+inline void CheckRegistryViewContract(Registry& reg, const std::string& name, const std::string& clsid) {
     CheckViewOf(reg, kHKeyLocalMachine, "Software\\" + name + "\\Inner", "Software\\Wow6432Node\\" + name + "\\Inner",
                 "Software\\" + name);
-}
-
-// HKCR\CLSID\{id} of the 32-bit view is HKCR\Wow6432Node\CLSID\{id}.
-inline void CheckClassesViewContract(Registry& reg, const std::string& clsid) {
     CheckViewOf(reg, kHKeyClassesRoot, "CLSID\\" + clsid + "\\InprocServer32",
                 "Wow6432Node\\CLSID\\" + clsid + "\\InprocServer32", "CLSID");
 }
@@ -475,20 +467,19 @@ struct ShortcutFixture {
 };
 
 inline void CheckShortcutContract(ShortcutReader& reader, const ShortcutFixture& f) {
-    const std::string full = f.folder + "\\full.lnk", plain = f.folder + "\\plain.lnk";
-    f.make(full, f.target, "/tray \"x y\" %TEMP%", f.target, -3);
-    f.make(plain, f.target, "", "", 0);
-
-    const auto a = reader.Read(full);
-    ASSERT_TRUE(a.has_value());
-    EXPECT_EQ(a->targetPath, f.target);
-    EXPECT_EQ(a->arguments, "/tray \"x y\" %TEMP%") << "arguments come back as written, quotes and all";
-    EXPECT_EQ(a->iconLocation, f.target + ",-3");
-
-    const auto b = reader.Read(plain);
-    ASSERT_TRUE(b.has_value());
-    EXPECT_EQ(b->arguments, "");
-    EXPECT_EQ(b->iconLocation, ",0") << "no icon of its own";
+    const std::string full = f.folder + "\\full.lnk";
+    // Arguments come back as written, quotes and all; without an icon file, no
+    // icon of its own. Each row: path, arguments, icon file and index, icon read.
+    using Made = std::tuple<std::string, std::string, std::string, int, std::string>;
+    for (const auto& [path, arguments, iconFile, iconIndex, icon] :
+         {Made{full, "/tray \"x y\" %TEMP%", f.target, -3, f.target + ",-3"},
+          Made{f.folder + "\\plain.lnk", "", "", 0, ",0"}}) {
+        f.make(path, f.target, arguments, iconFile, iconIndex);
+        const auto read = reader.Read(path);
+        ASSERT_TRUE(read.has_value()) << path;
+        EXPECT_EQ(std::tuple(read->targetPath, read->arguments, read->iconLocation), std::tuple(f.target, arguments, icon))
+            << path;
+    }
 
     EXPECT_FALSE(reader.Read(f.folder + "\\missing.lnk").has_value());
     ASSERT_EQ(f.files.Write(f.folder + "\\text.lnk", "this is no shortcut\r\n"), kNoError);

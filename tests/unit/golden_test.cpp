@@ -376,8 +376,7 @@ TEST(Golden, TheMachinesFakesKeepTheirContracts) {
     contract::CheckFileSystemContract(m.files, "C:\\fs-contract");
     m.registry.valueOrder = fakes::FakeRegistry::ValueOrder::Sorted;  // as Wine enumerates them
     contract::CheckRegistryContract(m.registry, "Software\\CorvaneTests\\Contract");
-    contract::CheckClassesViewContract(m.registry, "{C1A55E50-0000-4000-8000-00000000C1A5}");
-    contract::CheckRegistryViewContract(m.registry, "CorvaneTestsViews");
+    contract::CheckRegistryViewContract(m.registry, "CorvaneTestsViews", "{C1A55E50-0000-4000-8000-00000000C1A5}");
     EXPECT_EQ(m.registry.OpenHandles(), 0u);
     fakes::FakeProfile profile;
     contract::CheckProfileContract(profile, "C:\\Corvane\\Settings.ini");

@@ -118,8 +118,7 @@ TEST(RealContract, EachAdapterKeepsItsFakesContract) {
 // hash as the host has it.
 TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
     Win32Registry registry;
-    contract::CheckRegistryViewContract(registry, "CorvaneTestsViews");
-    contract::CheckClassesViewContract(registry, "{C1A55E50-0000-4000-8000-00000000C1A5}");
+    contract::CheckRegistryViewContract(registry, "CorvaneTestsViews", "{C1A55E50-0000-4000-8000-00000000C1A5}");
     wine::StartupMachine startup;
     startup.Setup();
     wine::BrowserMachine browser(true);
