@@ -285,15 +285,6 @@ void BrowserListTab::lstv_MouseUp() { ShowMenu(PopupMenuToShow()); }
 
 // ---- the Extensions tab ----
 
-namespace {
-
-ExtensionCommandPorts ExtensionPorts() {
-    AppContext& app = App();
-    return {*app.registry, *app.files, *app.prompts, *app.system, *app.clock, app.appPath};
-}
-
-}  // namespace
-
 void ExtensionListTab::Open() {
     if (!filled_) Fill();
 }
@@ -328,17 +319,17 @@ std::vector<const ExtensionRecord*> ExtensionListTab::CheckedRecords() const {
 }
 
 void ExtensionListTab::cmdDisable_Click() {
-    ExtensionCommandPorts ports = ExtensionPorts();
+    ExtensionCommandPorts ports = CommandPorts();
     if (DisableExtensions(ports, CheckedRecords())) Fill();
 }
 
 void ExtensionListTab::cmdEnable_Click() {
-    ExtensionCommandPorts ports = ExtensionPorts();
+    ExtensionCommandPorts ports = CommandPorts();
     if (EnableExtensions(ports, CheckedRecords())) Fill();
 }
 
 void ExtensionListTab::cmdDelete_Click() {
-    ExtensionCommandPorts ports = ExtensionPorts();
+    ExtensionCommandPorts ports = CommandPorts();
     const Row* selected = list_.Selected();
     if (DeleteExtensionEntry(ports, selected ? RecordOf(*selected) : nullptr)) Fill();
 }

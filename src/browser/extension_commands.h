@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "browser/browser_commands.h"
 #include "browser/browser_extensions.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
@@ -16,14 +17,8 @@
 
 namespace corvane {
 
-struct ExtensionCommandPorts {
-    Registry& registry;
-    FileSystem& files;
-    Prompts& prompts;
-    SystemInfo& system;
-    Clock& clock;
-    std::string appPath;  // the program's folder, no trailing backslash
-};
+// The same ports the browser pane's other commands take.
+using ExtensionCommandPorts = BrowserCommandPorts;
 
 // Disable and Enable of the checked rows; true when the list should be filled anew.
 bool DisableExtensions(ExtensionCommandPorts& ports, const std::vector<const ExtensionRecord*>& checked);
