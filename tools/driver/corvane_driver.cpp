@@ -13,16 +13,14 @@
 //   corvane_driver shortcut LNK TARGET [ARGS]   save a shortcut file (needs no window)
 // Exit 0 on success, 1 when the window is not found.
 #include <windows.h>
-#include <objbase.h>
-#include <shlobj.h>
 #include <commctrl.h>
-#include <shobjidl.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "res/resource.h"
+#include "wine/wine_support.h"
 
 namespace {
 
@@ -40,27 +38,6 @@ void Click(HWND control) {
     PostMessageA(control, WM_LBUTTONUP, 0, MAKELPARAM(4, 4));
 }
 
-// Saves a shortcut through the shell's link object.
-int SaveShortcut(const char* path, const char* target, const char* arguments) {
-    CoInitialize(nullptr);
-    IShellLinkA* link = nullptr;
-    IPersistFile* file = nullptr;
-    bool saved = false;
-    if (SUCCEEDED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
-                                   reinterpret_cast<void**>(&link))) &&
-        SUCCEEDED(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&file)))) {
-        link->SetPath(target);
-        link->SetArguments(arguments);
-        wchar_t wide[MAX_PATH * 2] = {};
-        MultiByteToWideChar(CP_ACP, 0, path, -1, wide, MAX_PATH * 2);
-        saved = SUCCEEDED(file->Save(wide, TRUE));
-    }
-    if (file) file->Release();
-    if (link) link->Release();
-    CoUninitialize();
-    return saved ? 0 : 1;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -69,7 +46,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     if (std::strcmp(argv[1], "shortcut") == 0 && (argc == 4 || argc == 5)) {
-        return SaveShortcut(argv[2], argv[3], argc == 5 ? argv[4] : "");
+        return corvane::wine::MakeShortcut(argv[2], argv[3], argc == 5 ? argv[4] : "") ? 0 : 1;
     }
     HWND main = FindMain(20000);
     if (!main) {
