@@ -31,40 +31,6 @@ constexpr int32_t kStartBoot = 0, kStartSystem = 1, kStartAutomatic = 2;
 // Task folders are walked no deeper than this; a junction loop ends here.
 constexpr int kDeepestTaskFolder = 8;
 
-struct PlaceName {
-    const char* code;
-    const char* caption;
-};
-constexpr std::array<PlaceName, 27> kPlaceNames = {{
-    {kLocRunOnceLM, "Local Machine RunOnce Key"},
-    {kLocRunOnceLM32, "Local Machine RunOnce Key (32-bit View)"},
-    {kLocRunOnceCU, "Current User RunOnce Key"},
-    {kLocRunOnceExLM, "Local Machine RunOnceEx Key"},
-    {kLocRunOnceExLM32, "Local Machine RunOnceEx Key (32-bit View)"},
-    {kLocRunOnceExCU, "Current User RunOnceEx Key"},
-    {kLocPolicyRunLM, "Local Machine Policies Run Key"},
-    {kLocPolicyRunLM32, "Local Machine Policies Run Key (32-bit View)"},
-    {kLocPolicyRunCU, "Current User Policies Run Key"},
-    {kLocWinlogonShell, "Winlogon Shell Value"},
-    {kLocWinlogonUserinit, "Winlogon Userinit Value"},
-    {kLocWinlogonTaskman, "Winlogon Taskman Value"},
-    {kLocActiveSetup, "Active Setup StubPath"},
-    {kLocActiveSetup32, "Active Setup StubPath (32-bit View)"},
-    {kLocAppInit, "AppInit_DLLs Value"},
-    {kLocAppInit32, "AppInit_DLLs Value (32-bit View)"},
-    {kLocDebugger, "Image File Execution Options Debugger"},
-    {kLocDebugger32, "Image File Execution Options Debugger (32-bit View)"},
-    {kLocTask, "Scheduled Task"},
-    {kLocService, "Automatic Service"},
-    {kLocServiceDll, "Automatic Service in a Shared Host"},
-    {kLocDriver, "Automatic Driver"},
-    {kLocMsconfigReg, "Run Key Item Disabled by System Configuration"},
-    {kLocMsconfigFolder, "Startup Folder Item Disabled by System Configuration"},
-    {kLocMessagingLM, "Local Machine Browser Native Messaging Host"},
-    {kLocMessagingLM32, "Local Machine Browser Native Messaging Host (32-bit View)"},
-    {kLocMessagingCU, "Current User Browser Native Messaging Host"},
-}};
-
 // Where each browser looks up the programs its extensions may start.
 struct MessagingPlace {
     const char* browser;
@@ -75,46 +41,6 @@ constexpr MessagingPlace kMessagingPlaces[] = {
     {"Edge", "Software\\Microsoft\\Edge\\NativeMessagingHosts"},
     {"Firefox", "Software\\Mozilla\\NativeMessagingHosts"},
 };
-
-char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-
-bool StartsNoCase(const std::string& text, std::string_view prefix) {
-    if (text.size() < prefix.size()) return false;
-    for (size_t i = 0; i < prefix.size(); ++i) {
-        if (LowerAscii(text[i]) != LowerAscii(prefix[i])) return false;
-    }
-    return true;
-}
-
-std::string Trim(const std::string& text) {
-    size_t begin = 0, end = text.size();
-    while (begin < end && (text[begin] == ' ' || text[begin] == '\t')) ++begin;
-    while (end > begin && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
-    return text.substr(begin, end - begin);
-}
-
-// The end of the first program extension that ends a word: behind it come
-// the text's end, a blank, a comma or a quote. 0 when there is none.
-size_t ProgramEnd(const std::string& text) {
-    static constexpr std::string_view kExtensions[] = {".exe", ".dll", ".sys", ".com", ".bat",
-                                                       ".cmd", ".scr", ".cpl", ".ocx"};
-    for (size_t i = 0; i + 4 <= text.size(); ++i) {
-        if (text[i] != '.') continue;
-        for (const std::string_view extension : kExtensions) {
-            if (!StartsNoCase(text.substr(i, 4), extension)) continue;
-            const size_t end = i + 4;
-            if (end == text.size() || text[end] == ' ' || text[end] == ',' || text[end] == '"' || text[end] == '\t') {
-                return end;
-            }
-        }
-    }
-    return 0;
-}
-
-bool HasExtension(const std::string& name) {
-    const size_t dot = name.rfind('.');
-    return dot != std::string::npos && dot + 1 < name.size();
-}
 
 RegValueList ValuesAt(Registry& registry, RegKey hive, const std::string& path, uint32_t view) {
     RegKey key = 0;
@@ -233,7 +159,7 @@ private:
         std::vector<Found> found;
         for (const RegValueEntry& entry : ValuesAt(sources_.registry, hive, key, view)) {
             const std::string command = TextOf(entry);
-            if (!Trim(command).empty()) found.push_back({entry.name, command, command});
+            if (!TrimBlanks(command).empty()) found.push_back({entry.name, command, command});
         }
         return found;
     }
@@ -246,11 +172,11 @@ private:
             const std::string path = std::string(kRunOnceExKey) + "\\" + section;
             for (const RegValueEntry& entry : ValuesAt(sources_.registry, hive, path, view)) {
                 const std::string command = TextOf(entry);
-                if (entry.name.empty() || Trim(command).empty()) continue;
+                if (entry.name.empty() || TrimBlanks(command).empty()) continue;
                 std::string program = command;
                 if (const size_t bar = command.find('|'); bar != std::string::npos) {
                     program = command.substr(0, bar);
-                    if (Trim(program).empty()) {
+                    if (TrimBlanks(program).empty()) {
                         const size_t second = command.find('|', bar + 1);
                         program = second == std::string::npos ? std::string() : command.substr(second + 1);
                     }
@@ -263,7 +189,7 @@ private:
 
     void Winlogon() {
         const RegValueList values = ValuesAt(sources_.registry, kHKeyLocalMachine, kWinlogonKey, kKeyWow64_64Key);
-        if (const std::string shell = ValueText(values, "Shell"); !Trim(shell).empty()) {
+        if (const std::string shell = ValueText(values, "Shell"); !TrimBlanks(shell).empty()) {
             Row("Shell", shell, kLocWinlogonShell);
         }
         // Userinit is a list: each program it names, up to a comma, runs.
@@ -271,13 +197,13 @@ private:
         size_t begin = 0;
         while (begin <= userinit.size()) {
             const size_t comma = userinit.find(',', begin);
-            const std::string part = Trim(userinit.substr(begin, comma == std::string::npos ? std::string::npos
+            const std::string part = TrimBlanks(userinit.substr(begin, comma == std::string::npos ? std::string::npos
                                                                                            : comma - begin));
             if (!part.empty()) Row("Userinit", part, kLocWinlogonUserinit);
             if (comma == std::string::npos) break;
             begin = comma + 1;
         }
-        if (const std::string taskman = ValueText(values, "Taskman"); !Trim(taskman).empty()) {
+        if (const std::string taskman = ValueText(values, "Taskman"); !TrimBlanks(taskman).empty()) {
             Row("Taskman", taskman, kLocWinlogonTaskman);
         }
     }
@@ -288,9 +214,9 @@ private:
             const RegValueList values =
                 ValuesAt(sources_.registry, hive, std::string(kActiveSetupKey) + "\\" + component, view);
             const std::string stub = ValueText(values, "StubPath");
-            if (Trim(stub).empty()) continue;
+            if (TrimBlanks(stub).empty()) continue;
             const std::string title = ValueText(values, "");
-            found.push_back({Trim(title).empty() ? component : title, stub, stub});
+            found.push_back({TrimBlanks(title).empty() ? component : title, stub, stub});
         }
         return found;
     }
@@ -316,7 +242,7 @@ private:
         for (const std::string& program : SubkeysAt(sources_.registry, hive, kDebuggerKey, view)) {
             const std::string debugger = ValueText(
                 ValuesAt(sources_.registry, hive, std::string(kDebuggerKey) + "\\" + program, view), "Debugger");
-            if (!Trim(debugger).empty()) found.push_back({program, debugger, debugger});
+            if (!TrimBlanks(debugger).empty()) found.push_back({program, debugger, debugger});
         }
         return found;
     }
@@ -368,14 +294,14 @@ private:
             if (service && (*type & kSharedProcess)) {
                 const std::string dll =
                     ValueText(ValuesAt(registry, kHKeyLocalMachine, key + "\\Parameters", 0), "ServiceDll");
-                if (!Trim(dll).empty()) {
+                if (!TrimBlanks(dll).empty()) {
                     Row(name, dll, kLocServiceDll, true, ProgramFile(dll));
                     continue;
                 }
             }
             std::string file = ProgramFile(imagePath);
             // A driver without an ImagePath is loaded from the drivers folder by its name.
-            if (driver && Trim(imagePath).empty()) file = systemRoot_ + "\\System32\\drivers\\" + name + ".sys";
+            if (driver && TrimBlanks(imagePath).empty()) file = systemRoot_ + "\\System32\\drivers\\" + name + ".sys";
             Row(name, imagePath, driver ? kLocDriver : kLocService, true, file);
         }
     }
@@ -393,7 +319,7 @@ private:
             const RegValueList values = ValuesAt(sources_.registry, kHKeyLocalMachine, root + "\\" + item,
                                                  kKeyWow64_64Key);
             const std::string name = ValueText(values, "item");
-            Row(Trim(name).empty() ? item : name, ValueText(values, "command"), location, false);
+            Row(TrimBlanks(name).empty() ? item : name, ValueText(values, "command"), location, false);
         }
     }
 
@@ -405,7 +331,7 @@ private:
             for (const std::string& name : SubkeysAt(sources_.registry, hive, place.key, view)) {
                 const std::string manifest =
                     ValueText(ValuesAt(sources_.registry, hive, std::string(place.key) + "\\" + name, view), "");
-                if (Trim(manifest).empty()) continue;
+                if (TrimBlanks(manifest).empty()) continue;
                 const auto document = ReadJsonFile(sources_.files, manifest);
                 std::string program =
                     document ? sources_.ansi.AnsiOfUtf8(document->Root()["path"].String().value_or("")) : "";
@@ -426,74 +352,14 @@ private:
 
 }  // namespace
 
-bool IsOtherPlace(const std::string& location) {
-    for (const PlaceName& place : kPlaceNames) {
-        if (location == place.code) return true;
-    }
-    return false;
-}
-
-std::string OtherPlaceCaption(const std::string& code) {
-    for (const PlaceName& place : kPlaceNames) {
-        if (code == place.code) return place.caption;
-    }
-    return "";
-}
-
 std::string OtherPlaceNotDeleted(const std::string& name, const std::string& location) {
-    return "\"" + name + "\" (" + OtherPlaceCaption(location) +
+    return "\"" + name + "\" (" + LocationCaption(location) +
            ") is shown for information only and is not deleted from here.\r\n\r\n"
            "Nothing was changed.";
 }
 
-std::string ResolveProgram(const std::string& text, const std::string& systemRoot,
-                           const std::function<bool(const std::string&)>& exists) {
-    std::string path = Trim(text);
-    if (!path.empty() && path[0] == '"') {
-        const size_t close = path.find('"', 1);
-        path = path.substr(1, close == std::string::npos ? std::string::npos : close - 1);
-    }
-    if (StartsNoCase(path, "\\??\\") || StartsNoCase(path, "\\\\?\\")) path = path.substr(4);
-    if (StartsNoCase(path, "\\SystemRoot\\")) {
-        path = systemRoot + path.substr(11);
-    } else if (StartsNoCase(path, "SystemRoot\\")) {
-        path = systemRoot + "\\" + path.substr(11);
-    } else if (StartsNoCase(path, "system32\\")) {
-        path = systemRoot + "\\" + path;
-    }
-    // Arguments: behind the program's extension, else behind the first
-    // blank unless the whole text is a file.
-    if (const size_t end = ProgramEnd(path); end != 0) {
-        path.resize(end);
-    } else if (const size_t blank = path.find(' '); blank != std::string::npos && !exists(path)) {
-        path.resize(blank);
-    }
-    if (path.empty() || path.find('\\') != std::string::npos || path.find(':') != std::string::npos) return path;
-    // A bare program name, looked for where the system looks first.
-    const std::string name = HasExtension(path) ? path : path + ".exe";
-    for (const std::string& candidate : {systemRoot + "\\System32\\" + name, systemRoot + "\\" + name}) {
-        if (exists(candidate)) return candidate;
-    }
-    return path;
-}
-
-std::string ResolveImagePath(const std::string& imagePath, const std::string& systemRoot) {
-    return ResolveProgram(imagePath, systemRoot, [](const std::string&) { return false; });
-}
-
 void LoadOtherPlaces(StartupSources& sources, const StartupPlaces& places, StartupList& list) {
     Collector(sources, places, list).All();
-}
-
-StartupList CollectStartupNode(StartupSources& sources, const StartupPlaces& places, const std::string& nodeKey) {
-    if (nodeKey != kOtherPlacesKey) return CollectStartupItems(sources, places, nodeKey);
-    StartupList list;
-    LoadOtherPlaces(sources, places, list);
-    return list;
-}
-
-std::string StartupNodeCaption(const std::string& nodeKey) {
-    return nodeKey == kOtherPlacesKey ? kOtherPlacesCaption : SelectionCaption(nodeKey);
 }
 
 }  // namespace corvane

@@ -6,7 +6,7 @@
 
 #include "foundations/file_facts_cache.h"
 #include "res/resource.h"
-#include "startup/other_places.h"
+#include "startup/startup_nodes.h"
 #include "startup/startup_report.h"
 #include "ui/app_context.h"
 #include "ui/list_commands.h"

@@ -35,7 +35,7 @@
 #include "processes/process_report.h"
 #include "processes/reference_lists.h"
 #include "shell/report_cli.h"
-#include "startup/other_places.h"
+#include "startup/startup_nodes.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_items.h"
 #include "startup/startup_report.h"
