@@ -9,7 +9,7 @@
 #include "foundations/registry.h"
 #include "foundations/report_banner.h"
 #include "foundations/app_identity.h"
-#include "startup/other_places.h"
+#include "startup/other_place_table.h"
 #include "foundations/registry_view.h"
 #include "startup/run_key_store.h"
 #include "foundations/store_check.h"

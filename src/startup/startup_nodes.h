@@ -3,7 +3,7 @@
 // Other Places, each giving its rows and its frame caption.
 #include <string>
 
-#include "startup/other_places.h"
+#include "startup/other_place_table.h"
 #include "startup/startup_items.h"
 
 namespace corvane {
