@@ -240,7 +240,7 @@ void TasksIn(const PlaceReader& r, std::vector<PlaceItem>& found, const std::str
             if (program.find('%') != std::string::npos) program = ExpandEnvString(sources.environment, program);
             found.push_back({name, command, program,
                              ResolveProgram(program, r.systemRoot, [&r](const std::string& p) { return r.Exists(p); }),
-                             nullptr, true, "", ""});
+                             nullptr, task.enabled, "", ""});
         }
     }
 }
@@ -271,7 +271,9 @@ std::vector<PlaceItem> ReadServices(const PlaceReader& r, const PlaceSpec&, RegK
         if (!automatic) continue;
         const std::string imagePath = ValueText(values, "ImagePath");
         if (service && (*type & kSharedProcess)) {
-            const std::string dll = ValueText(r.Values(kHKeyLocalMachine, key + "\\Parameters", 0), "ServiceDll");
+            // The host looks in Parameters first, then in the service's own key.
+            std::string dll = ValueText(r.Values(kHKeyLocalMachine, key + "\\Parameters", 0), "ServiceDll");
+            if (TrimBlanks(dll).empty()) dll = ValueText(values, "ServiceDll");
             if (!TrimBlanks(dll).empty()) {
                 found.push_back({name, dll, dll, r.ProgramFile(dll), kLocServiceDll, true, key, ""});
                 continue;
