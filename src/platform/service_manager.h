@@ -34,4 +34,13 @@ public:
     virtual SysError SetStart(const std::string& name, uint32_t start) = 0;
 };
 
+// A manager that refuses every call (ERROR_CALL_NOT_IMPLEMENTED).
+inline ServiceManager& NoServiceManager() {
+    static struct : ServiceManager {
+        SysError Query(const std::string&, ServiceConfig&) override { return 120; }
+        SysError SetStart(const std::string&, uint32_t) override { return 120; }
+    } none;
+    return none;
+}
+
 }  // namespace corvane

@@ -19,4 +19,13 @@ public:
     virtual SysError SetEnabled(const std::string& path, bool enabled) = 0;
 };
 
+// A service that refuses every call (ERROR_CALL_NOT_IMPLEMENTED).
+inline TaskService& NoTaskService() {
+    static struct : TaskService {
+        SysError Enabled(const std::string&, bool&) override { return 120; }
+        SysError SetEnabled(const std::string&, bool) override { return 120; }
+    } none;
+    return none;
+}
+
 }  // namespace corvane

@@ -1,5 +1,7 @@
 #include "startup/other_place_table.h"
 
+#include "startup/service_places.h"
+
 namespace corvane {
 
 namespace {
@@ -29,8 +31,10 @@ const std::vector<OtherPlace>& OtherPlaceTable() {
         {{kLocActiveSetup, kLocActiveSetup32, nullptr, k64, kActiveSetupKey, "", ReadActiveSetup}, nullptr, nullptr, nullptr, true},
         {{kLocAppInit, kLocAppInit32, nullptr, k64, kWindowsKey, "AppInit_DLLs", ReadListValue}, nullptr, nullptr, nullptr, true},
         {{kLocDebugger, kLocDebugger32, nullptr, k64, kDebuggerKey, "", ReadDebuggers}, nullptr, nullptr, nullptr, true},
-        {{kLocTask, nullptr, nullptr, 0, "", "", ReadTasks}, nullptr, nullptr, nullptr, true},
-        {{kLocService, nullptr, nullptr, 0, kServicesKey, "", ReadServices}, nullptr, nullptr, nullptr, true},
+        {{kLocTask, nullptr, nullptr, 0, "", "", ReadTasks}, DisableTask, EnableTask, nullptr, true},
+        {{kLocService, nullptr, nullptr, 0, kServicesKey, "", ReadServices}, DisableService, EnableService, nullptr, true},
+        {{kLocServiceDll, nullptr, nullptr, 0, kServicesKey, "", ReadServices}, DisableService, EnableService, nullptr, true},
+        {{kLocDriver, nullptr, nullptr, 0, kServicesKey, "", ReadServices}, DisableService, EnableService, nullptr, true},
         {{kLocMsconfigReg, nullptr, nullptr, k64, kMsconfigRegKey, "", ReadMsconfig}, nullptr, nullptr, nullptr, true},
         {{kLocMsconfigFolder, nullptr, nullptr, k64, kMsconfigFolderKey, "", ReadMsconfig}, nullptr, nullptr, nullptr, true},
         {{kLocMessagingLM, kLocMessagingLM32, kLocMessagingCU, k64, "", "", ReadMessagingHosts}, nullptr, nullptr, nullptr, true},

@@ -21,6 +21,7 @@ struct PlaceCommandContext {
     std::string location;  // the row's Location code
     RegKey hive;           // and the hive and view that code reads
     uint32_t view;
+    const char* procedure;  // "cmdDisable" and the others, as the program's errors name them
 };
 // False when the command has to stop (the user said no, or a failure).
 using PlaceCommand = bool (*)(PlaceCommandContext&);

@@ -4,20 +4,10 @@
 
 #include "foundations/functions.h"
 #include "foundations/json.h"
-#include "startup/task_file.h"
 
 namespace corvane {
 
 namespace {
-
-// Service types and start values, as the service control manager keeps them.
-constexpr int32_t kDriverTypes = 0x0F;   // kernel, file system, adapter, recognizer
-constexpr int32_t kServiceTypes = 0x30;  // own process, shared process
-constexpr int32_t kSharedProcess = 0x20;
-constexpr int32_t kStartBoot = 0, kStartSystem = 1, kStartAutomatic = 2;
-
-// Task folders are walked no deeper than this; a junction loop ends here.
-constexpr int kDeepestTaskFolder = 8;
 
 // Where each browser looks up the programs its extensions may start.
 struct MessagingPlace {
@@ -61,13 +51,6 @@ std::string TextOf(const RegValueEntry& entry) { return TrimAtNull(entry.Text())
 std::string ValueText(const RegValueList& values, std::string_view name) {
     const RegValueEntry* entry = values.Find(name);
     return entry ? TextOf(*entry) : std::string();
-}
-
-// A number value; nothing when it is missing or not a number.
-std::optional<int32_t> NumberOf(const RegValueList& values, std::string_view name) {
-    const RegValueEntry* entry = values.Find(name);
-    if (!entry || entry->typeCode != kTypeCodeNumber) return std::nullopt;
-    return std::get<int32_t>(entry->data);
 }
 
 std::string Below(const char* key, const std::string& name) { return std::string(key) + "\\" + name; }
@@ -209,80 +192,6 @@ std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceSpec& spec
         const std::string path = Below(spec.key, program);
         const std::string debugger = ValueText(r.Values(hive, path, view), "Debugger");
         if (!TrimBlanks(debugger).empty()) found.push_back({program, debugger, debugger, {}, nullptr, true, path, "Debugger"});
-    }
-    return found;
-}
-
-namespace {
-
-// The task files of a folder and its subfolders; a task's name is its
-// path below the Tasks folder, as the Task Scheduler shows it.
-void TasksIn(const PlaceReader& r, std::vector<PlaceItem>& found, const std::string& folder, const std::string& prefix,
-             int depth) {
-    StartupSources& sources = r.sources;
-    for (const FolderEntry& entry : sources.files.List(folder, "*")) {
-        const std::string path = folder + "\\" + entry.name;
-        const std::string name = prefix + "\\" + entry.name;
-        if (entry.isFolder) {
-            if (depth < kDeepestTaskFolder) TasksIn(r, found, path, name, depth + 1);
-            continue;
-        }
-        const std::optional<std::string> bytes = sources.files.Read(path);
-        const TaskFile task = bytes ? ReadTaskFile(*bytes, sources.ansi) : TaskFile{};
-        if (!task.wellFormed) {
-            // The task is there, but what it runs cannot be read.
-            found.push_back({name, "", "", std::string(), nullptr, true, "", ""});
-            continue;
-        }
-        for (const TaskExec& exec : task.execs) {
-            const std::string command = exec.arguments.empty() ? exec.command : exec.command + " " + exec.arguments;
-            std::string program = exec.command;
-            if (program.find('%') != std::string::npos) program = ExpandEnvString(sources.environment, program);
-            found.push_back({name, command, program,
-                             ResolveProgram(program, r.systemRoot, [&r](const std::string& p) { return r.Exists(p); }),
-                             nullptr, task.enabled, "", ""});
-        }
-    }
-}
-
-}  // namespace
-
-std::vector<PlaceItem> ReadTasks(const PlaceReader& r, const PlaceSpec&, RegKey, uint32_t) {
-    std::vector<PlaceItem> found;
-    TasksIn(r, found, r.systemRoot + "\\System32\\Tasks", "", 0);
-    return found;
-}
-
-// The services and drivers that start without being asked: a driver
-// with Start 0 (boot), 1 (system) or 2 (automatic), a service with
-// Start 2. A service in a shared host shows the DLL it runs there.
-std::vector<PlaceItem> ReadServices(const PlaceReader& r, const PlaceSpec&, RegKey, uint32_t) {
-    std::vector<PlaceItem> found;
-    for (const std::string& name : r.Subkeys(kHKeyLocalMachine, kServicesKey, 0)) {
-        const std::string key = Below(kServicesKey, name);
-        const RegValueList values = r.Values(kHKeyLocalMachine, key, 0);
-        const std::optional<int32_t> type = NumberOf(values, "Type");
-        const std::optional<int32_t> start = NumberOf(values, "Start");
-        if (!type || !start) continue;
-        const bool driver = (*type & kDriverTypes) != 0;
-        const bool service = !driver && (*type & kServiceTypes) != 0;
-        const bool automatic = driver ? (*start == kStartBoot || *start == kStartSystem || *start == kStartAutomatic)
-                                      : service && *start == kStartAutomatic;
-        if (!automatic) continue;
-        const std::string imagePath = ValueText(values, "ImagePath");
-        if (service && (*type & kSharedProcess)) {
-            // The host looks in Parameters first, then in the service's own key.
-            std::string dll = ValueText(r.Values(kHKeyLocalMachine, key + "\\Parameters", 0), "ServiceDll");
-            if (TrimBlanks(dll).empty()) dll = ValueText(values, "ServiceDll");
-            if (!TrimBlanks(dll).empty()) {
-                found.push_back({name, dll, dll, r.ProgramFile(dll), kLocServiceDll, true, key, ""});
-                continue;
-            }
-        }
-        std::string file = r.ProgramFile(imagePath);
-        // A driver without an ImagePath is loaded from the drivers folder by its name.
-        if (driver && TrimBlanks(imagePath).empty()) file = r.systemRoot + "\\System32\\drivers\\" + name + ".sys";
-        found.push_back({name, imagePath, imagePath, file, driver ? kLocDriver : kLocService, true, key, ""});
     }
     return found;
 }

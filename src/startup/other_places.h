@@ -86,8 +86,6 @@ std::vector<PlaceItem> ReadListValue(const PlaceReader& r, const PlaceSpec& spec
 std::vector<PlaceItem> ReadWholeValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
 std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
 std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadTasks(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadServices(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
 std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
 std::vector<PlaceItem> ReadMessagingHosts(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
 

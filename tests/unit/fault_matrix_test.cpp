@@ -75,7 +75,7 @@ std::string ShortcutFolder(const std::string& location, bool stored) {
 struct World : fakes::Machine {
     fakes::FakeProgramRunner runner;
     StartupSources startup{registry, files, facts, clock, environment, shortcuts};
-    CommandPorts startupPorts{registry, files, prompts, system};
+    CommandPorts startupPorts{registry, files, prompts, system, clock, startup, services, tasks};
     BrowserCommandPorts browser{registry, files, prompts, system, clock, kApp};
     ExtensionCommandPorts extensions{registry, files, prompts, system, clock, kApp};
     ApplicationCommandPorts apps{registry, files, prompts, system, clock, kApp};

@@ -380,6 +380,7 @@ TEST(Golden, TheMachinesFakesKeepTheirContracts) {
     EXPECT_EQ(m.registry.OpenHandles(), 0u);
     fakes::FakeProfile profile;
     contract::CheckProfileContract(profile, "C:\\Corvane\\Settings.ini");
+    contract::CheckServiceContract(m.services, m.tasks, m.registry, {{"OwnSvc", 0x10, 2}, {"BootDrv", 1, 0}}, "\\Daily");
 }
 
 #ifdef CORVANE_DATA_DIR

@@ -30,6 +30,7 @@
 #include "platform/win32/file_hasher_win32.h"
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/program_runner_win32.h"
+#include "platform/win32/services_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "wine/machines.h"
 
@@ -75,6 +76,27 @@ Row TwoCells(size_t columns, const std::string& first, const std::string& second
     return row;
 }
 
+// A service of the test's own, made through the manager: one only written
+// into the registry is unknown to a running manager until the next boot.
+bool MakeService(const std::string& name, DWORD type, DWORD start) {
+    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CREATE_SERVICE);
+    const std::string program = wine::TestFolder() + (type & SERVICE_DRIVER ? "\\corvane-test.sys" : "\\fixture_bare.exe");
+    SC_HANDLE service = CreateServiceA(manager, name.c_str(), name.c_str(), SERVICE_ALL_ACCESS, type, start,
+                                       SERVICE_ERROR_NORMAL, program.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr);
+    CloseServiceHandle(service);
+    CloseServiceHandle(manager);
+    return service != nullptr || GetLastError() == ERROR_SERVICE_EXISTS;
+}
+
+// An enabled task of the test's own, registered by the system's schtasks.
+bool MakeTask(const std::string& name) {
+    const std::string xml = wine::FreshFolder("task-xml") + "\\" + name + ".xml";
+    return Win32FileSystem().Write(xml, "<?xml version=\"1.0\"?>\r\n<Task version=\"1.2\" xmlns=\"http://schemas.microsoft.com/"
+                                        "windows/2004/02/mit/task\"><Settings><Enabled>true</Enabled></Settings><Actions>"
+                                        "<Exec><Command>C:\\windows\\notepad.exe</Command></Exec></Actions></Task>") == kNoError &&
+           wine::Run("schtasks.exe /create /tn " + name + " /xml \"" + xml + "\"") == 0;
+}
+
 // ---- RealContract: the adapters keep the contracts the fakes keep ----
 
 // Keys and folders of the test's own; the file facts are read a second and
@@ -107,6 +129,14 @@ TEST(RealContract, EachAdapterKeepsItsFakesContract) {
     fixture.Release();  // our own handle would keep the ended process in the table
     Win32ProcessTable table;
     contract::CheckProcessTableContract(table, fixture.id(), fixture.path(), 0x7FFFFFF0);
+
+    const std::vector<contract::ServiceFixture> made = {{"CorvaneTestSvc", SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START},
+                                                        {"CorvaneTestDrv", SERVICE_KERNEL_DRIVER, SERVICE_SYSTEM_START}};
+    for (const auto& service : made) ASSERT_TRUE(MakeService(service.name, service.type, service.start)) << service.name;
+    ASSERT_TRUE(MakeTask("CorvaneTestTask"));
+    Win32ServiceManager services;
+    Win32TaskService tasks;
+    contract::CheckServiceContract(services, tasks, l.registry, made, "\\CorvaneTestTask");
 }
 
 // ---- RealViews: both registry views, and the console report's texts ----
