@@ -254,7 +254,8 @@ bool EnableService(PlaceCommandContext& c) {
     if (!store) return false;
     const auto stored = Stored(c, *store);
     const RegFileValue* start = nullptr;
-    for (const RegFileValue& value : stored == store->items.end() ? std::vector<RegFileValue>{} : stored->front().values) {
+    for (size_t i = 0; stored != store->items.end() && i < stored->front().values.size(); ++i) {
+        const RegFileValue& value = stored->front().values[i];
         if (SameRegName(value.name, "Start") && value.type == kRegDword && value.data.size() == 4) start = &value;
     }
     if (!start) {

@@ -61,10 +61,13 @@ public:
         enabled = ReadTaskFile(*bytes).enabled;
         return kNoError;
     }
+    // As Wine 8's service does: it takes every change and keeps none.
+    bool keepsNothing = false;
     // The service writes the task file anew in UTF-16, its switch set.
     SysError SetEnabled(const std::string& path, bool enabled) override {
         const std::string file = folder_ + path;
         if ((files_.failIf && files_.failIf("TaskSetEnabled", file)) || files_.CountChange()) return files_.failError;
+        if (keepsNothing) return kNoError;
         const auto bytes = files_.Content(file);
         if (!bytes) return 2;
         std::u16string text = TaskFileText(*bytes);

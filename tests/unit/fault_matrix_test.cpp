@@ -31,6 +31,7 @@
 #include "processes/reference_lists.h"
 #include "shell/report_cli.h"
 #include "startup/run_key_store.h"
+#include "startup/service_places.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
 #include "support/golden.h"
@@ -281,6 +282,27 @@ std::vector<Item> Items() {
     // What other programs queued for the next start.
     items.push_back({"queued at reboot", {[](World& w) { return Some(w.files.Content(kWinInit).value_or("").substr(0, kQueued.size())); }}});
     items.push_back({"last report", {FileAt(kReport)}});
+    // A service's start type: in the service while it is not disabled, else in a store of the other places.
+    for (const std::string service : {"CorvaneSvc", "CorvaneDrv"}) {
+        items.push_back({service, {[service](World& w) {
+                                       ServiceConfig config;
+                                       const bool on = !w.services.Query(service, config) && config.start != kServiceDisabled;
+                                       return Some(on ? std::to_string(config.start) : "");
+                                   },
+                                   [service](World& w) {
+                                       std::vector<std::string> kept;
+                                       for (const std::string& path : w.files.Paths()) {
+                                           const auto file = ParseRegFile(w.files.Content(path).value_or(""));
+                                           for (const RegFileKey& key : file ? file->keys : std::vector<RegFileKey>{}) {
+                                               if (!key.path.ends_with("\\" + service)) continue;
+                                               for (const RegFileValue& v : key.values) {
+                                                   if (v.name == "Start") kept.push_back(std::to_string(uint8_t(v.data[0])));
+                                               }
+                                           }
+                                       }
+                                       return kept;
+                                   }}});
+    }
     return items;
 }
 
@@ -431,6 +453,31 @@ std::vector<Command> Commands() {
                     },
                     "last report"});
     rows.back().whole = kReport;
+    // Services and tasks, turned off and on again; a driver Windows loads while it starts is refused.
+    const auto place = [](PlaceCommand OtherPlace::*command, std::string name, const char* location, std::string file) {
+        return [=](World& w) {
+            w.Collect();
+            RegKey hive = 0;
+            uint32_t view = 0;
+            const OtherPlace& entry = *FindOtherPlace(location, &hive, &view);
+            StartupRow row(kStartupColumns.size());
+            row.cells[kStartupColName] = name, row.cells[kStartupColLocation] = location;
+            row.cells[kStartupColPath] = file.substr(0, file.rfind('\\') + 1), row.cells[kStartupColFileName] = file.substr(file.rfind('\\') + 1);
+            PlaceCommandContext context{w.startupPorts, w.places, entry, row, location, hive, view, "cmdDisable"};
+            (entry.*command)(context);
+        };
+    };
+    for (const auto& [name, location, file] : {std::tuple{"CorvaneSvc", kLocServiceDll, "C:\\Apps\\svc.dll"},
+                                               {"CorvaneDrv", kLocDriver, "C:\\Apps\\drv.sys"},
+                                               {"\\Corvane\\Nightly", kLocTask, "C:\\Windows\\System32\\Tool.exe"}}) {
+        const auto disable = place(&OtherPlace::disable, name, location, file);
+        const bool machine = location != kLocTask;  // the fake task service keeps its tasks as files
+        rows.push_back({"disable "s + name, nothing, disable, "", "", machine});
+        if (location == kLocTask) {
+            rows.push_back({"disable "s + name + " kept by no service", [](World& w) { w.tasks.keepsNothing = true; }, disable});
+        }
+        if (location != kLocDriver) rows.push_back({"enable "s + name, disable, place(&OtherPlace::enable, name, location, file), "", "", machine});
+    }
     for (const char* own : {"safe list add", "safe list remove", "delete on reboot, Windows 9x", "console report"}) {
         for (Command& row : rows) row.onlyCopy |= row.name == own;
     }
