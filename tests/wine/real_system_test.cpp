@@ -24,6 +24,7 @@
 #include "foundations/reg_backup.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
+#include "startup/service_places.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
@@ -299,6 +300,45 @@ TEST(RealBackups, EnableAfterDisableLeavesTheBlocklistAsItWas) {
     EXPECT_EQ(RegExport("HKLM\\" + key), before);
     EXPECT_EQ(l.prompts.shown.size(), 1u) << "the question only";
     SHDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
+}
+
+// Disable then Enable of a service, a driver and a task of the test's own
+// leave them as the service manager and the task service gave them before;
+// in between, the service manager gives them disabled, and so does the task
+// service (Wine's keeps a task re-registered with the change, not a put_Enabled).
+TEST(RealBackups, DisableThenEnableLeavesServicesAndTasksAsTheyWere) {
+    ASSERT_TRUE(MakeService("CorvaneTestOff", SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START));
+    ASSERT_TRUE(MakeService("CorvaneTestOffDrv", SERVICE_KERNEL_DRIVER, SERVICE_AUTO_START));
+    ASSERT_TRUE(MakeTask("CorvaneTestOff"));
+    Live l;
+    Win32Environment environment;
+    Win32Shortcuts shortcuts;
+    Win32ServiceManager services;
+    Win32TaskService tasks;
+    StartupSources sources{l.registry, l.files, l.facts, l.clock, environment, shortcuts};
+    CommandPorts ports{l.registry, l.files, l.prompts, l.system, l.clock, sources, services, tasks};
+    const StartupPlaces places = LoadStartupPlaces(sources, l.app);
+    const auto state = [&](const std::string& name, const char* location) {
+        ServiceConfig config;
+        bool on = false;
+        if (location == kLocTask) return tasks.Enabled(name, on) ? "error"s : on ? "on"s : "off"s;
+        return services.Query(name, config) ? "error"s : std::to_string(config.start);
+    };
+    for (const auto& [name, location, off] : {std::tuple{"CorvaneTestOff", kLocService, "4"}, {"CorvaneTestOffDrv", kLocDriver, "4"},
+                                              {"\\CorvaneTestOff", kLocTask, "off"}}) {
+        const std::string before = state(name, location);
+        for (const auto& [command, expected] : {std::pair{&OtherPlace::disable, std::string(off)}, {&OtherPlace::enable, before}}) {
+            RegKey hive = 0;
+            uint32_t view = 0;
+            const OtherPlace& place = *FindOtherPlace(location, &hive, &view);
+            StartupRow row(kStartupColumns.size());
+            row.cells[kStartupColName] = name, row.cells[kStartupColLocation] = location;
+            PlaceCommandContext context{ports, places, place, row, location, hive, view, "cmdDisable"};
+            EXPECT_TRUE((place.*command)(context)) << name;
+            EXPECT_EQ(state(name, location), expected) << name;
+        }
+    }
+    EXPECT_TRUE(l.prompts.shown.empty());
 }
 
 // ---- RealSystem: an uninstaller's child, and older Windows ----
