@@ -21,6 +21,7 @@ struct PlaceCommandContext {
     std::string location;  // the row's Location code
     RegKey hive;           // and the hive and view that code reads
     uint32_t view;
+    const char* procedure;  // "cmdDisable" and the others, as the program's errors name them
 };
 // False when the command has to stop (the user said no, or a failure).
 using PlaceCommand = bool (*)(PlaceCommandContext&);
@@ -41,9 +42,6 @@ const OtherPlace* FindOtherPlace(const std::string& location, RegKey* hive = nul
 // other entries than the 64-bit one: the system keeps some keys once for
 // both), then the user's; behind each the items a command of ours took away.
 void LoadOtherPlaces(StartupSources& sources, const StartupPlaces& places, StartupList& list);
-
-// What Delete says of a row of an other place, instead of its question.
-std::string OtherPlaceNotDeleted(const std::string& name, const std::string& location);
 
 enum class PlaceCommandKind { Disable, Enable, Delete };
 // Runs the command on the rows of other places among `rows` (the checked

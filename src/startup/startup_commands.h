@@ -24,6 +24,8 @@ struct CommandPorts {
     FileSystem& files;
     Prompts& prompts;
     SystemInfo& system;
+    Clock& clock;              // names the backups
+    StartupSources& sources;   // the other places are read again before they change
 };
 
 enum class CommandEnd {
