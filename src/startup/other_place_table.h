@@ -43,9 +43,6 @@ const OtherPlace* FindOtherPlace(const std::string& location, RegKey* hive = nul
 // both), then the user's; behind each the items a command of ours took away.
 void LoadOtherPlaces(StartupSources& sources, const StartupPlaces& places, StartupList& list);
 
-// What Delete says of a row of an other place, instead of its question.
-std::string OtherPlaceNotDeleted(const std::string& name, const std::string& location);
-
 enum class PlaceCommandKind { Disable, Enable, Delete };
 // Runs the command on the rows of other places among `rows` (the checked
 // ones, or the selected one for Delete). True when any such row was met.

@@ -139,6 +139,25 @@ std::vector<PlaceItem> ReadRunOnceEx(const PlaceReader& r, const PlaceSpec& spec
     return found;
 }
 
+std::vector<StoredPlaceItem> StoredItems(StartupSources& sources, const PlaceSpec& spec, RegKey hive, uint32_t view,
+                                         const std::vector<StoreItem>& store) {
+    std::vector<StoredPlaceItem> found;
+    for (size_t i = 0; i < store.size(); ++i) {
+        const RegFile one{{}, store[i].keys};
+        std::vector<PlaceItem> items = spec.read(PlaceReader(sources, &one), spec, hive, view);
+        // A list value is kept whole: the item is the one program that was taken out.
+        if (store[i].position >= 0) {
+            const size_t at = static_cast<size_t>(store[i].position);
+            items = at < items.size() ? std::vector{items[at]} : std::vector<PlaceItem>{};
+        }
+        for (PlaceItem& item : items) {
+            item.enabled = false;
+            found.push_back({i, std::move(item)});
+        }
+    }
+    return found;
+}
+
 std::vector<ListPart> ListParts(const std::string& text, const char* separators) {
     std::vector<ListPart> parts;
     size_t begin = 0;

@@ -10,6 +10,7 @@
 
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
+#include "startup/place_store.h"
 #include "startup/startup_rows.h"
 
 namespace corvane {
@@ -88,6 +89,15 @@ std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceSpec& sp
 std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
 std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
 std::vector<PlaceItem> ReadMessagingHosts(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+
+// What a store keeps, as the place's reader lists it: each item with the
+// index of its store entry, disabled.
+struct StoredPlaceItem {
+    size_t index;
+    PlaceItem item;
+};
+std::vector<StoredPlaceItem> StoredItems(StartupSources& sources, const PlaceSpec& spec, RegKey hive, uint32_t view,
+                                         const std::vector<StoreItem>& store);
 
 // The programs of a list value (Userinit, AppInit_DLLs): the spans of the
 // parts between the separators, in order.

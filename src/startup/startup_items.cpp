@@ -9,6 +9,7 @@
 #include "foundations/settings.h"
 #include "foundations/reference_list.h"
 #include "foundations/registry_view.h"
+#include "startup/place_store.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_approved.h"
 
@@ -39,7 +40,7 @@ StartupPlaces LoadStartupPlaces(StartupSources& sources, const std::string& appP
 }
 
 void MakeStoreFolders(FileSystem& files, const std::string& appPath) {
-    for (const char* folder : {kLMStoreFolder, kCUStoreFolder}) {
+    for (const char* folder : {kLMStoreFolder, kCUStoreFolder, kPlaceStoreFolder}) {
         const std::string path = appPath + "\\" + folder;
         if (!files.IsFolder(path)) files.CreateFolder(path);
     }

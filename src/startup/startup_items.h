@@ -22,7 +22,7 @@ inline constexpr const char* kCUStoreFolder = "DCUStartup";
 // from the program's folder.
 StartupPlaces LoadStartupPlaces(StartupSources& sources, const std::string& appPath);
 
-// Makes DLMStartup and DCUStartup in the program's folder where missing;
+// Makes DLMStartup, DCUStartup and DOther in the program's folder where missing;
 // a failure is passed over.
 void MakeStoreFolders(FileSystem& files, const std::string& appPath);
 

@@ -34,6 +34,7 @@
 #include "startup/service_places.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
+#include "startup/startup_nodes.h"
 #include "support/golden.h"
 #include "support/machine.h"
 
@@ -43,7 +44,9 @@ namespace {
 using namespace std::string_literals;
 
 const std::string kApp = "C:\\Corvane";
-const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run", kRunOnce = kRun + "Once";
+const std::string kWinlogon = "\\Software\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon",
+                  kWindowsNT = "HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
 const std::string kBHO = "HKLM\\"s + kHelperObjectsKey;
 const std::string kAwkward = "{11111111-2222-3333-4444-555555555555}", kPlain = "{AAAAAAAA-0000-0000-0000-000000000001}",
                   kKept = "{BBBBBBBB-0000-0000-0000-000000000002}", kTwin = "{77777777-0000-0000-0000-000000000007}";
@@ -282,6 +285,33 @@ std::vector<Item> Items() {
     // What other programs queued for the next start.
     items.push_back({"queued at reboot", {[](World& w) { return Some(w.files.Content(kWinInit).value_or("").substr(0, kQueued.size())); }}});
     items.push_back({"last report", {FileAt(kReport)}});
+    // The other places' items, each by the text only it holds: in its value, or in a kept .reg file.
+    for (const auto& [marker, values] :
+         {std::pair{"once-lm.exe", std::vector<std::pair<std::string, std::string>>{{"HKLM" + kRunOnce, "Once"}}},
+          {"once-32.exe", {{"HKLM\\Software\\Wow6432Node" + kRunOnce.substr(9), "Once"}}},
+          {"setup-ex.exe", {{"HKLM" + kRunOnce + "Ex\\0001", "Step"}}}, {"shell-extra.exe", {{"HKLM" + kWinlogon, "Shell"}}},
+          {"appinit-first.dll", {{kWindowsNT, "AppInit_DLLs"}}}, {"appinit-second.dll", {{kWindowsNT, "AppInit_DLLs"}}},
+          {"taken-aside.exe", {{"HKCU" + kRun, "Taken"}, {"HKLM\\Software\\Microsoft\\Shared Tools\\MSConfig\\startupreg\\Taken", "command"}}}}) {
+        items.push_back({marker, {[marker, values](World& w) {
+                             bool held = std::ranges::any_of(w.kept, [&](auto& f) { return f.find(marker) != std::string::npos; });
+                             for (const auto& [key, name] : values) held |= w.registry.Value(key, name).value_or(fakes::FakeRegistry::StoredValue{}).data.find(marker) != std::string::npos;
+                             return Some(held ? marker : "");
+                         }}});
+    }
+    const std::vector<KeyRef> component{{kHKeyLocalMachine, "Software\\Microsoft\\Active Setup\\Installed Components\\{C0C0C0C0-0000-0000-0000-00000000000C}", 0}};
+    items.push_back({"component", {KeysAt(component), [](World& w) {
+                         std::vector<std::string> stores;
+                         std::ranges::copy_if(w.kept, std::back_inserter(stores), [](auto& f) { return f.find("{C0C0") != std::string::npos; });
+                         return stores;
+                     }}, component});
+    items.push_back({"set-aside shortcut", {FileAt("C:\\WINDOWS\\pss\\aside.lnkStartup"), FileAt("C:\\Me\\Startup\\aside.lnk"),
+                                            [](World& w) {
+                                                std::vector<std::string> copies;
+                                                for (const std::string& path : w.files.Paths()) {
+                                                    if (path.ends_with(".lnk") && path.rfind(kApp + "\\backup", 0) == 0) copies.push_back(*w.files.Content(path));
+                                                }
+                                                return copies;
+                                            }}});
     // A service's start type: in the service while it is not disabled, else in a store of the other places.
     for (const std::string service : {"CorvaneSvc", "CorvaneDrv"}) {
         items.push_back({service, {[service](World& w) {
@@ -453,30 +483,63 @@ std::vector<Command> Commands() {
                     },
                     "last report"});
     rows.back().whole = kReport;
-    // Services and tasks, turned off and on again; a driver Windows loads while it starts is refused.
-    const auto place = [](PlaceCommand OtherPlace::*command, std::string name, const char* location, std::string file) {
+    // The other places: each command on one row of each kind of place's commands, by its Location and command.
+    const auto other = [](std::string location, std::string command, bool storedFirst) {
         return [=](World& w) {
-            w.Collect();
-            RegKey hive = 0;
-            uint32_t view = 0;
-            const OtherPlace& entry = *FindOtherPlace(location, &hive, &view);
-            StartupRow row(kStartupColumns.size());
-            row.cells[kStartupColName] = name, row.cells[kStartupColLocation] = location;
-            row.cells[kStartupColPath] = file.substr(0, file.rfind('\\') + 1), row.cells[kStartupColFileName] = file.substr(file.rfind('\\') + 1);
-            PlaceCommandContext context{w.startupPorts, w.places, entry, row, location, hive, view, "cmdDisable"};
-            (entry.*command)(context);
+            w.places = LoadStartupPlaces(w.startup, kApp);
+            for (int pass = storedFirst ? 0 : 1; pass < 2; ++pass) {
+                w.list = CollectStartupNode(w.startup, w.places, kOtherPlacesKey);
+                for (size_t i = 0; i < w.list.rows.size(); ++i) {
+                    StartupRow& r = w.list.rows[i];
+                    r.checked = r.cells[kStartupColLocation] == location && r.cells[kStartupColCommand] == command;
+                    if (r.checked) w.selected = static_cast<int>(i);
+                }
+                if (pass == 0) DisableCheckedItems(w.startupPorts, w.places, w.list);
+            }
+            w.prompts.shown.clear();
         };
     };
-    for (const auto& [name, location, file] : {std::tuple{"CorvaneSvc", kLocServiceDll, "C:\\Apps\\svc.dll"},
-                                               {"CorvaneDrv", kLocDriver, "C:\\Apps\\drv.sys"},
-                                               {"\\Corvane\\Nightly", kLocTask, "C:\\Windows\\System32\\Tool.exe"}}) {
-        const auto disable = place(&OtherPlace::disable, name, location, file);
-        const bool machine = location != kLocTask;  // the fake task service keeps its tasks as files
-        rows.push_back({"disable "s + name, nothing, disable, "", "", machine});
-        if (location == kLocTask) {
-            rows.push_back({"disable "s + name + " kept by no service", [](World& w) { w.tasks.keepsNothing = true; }, disable});
+    const std::string dother = kApp + "\\DOther";
+    for (const auto& [location, command, commands] :
+         {std::tuple{kLocRunOnceLM, "once-lm.exe /q", "DED"}, {kLocRunOnceLM32, "once-32.exe", "D--"},
+          {kLocRunOnceExLM, "||setup-ex.exe /x", "D--"}, {kLocWinlogonShell, "shell-extra.exe", "DE-"},
+          {kLocWinlogonShell, "explorer.exe", "D--"}, {kLocActiveSetup, "stub-path.exe /s", "DED"},
+          {kLocAppInit, "appinit-first.dll", "DE-"}, {kLocMsconfigReg, "taken-aside.exe", "-ED"},
+          {kLocMsconfigFolder, "C:\\Tools\\alpha.exe /aside", "-ED"}, {kLocMessagingCU, "C:\\Tools\\host-manifest.json", "N--"}}) {
+        const bool machine = std::string(location).find(" CU") == std::string::npos;
+        const std::string name = std::string(location) + " " + command;
+        if (commands[0] != '-') {  // N: not available for the place, so nothing is checked first
+            const bool available = commands[0] == 'D';
+            rows.push_back({"disable " + name, other(location, command, false),
+                            [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); }, "",
+                            available ? dother : "", machine && available, available});
         }
-        if (location != kLocDriver) rows.push_back({"enable "s + name, disable, place(&OtherPlace::enable, name, location, file), "", "", machine});
+        if (commands[1] == 'E') {
+            rows.push_back({"enable " + name, other(location, command, commands[0] == 'D'),
+                            [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", dother, machine});
+        }
+        if (commands[2] == 'D') {
+            rows.push_back({"delete " + name, other(location, command, false),
+                            [](World& w) { DeleteSelectedItem(w.startupPorts, w.places, w.list, w.selected); }, "",
+                            kApp + "\\backup", machine, true});
+        }
+    }
+    // Services and tasks, turned off and on again; a driver Windows loads while it starts is refused.
+    const auto disable = [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); };
+    for (const auto& [location, command, enable] : {std::tuple{kLocServiceDll, "C:\\Apps\\svc.dll", true},
+                                                    {kLocDriver, "\\??\\C:\\Apps\\drv.sys", false},
+                                                    {kLocTask, "C:\\Windows\\System32\\sched.exe", true}}) {
+        const bool machine = location != kLocTask;  // the fake task service keeps its tasks in files
+        const std::string name = std::string(location) + " " + command;
+        rows.push_back({"disable " + name, other(location, command, false), disable, "", dother, machine, true});
+        if (location == kLocTask) {
+            const auto unkept = [select = other(location, command, false)](World& w) { select(w), w.tasks.keepsNothing = true; };
+            rows.push_back({"disable " + name + " kept by no service", unkept, disable, "", dother, false, true});
+        }
+        if (enable) {
+            rows.push_back({"enable " + name, other(location, command, true),
+                            [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", dother, machine});
+        }
     }
     for (const char* own : {"safe list add", "safe list remove", "delete on reboot, Windows 9x", "console report"}) {
         for (Command& row : rows) row.onlyCopy |= row.name == own;
