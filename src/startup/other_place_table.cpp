@@ -6,6 +6,7 @@
 #include "foundations/store_check.h"
 #include "startup/other_place_commands.h"
 #include "startup/service_places.h"
+#include "startup/windows_own.h"
 
 namespace corvane {
 
@@ -39,9 +40,8 @@ const std::vector<OtherPlace>& OtherPlaceTable() {
          DisableListed, EnableListed, nullptr, true},
         {{kLocWinlogonTaskman, nullptr, nullptr, k64, kWinlogonKey, "Taskman", ReadWholeValue},
          DisableKept, EnableKept, nullptr, true},
-        // A component of Windows itself is to be refused before its Disable or Delete changes anything.
         {{kLocActiveSetup, kLocActiveSetup32, nullptr, k64, kActiveSetupKey, "", ReadActiveSetup},
-         DisableKept, EnableKept, DeleteWithBackup, true},
+         DisableActiveSetup, EnableKept, DeleteActiveSetup, true},
         {{kLocAppInit, kLocAppInit32, nullptr, k64, kWindowsKey, "AppInit_DLLs", ReadListValue},
          DisableListed, EnableListed, nullptr, true},
         {{kLocDebugger, kLocDebugger32, nullptr, k64, kDebuggerKey, "", ReadDebuggers},

@@ -129,15 +129,6 @@ bool Failed(PlaceCommandContext& c, SysError error) {
     return false;
 }
 
-// Before a service, driver or task is turned off: the question for an item of Windows' own.
-bool MayTurnOff(PlaceCommandContext& c) {
-    const PlaceReader reader(c.ports.sources);
-    std::string file = c.row.cells[kStartupColPath] + c.row.cells[kStartupColFileName];
-    if (c.row.cells[kStartupColFileName].empty()) file = reader.ProgramFile(c.row.cells[kStartupColCommand]);
-    const std::string reason = WindowsOwnReason(c.ports.files, c.places.appPath, NameOf(c), file, reader.systemRoot);
-    return ConfirmWindowsOwn(c.ports.prompts, "Disable", NameOf(c), LocationCaption(c.location), reason);
-}
-
 // ---- The store of the services and drivers our Disable turned off: a key
 // per service, under its full path, with the start type it had.
 
@@ -231,7 +222,7 @@ bool DisableService(PlaceCommandContext& c) {
                     "stops the machine from starting.");
         return true;
     }
-    if (config.start == kServiceDisabled || !MayTurnOff(c)) return true;
+    if (config.start == kServiceDisabled || !MayChangeWindowsOwn(c, "Disable")) return true;
     const std::optional<ServiceStore> store = OpenStore(c);
     if (!store) return false;
     std::vector<std::vector<RegFileKey>> items = store->items;
@@ -283,7 +274,7 @@ namespace {
 bool SwitchTask(PlaceCommandContext& c, bool on) {
     bool enabled = false;
     if (const SysError error = c.ports.tasks.Enabled(NameOf(c), enabled)) return Failed(c, error);
-    if (enabled == on || (!on && !MayTurnOff(c))) return true;
+    if (enabled == on || (!on && !MayChangeWindowsOwn(c, "Disable"))) return true;
     if (const SysError error = c.ports.tasks.SetEnabled(NameOf(c), on)) return Failed(c, error);
     if (const SysError error = c.ports.tasks.Enabled(NameOf(c), enabled)) return Failed(c, error);
     if (enabled == on) return true;

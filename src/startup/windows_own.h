@@ -8,6 +8,7 @@
 
 #include "platform/file_system.h"
 #include "platform/prompts.h"
+#include "startup/other_place_table.h"
 
 namespace corvane {
 
@@ -24,5 +25,13 @@ std::string WindowsOwnReason(FileSystem& files, const std::string& appPath, cons
 // (not Windows' own, or the user said Yes).
 bool ConfirmWindowsOwn(Prompts& prompts, const std::string& verb, const std::string& name,
                        const std::string& caption, const std::string& reason);
+
+// The question for the row of `c`, whose file is its Path and File Name, or
+// else the program its command names; true when the command may go on.
+bool MayChangeWindowsOwn(PlaceCommandContext& c, const std::string& verb);
+
+// Active Setup's Disable and Delete, asking first for a component of Windows' own.
+bool DisableActiveSetup(PlaceCommandContext& context);
+bool DeleteActiveSetup(PlaceCommandContext& context);
 
 }  // namespace corvane
