@@ -312,27 +312,12 @@ std::vector<Item> Items() {
                                                 }
                                                 return copies;
                                             }}});
-    // A service's start type: in the service while it is not disabled, else in a store of the other places.
-    for (const std::string service : {"CorvaneSvc", "CorvaneDrv"}) {
-        items.push_back({service, {[service](World& w) {
-                                       ServiceConfig config;
-                                       const bool on = !w.services.Query(service, config) && config.start != kServiceDisabled;
-                                       return Some(on ? std::to_string(config.start) : "");
-                                   },
-                                   [service](World& w) {
-                                       std::vector<std::string> kept;
-                                       for (const std::string& path : w.files.Paths()) {
-                                           const auto file = ParseRegFile(w.files.Content(path).value_or(""));
-                                           for (const RegFileKey& key : file ? file->keys : std::vector<RegFileKey>{}) {
-                                               if (!key.path.ends_with("\\" + service)) continue;
-                                               for (const RegFileValue& v : key.values) {
-                                                   if (v.name == "Start") kept.push_back(std::to_string(uint8_t(v.data[0])));
-                                               }
-                                           }
-                                       }
-                                       return kept;
-                                   }}});
-    }
+    // A service's start type: in the service while it is not disabled, else in a kept .reg file.
+    items.push_back({"start type", {[](World& w) {
+                         const bool on = w.registry.Value("HKLM\\SYSTEM\\CurrentControlSet\\Services\\CorvaneSvc", "Start")->data == "\x02\0\0\0"s;
+                         const std::string kept = "CorvaneSvc]\r\n\"Type\"=dword:00000020\r\n\"Start\"=dword:00000002";
+                         return Some(on || std::ranges::any_of(w.kept, [&](auto& f) { return f.find(kept) != f.npos; }) ? "2" : "");
+                     }}});
     return items;
 }
 
@@ -524,23 +509,18 @@ std::vector<Command> Commands() {
                             kApp + "\\backup", machine, true});
         }
     }
-    // Services and tasks, turned off and on again; a driver Windows loads while it starts is refused.
+    // Services and tasks (the fake task service keeps its tasks in files, which HKLM's refusal does not reach).
+    const std::string sched = "C:\\Windows\\System32\\sched.exe";
     const auto disable = [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); };
-    for (const auto& [location, command, enable] : {std::tuple{kLocServiceDll, "C:\\Apps\\svc.dll", true},
-                                                    {kLocDriver, "\\??\\C:\\Apps\\drv.sys", false},
-                                                    {kLocTask, "C:\\Windows\\System32\\sched.exe", true}}) {
-        const bool machine = location != kLocTask;  // the fake task service keeps its tasks in files
+    for (const auto& [location, command, enables] : {std::tuple{kLocServiceDll, "C:\\Apps\\svc.dll"s, true},
+                                                    {kLocDriver, "\\??\\C:\\Apps\\drv.sys"s, false}, {kLocTask, sched, true}}) {
         const std::string name = std::string(location) + " " + command;
-        rows.push_back({"disable " + name, other(location, command, false), disable, "", dother, machine, true});
-        if (location == kLocTask) {
-            const auto unkept = [select = other(location, command, false)](World& w) { select(w), w.tasks.keepsNothing = true; };
-            rows.push_back({"disable " + name + " kept by no service", unkept, disable, "", dother, false, true});
-        }
-        if (enable) {
-            rows.push_back({"enable " + name, other(location, command, true),
-                            [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", dother, machine});
-        }
+        rows.push_back({"disable " + name, other(location, command, false), disable, "", dother, location != kLocTask, true});
+        const auto enable = [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); };
+        if (enables) rows.push_back({"enable " + name, other(location, command, true), enable, "", dother, location != kLocTask});
     }
+    rows.push_back({"disable a task kept by no service", [=](World& w) { other(kLocTask, sched, false)(w), w.tasks.keepsNothing = true; },
+                    disable, "", dother, false, true});
     for (const char* own : {"safe list add", "safe list remove", "delete on reboot, Windows 9x", "console report"}) {
         for (Command& row : rows) row.onlyCopy |= row.name == own;
     }

@@ -382,7 +382,8 @@ TEST(Golden, TheMachinesFakesKeepTheirContracts) {
     EXPECT_EQ(m.registry.OpenHandles(), 0u);
     fakes::FakeProfile profile;
     contract::CheckProfileContract(profile, "C:\\Corvane\\Settings.ini");
-    contract::CheckServiceContract(m.services, m.tasks, m.registry, {{"OwnSvc", 0x10, 2}, {"BootDrv", 1, 0}}, "\\Daily");
+    m.files.AddFile("C:\\Windows\\System32\\Tasks\\Task", "<Task><Settings></Settings></Task>");
+    contract::CheckServiceContract(m.services, m.tasks, m.registry, {{"OwnSvc", 0x10, 2}, {"BootDrv", 1, 0}}, "\\Task");
 }
 
 #ifdef CORVANE_DATA_DIR

@@ -85,27 +85,6 @@ Row TwoCells(size_t columns, const std::string& first, const std::string& second
     return row;
 }
 
-// A service of the test's own, made through the manager: one only written
-// into the registry is unknown to a running manager until the next boot.
-bool MakeService(const std::string& name, DWORD type, DWORD start) {
-    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CREATE_SERVICE);
-    const std::string program = wine::TestFolder() + (type & SERVICE_DRIVER ? "\\corvane-test.sys" : "\\fixture_bare.exe");
-    SC_HANDLE service = CreateServiceA(manager, name.c_str(), name.c_str(), SERVICE_ALL_ACCESS, type, start,
-                                       SERVICE_ERROR_NORMAL, program.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr);
-    CloseServiceHandle(service);
-    CloseServiceHandle(manager);
-    return service != nullptr || GetLastError() == ERROR_SERVICE_EXISTS;
-}
-
-// An enabled task of the test's own, registered by the system's schtasks.
-bool MakeTask(const std::string& name) {
-    const std::string xml = wine::FreshFolder("task-xml") + "\\" + name + ".xml";
-    return Win32FileSystem().Write(xml, "<?xml version=\"1.0\"?>\r\n<Task version=\"1.2\" xmlns=\"http://schemas.microsoft.com/"
-                                        "windows/2004/02/mit/task\"><Settings><Enabled>true</Enabled></Settings><Actions>"
-                                        "<Exec><Command>C:\\windows\\notepad.exe</Command></Exec></Actions></Task>") == kNoError &&
-           wine::Run("schtasks.exe /create /tn " + name + " /xml \"" + xml + "\"") == 0;
-}
-
 // ---- RealContract: the adapters keep the contracts the fakes keep ----
 
 // Keys and folders of the test's own; the file facts are read a second and
@@ -139,12 +118,37 @@ TEST(RealContract, EachAdapterKeepsItsFakesContract) {
     Win32ProcessTable table;
     contract::CheckProcessTableContract(table, fixture.id(), fixture.path(), 0x7FFFFFF0);
 
+    // Services and a task made through their managers, turned off and on by
+    // the commands (which read each change back), and then as they were made.
     const std::vector<contract::ServiceFixture> made = {{"CorvaneTestSvc", SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START},
-                                                        {"CorvaneTestDrv", SERVICE_KERNEL_DRIVER, SERVICE_SYSTEM_START}};
-    for (const auto& service : made) ASSERT_TRUE(MakeService(service.name, service.type, service.start)) << service.name;
-    ASSERT_TRUE(MakeTask("CorvaneTestTask"));
+                                                        {"CorvaneTestDrv", SERVICE_KERNEL_DRIVER, SERVICE_AUTO_START}};
+    // A service only written into the registry is unknown to a running manager until the next boot.
+    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CREATE_SERVICE);
+    for (const auto& s : made)
+        CloseServiceHandle(CreateServiceA(manager, s.name.c_str(), s.name.c_str(), SERVICE_ALL_ACCESS, s.type, s.start,
+                                          SERVICE_ERROR_NORMAL, "C:\\corvane-tests\\none.exe", nullptr, nullptr, nullptr, nullptr, nullptr));
+    CloseServiceHandle(manager);
+    const std::string xml = wine::FreshFolder("task-contract") + "\\task.xml";
+    ASSERT_EQ(l.files.Write(xml, "<Task version=\"1.2\" xmlns=\"http://schemas.microsoft.com/windows/2004/02/mit/task\"><Settings>"
+                                 "<Enabled>true</Enabled></Settings><Actions><Exec><Command>x.exe</Command></Exec></Actions></Task>"), kNoError);
+    ASSERT_EQ(wine::Run("schtasks.exe /create /tn CorvaneTestTask /xml \"" + xml + "\""), 0u);
     Win32ServiceManager services;
     Win32TaskService tasks;
+    Win32Environment environment;
+    StartupSources sources{l.registry, l.files, l.facts, l.clock, environment, shortcuts};
+    CommandPorts ports{l.registry, l.files, l.prompts, l.system, l.clock, sources, services, tasks};
+    const StartupPlaces places = LoadStartupPlaces(sources, l.app);
+    for (const auto& [name, location] : {std::pair{"CorvaneTestSvc", kLocService}, {"CorvaneTestDrv", kLocDriver},
+                                         {"\\CorvaneTestTask", kLocTask}}) {
+        RegKey hive = 0;
+        uint32_t view = 0;
+        const OtherPlace& place = *FindOtherPlace(location, &hive, &view);
+        StartupRow row(kStartupColumns.size());
+        row.cells[kStartupColName] = name, row.cells[kStartupColLocation] = location;
+        PlaceCommandContext context{ports, places, place, row, location, hive, view, "cmdDisable"};
+        EXPECT_TRUE(place.disable(context) && place.enable(context)) << name;
+    }
+    EXPECT_TRUE(l.prompts.shown.empty());
     contract::CheckServiceContract(services, tasks, l.registry, made, "\\CorvaneTestTask");
 }
 
@@ -355,45 +359,6 @@ TEST(RealBackups, EnableAfterDisableLeavesTheBlocklistAsItWas) {
     EXPECT_EQ(RegExport("HKLM\\" + key), before);
     EXPECT_EQ(l.prompts.shown.size(), 1u) << "the question only";
     SHDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
-}
-
-// Disable then Enable of a service, a driver and a task of the test's own
-// leave them as the service manager and the task service gave them before;
-// in between, the service manager gives them disabled, and so does the task
-// service (Wine's keeps a task re-registered with the change, not a put_Enabled).
-TEST(RealBackups, DisableThenEnableLeavesServicesAndTasksAsTheyWere) {
-    ASSERT_TRUE(MakeService("CorvaneTestOff", SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START));
-    ASSERT_TRUE(MakeService("CorvaneTestOffDrv", SERVICE_KERNEL_DRIVER, SERVICE_AUTO_START));
-    ASSERT_TRUE(MakeTask("CorvaneTestOff"));
-    Live l;
-    Win32Environment environment;
-    Win32Shortcuts shortcuts;
-    Win32ServiceManager services;
-    Win32TaskService tasks;
-    StartupSources sources{l.registry, l.files, l.facts, l.clock, environment, shortcuts};
-    CommandPorts ports{l.registry, l.files, l.prompts, l.system, l.clock, sources, services, tasks};
-    const StartupPlaces places = LoadStartupPlaces(sources, l.app);
-    const auto state = [&](const std::string& name, const char* location) {
-        ServiceConfig config;
-        bool on = false;
-        if (location == kLocTask) return tasks.Enabled(name, on) ? "error"s : on ? "on"s : "off"s;
-        return services.Query(name, config) ? "error"s : std::to_string(config.start);
-    };
-    for (const auto& [name, location, off] : {std::tuple{"CorvaneTestOff", kLocService, "4"}, {"CorvaneTestOffDrv", kLocDriver, "4"},
-                                              {"\\CorvaneTestOff", kLocTask, "off"}}) {
-        const std::string before = state(name, location);
-        for (const auto& [command, expected] : {std::pair{&OtherPlace::disable, std::string(off)}, {&OtherPlace::enable, before}}) {
-            RegKey hive = 0;
-            uint32_t view = 0;
-            const OtherPlace& place = *FindOtherPlace(location, &hive, &view);
-            StartupRow row(kStartupColumns.size());
-            row.cells[kStartupColName] = name, row.cells[kStartupColLocation] = location;
-            PlaceCommandContext context{ports, places, place, row, location, hive, view, "cmdDisable"};
-            EXPECT_TRUE((place.*command)(context)) << name;
-            EXPECT_EQ(state(name, location), expected) << name;
-        }
-    }
-    EXPECT_TRUE(l.prompts.shown.empty());
 }
 
 // ---- RealSystem: an uninstaller's child, and older Windows ----
