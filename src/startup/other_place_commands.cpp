@@ -233,8 +233,11 @@ bool DisableKept(PlaceCommandContext& c) {
     }
     const auto store = OpenStore(c);
     if (!store) return false;
+    // An entry left by a crash between the store and the registry is the same item: kept once.
+    const StoreItem entry{*keys};
     std::vector<StoreItem> items = store->items;
-    items.push_back({*keys});
+    std::erase(items, entry);
+    items.push_back(entry);
     if (!WriteStore(c, *store, items)) return false;
     if (Remove(c, *item, *keys)) return true;
     // Still where it was: the store's new entry would show it twice.
@@ -274,8 +277,10 @@ bool DisableListed(PlaceCommandContext& c) {
     }
     const auto store = OpenStore(c);
     if (!store) return false;
+    const StoreItem entry{std::vector{*kept}, item->position};
     std::vector<StoreItem> items = store->items;
-    items.push_back({std::vector{*kept}, item->position});
+    std::erase(items, entry);
+    items.push_back(entry);
     if (!WriteStore(c, *store, items)) return false;
     if (WriteList(c, *kept, WithoutPart(text, parts, at), nul)) return true;
     if (Holds(c, {std::vector{*kept}})) RestoreStore(c, *store);
@@ -294,6 +299,7 @@ bool EnableListed(PlaceCommandContext& c) {
     const std::string was = ListText(kept, nul);
     const std::vector<ListPart> wasParts = ListParts(was, Separators(c));
     const size_t at = static_cast<size_t>(entry.position);
+    if (at >= wasParts.size()) return true;  // the reader found no such program either
     RegistryInView registry = View(c);
     const auto value = ReadRegValue(registry, c.hive, BelowRoot(kept.path), kept.values.front().name);
     if (!value) {
