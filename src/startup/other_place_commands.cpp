@@ -340,6 +340,11 @@ bool EnableListed(PlaceCommandContext& c) {
 }
 
 bool DeleteWithBackup(PlaceCommandContext& c) {
+    // What we disabled is in our store, not in its place: it goes back before it can go for good.
+    if (!IsLive(c.row) && c.place.disable) {
+        Tell(c, Named(c) + " is disabled. Enable it first, then delete it.");
+        return true;
+    }
     const auto item = Locate(c);
     if (!item) return true;
     if (!MayChange(c, item->keyPath)) return false;
