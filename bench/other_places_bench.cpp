@@ -33,7 +33,7 @@
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
 #include "platform/win32/shortcuts_win32.h"
-#include "startup/other_places.h"
+#include "startup/startup_nodes.h"
 #include "ui/list_view.h"
 #include "ui/row_list.h"
 

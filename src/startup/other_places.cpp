@@ -1,69 +1,13 @@
 #include "startup/other_places.h"
 
 #include <algorithm>
-#include <array>
-#include <functional>
-#include <cctype>
 
 #include "foundations/functions.h"
 #include "foundations/json.h"
-#include "foundations/registry.h"
-#include "startup/task_file.h"
 
 namespace corvane {
 
 namespace {
-
-constexpr const char* kRunOnceKey = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
-constexpr const char* kRunOnceExKey = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnceEx";
-constexpr const char* kPolicyRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer\\Run";
-constexpr const char* kWinlogonKey = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
-constexpr const char* kActiveSetupKey = "Software\\Microsoft\\Active Setup\\Installed Components";
-constexpr const char* kWindowsKey = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
-constexpr const char* kDebuggerKey = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options";
-
-// Service types and start values, as the service control manager keeps them.
-constexpr int32_t kDriverTypes = 0x0F;   // kernel, file system, adapter, recognizer
-constexpr int32_t kServiceTypes = 0x30;  // own process, shared process
-constexpr int32_t kSharedProcess = 0x20;
-constexpr int32_t kStartBoot = 0, kStartSystem = 1, kStartAutomatic = 2;
-
-// Task folders are walked no deeper than this; a junction loop ends here.
-constexpr int kDeepestTaskFolder = 8;
-
-struct PlaceName {
-    const char* code;
-    const char* caption;
-};
-constexpr std::array<PlaceName, 27> kPlaceNames = {{
-    {kLocRunOnceLM, "Local Machine RunOnce Key"},
-    {kLocRunOnceLM32, "Local Machine RunOnce Key (32-bit View)"},
-    {kLocRunOnceCU, "Current User RunOnce Key"},
-    {kLocRunOnceExLM, "Local Machine RunOnceEx Key"},
-    {kLocRunOnceExLM32, "Local Machine RunOnceEx Key (32-bit View)"},
-    {kLocRunOnceExCU, "Current User RunOnceEx Key"},
-    {kLocPolicyRunLM, "Local Machine Policies Run Key"},
-    {kLocPolicyRunLM32, "Local Machine Policies Run Key (32-bit View)"},
-    {kLocPolicyRunCU, "Current User Policies Run Key"},
-    {kLocWinlogonShell, "Winlogon Shell Value"},
-    {kLocWinlogonUserinit, "Winlogon Userinit Value"},
-    {kLocWinlogonTaskman, "Winlogon Taskman Value"},
-    {kLocActiveSetup, "Active Setup StubPath"},
-    {kLocActiveSetup32, "Active Setup StubPath (32-bit View)"},
-    {kLocAppInit, "AppInit_DLLs Value"},
-    {kLocAppInit32, "AppInit_DLLs Value (32-bit View)"},
-    {kLocDebugger, "Image File Execution Options Debugger"},
-    {kLocDebugger32, "Image File Execution Options Debugger (32-bit View)"},
-    {kLocTask, "Scheduled Task"},
-    {kLocService, "Automatic Service"},
-    {kLocServiceDll, "Automatic Service in a Shared Host"},
-    {kLocDriver, "Automatic Driver"},
-    {kLocMsconfigReg, "Run Key Item Disabled by System Configuration"},
-    {kLocMsconfigFolder, "Startup Folder Item Disabled by System Configuration"},
-    {kLocMessagingLM, "Local Machine Browser Native Messaging Host"},
-    {kLocMessagingLM32, "Local Machine Browser Native Messaging Host (32-bit View)"},
-    {kLocMessagingCU, "Current User Browser Native Messaging Host"},
-}};
 
 // Where each browser looks up the programs its extensions may start.
 struct MessagingPlace {
@@ -75,46 +19,6 @@ constexpr MessagingPlace kMessagingPlaces[] = {
     {"Edge", "Software\\Microsoft\\Edge\\NativeMessagingHosts"},
     {"Firefox", "Software\\Mozilla\\NativeMessagingHosts"},
 };
-
-char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-
-bool StartsNoCase(const std::string& text, std::string_view prefix) {
-    if (text.size() < prefix.size()) return false;
-    for (size_t i = 0; i < prefix.size(); ++i) {
-        if (LowerAscii(text[i]) != LowerAscii(prefix[i])) return false;
-    }
-    return true;
-}
-
-std::string Trim(const std::string& text) {
-    size_t begin = 0, end = text.size();
-    while (begin < end && (text[begin] == ' ' || text[begin] == '\t')) ++begin;
-    while (end > begin && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
-    return text.substr(begin, end - begin);
-}
-
-// The end of the first program extension that ends a word: behind it come
-// the text's end, a blank, a comma or a quote. 0 when there is none.
-size_t ProgramEnd(const std::string& text) {
-    static constexpr std::string_view kExtensions[] = {".exe", ".dll", ".sys", ".com", ".bat",
-                                                       ".cmd", ".scr", ".cpl", ".ocx"};
-    for (size_t i = 0; i + 4 <= text.size(); ++i) {
-        if (text[i] != '.') continue;
-        for (const std::string_view extension : kExtensions) {
-            if (!StartsNoCase(text.substr(i, 4), extension)) continue;
-            const size_t end = i + 4;
-            if (end == text.size() || text[end] == ' ' || text[end] == ',' || text[end] == '"' || text[end] == '\t') {
-                return end;
-            }
-        }
-    }
-    return 0;
-}
-
-bool HasExtension(const std::string& name) {
-    const size_t dot = name.rfind('.');
-    return dot != std::string::npos && dot + 1 < name.size();
-}
 
 RegValueList ValuesAt(Registry& registry, RegKey hive, const std::string& path, uint32_t view) {
     RegKey key = 0;
@@ -138,6 +42,9 @@ std::vector<std::string> SubkeysAt(Registry& registry, RegKey hive, const std::s
     return names;
 }
 
+// A key's full path as a store file names it.
+std::string FullPath(RegKey hive, const std::string& path) { return RegRootName(hive) + "\\" + path; }
+
 // A value's text as a list cell shows it: up to its first NUL.
 std::string TextOf(const RegValueEntry& entry) { return TrimAtNull(entry.Text()); }
 
@@ -146,354 +53,200 @@ std::string ValueText(const RegValueList& values, std::string_view name) {
     return entry ? TextOf(*entry) : std::string();
 }
 
-// A number value; nothing when it is missing or not a number.
-std::optional<int32_t> NumberOf(const RegValueList& values, std::string_view name) {
-    const RegValueEntry* entry = values.Find(name);
-    if (!entry || entry->typeCode != kTypeCodeNumber) return std::nullopt;
-    return std::get<int32_t>(entry->data);
-}
-
-class Collector {
-public:
-    Collector(StartupSources& sources, const StartupPlaces& places, StartupList& list)
-        : sources_(sources), places_(places), list_(list) {
-        systemRoot_ = ExpandEnvString(sources.environment, "%SystemRoot%");
-        if (systemRoot_.empty() || systemRoot_.find('%') != std::string::npos) systemRoot_ = "C:\\Windows";
-        while (!systemRoot_.empty() && systemRoot_.back() == '\\') systemRoot_.pop_back();
-    }
-
-    void All() {
-        Views([this](RegKey hive, uint32_t view) { return CommandValues(hive, view, kRunOnceKey); }, kLocRunOnceLM,
-              kLocRunOnceLM32, kLocRunOnceCU);
-        Views([this](RegKey hive, uint32_t view) { return RunOnceEx(hive, view); }, kLocRunOnceExLM, kLocRunOnceExLM32,
-              kLocRunOnceExCU);
-        Views([this](RegKey hive, uint32_t view) { return CommandValues(hive, view, kPolicyRunKey); }, kLocPolicyRunLM,
-              kLocPolicyRunLM32, kLocPolicyRunCU);
-        Winlogon();
-        Views([this](RegKey hive, uint32_t view) { return ActiveSetup(hive, view); }, kLocActiveSetup,
-              kLocActiveSetup32);
-        Views([this](RegKey hive, uint32_t view) { return AppInit(hive, view); }, kLocAppInit, kLocAppInit32);
-        Views([this](RegKey hive, uint32_t view) { return Debuggers(hive, view); }, kLocDebugger, kLocDebugger32);
-        Tasks(systemRoot_ + "\\System32\\Tasks", "", 0);
-        Services();
-        Msconfig("startupreg", kLocMsconfigReg);
-        Msconfig("startupfolder", kLocMsconfigFolder);
-        Views([this](RegKey hive, uint32_t view) { return MessagingHosts(hive, view); }, kLocMessagingLM,
-              kLocMessagingLM32, kLocMessagingCU);
-    }
-
-private:
-    // An entry of a registry place: its name, its command as it stands, and
-    // the text that names its program.
-    struct Found {
-        std::string name, command, program;
-        bool operator==(const Found&) const = default;
-    };
-    using Reader = std::function<std::vector<Found>(RegKey hive, uint32_t view)>;
-
-    // A place of the machine's Software key in both views, and of the user's
-    // when `user` is given. Some keys are shared by both views (the system
-    // keeps one key for both, as it does for the policies): the 32-bit view
-    // is listed only when it holds other entries than the 64-bit one.
-    void Views(const Reader& read, const char* native, const char* wow, const char* user = nullptr) {
-        const std::vector<Found> wide = read(kHKeyLocalMachine, kKeyWow64_64Key);
-        const std::vector<Found> narrow = read(kHKeyLocalMachine, kKeyWow64_32Key);
-        Emit(wide, native);
-        if (narrow != wide) Emit(narrow, wow);
-        if (user) Emit(read(kHKeyCurrentUser, 0), user);
-    }
-
-    void Emit(const std::vector<Found>& found, const char* location) {
-        for (const Found& entry : found) Row(entry.name, entry.command, location, true, FileOf(entry.program));
-    }
-
-    bool Exists(const std::string& path) { return !path.empty() && sources_.facts.Exists(path); }
-
-    // The file a command runs: by the run items' rule when that finds a
-    // file, else where the system would look for the program it names.
-    std::string FileOf(const std::string& command) {
-        std::string path = CommandToPath(command);
-        if (path.find('%') != std::string::npos) path = ExpandEnvString(sources_.environment, path);
-        if (path != command && Exists(path)) return path;
-        std::string expanded = command;
-        if (expanded.find('%') != std::string::npos) expanded = ExpandEnvString(sources_.environment, expanded);
-        return ResolveProgram(expanded, systemRoot_, [this](const std::string& p) { return Exists(p); });
-    }
-
-    void Row(const std::string& name, const std::string& command, const char* location, bool enabled,
-             const std::string& path) {
-        AddFileItem(sources_, places_, list_, name, command, location, enabled, path);
-    }
-    void Row(const std::string& name, const std::string& command, const char* location, bool enabled = true) {
-        Row(name, command, location, enabled, FileOf(command));
-    }
-
-    // A value without a command starts nothing.
-    std::vector<Found> CommandValues(RegKey hive, uint32_t view, const char* key) {
-        std::vector<Found> found;
-        for (const RegValueEntry& entry : ValuesAt(sources_.registry, hive, key, view)) {
-            const std::string command = TextOf(entry);
-            if (!Trim(command).empty()) found.push_back({entry.name, command, command});
-        }
-        return found;
-    }
-
-    // RunOnceEx: a subkey per section, a value per entry, "file|function|arguments"
-    // or "||command line"; the section's default value is its title.
-    std::vector<Found> RunOnceEx(RegKey hive, uint32_t view) {
-        std::vector<Found> found;
-        for (const std::string& section : SubkeysAt(sources_.registry, hive, kRunOnceExKey, view)) {
-            const std::string path = std::string(kRunOnceExKey) + "\\" + section;
-            for (const RegValueEntry& entry : ValuesAt(sources_.registry, hive, path, view)) {
-                const std::string command = TextOf(entry);
-                if (entry.name.empty() || Trim(command).empty()) continue;
-                std::string program = command;
-                if (const size_t bar = command.find('|'); bar != std::string::npos) {
-                    program = command.substr(0, bar);
-                    if (Trim(program).empty()) {
-                        const size_t second = command.find('|', bar + 1);
-                        program = second == std::string::npos ? std::string() : command.substr(second + 1);
-                    }
-                }
-                found.push_back({section + "\\" + entry.name, command, program});
-            }
-        }
-        return found;
-    }
-
-    void Winlogon() {
-        const RegValueList values = ValuesAt(sources_.registry, kHKeyLocalMachine, kWinlogonKey, kKeyWow64_64Key);
-        if (const std::string shell = ValueText(values, "Shell"); !Trim(shell).empty()) {
-            Row("Shell", shell, kLocWinlogonShell);
-        }
-        // Userinit is a list: each program it names, up to a comma, runs.
-        const std::string userinit = ValueText(values, "Userinit");
-        size_t begin = 0;
-        while (begin <= userinit.size()) {
-            const size_t comma = userinit.find(',', begin);
-            const std::string part = Trim(userinit.substr(begin, comma == std::string::npos ? std::string::npos
-                                                                                           : comma - begin));
-            if (!part.empty()) Row("Userinit", part, kLocWinlogonUserinit);
-            if (comma == std::string::npos) break;
-            begin = comma + 1;
-        }
-        if (const std::string taskman = ValueText(values, "Taskman"); !Trim(taskman).empty()) {
-            Row("Taskman", taskman, kLocWinlogonTaskman);
-        }
-    }
-
-    std::vector<Found> ActiveSetup(RegKey hive, uint32_t view) {
-        std::vector<Found> found;
-        for (const std::string& component : SubkeysAt(sources_.registry, hive, kActiveSetupKey, view)) {
-            const RegValueList values =
-                ValuesAt(sources_.registry, hive, std::string(kActiveSetupKey) + "\\" + component, view);
-            const std::string stub = ValueText(values, "StubPath");
-            if (Trim(stub).empty()) continue;
-            const std::string title = ValueText(values, "");
-            found.push_back({Trim(title).empty() ? component : title, stub, stub});
-        }
-        return found;
-    }
-
-    // AppInit_DLLs: DLL paths apart by blanks or commas.
-    std::vector<Found> AppInit(RegKey hive, uint32_t view) {
-        std::vector<Found> found;
-        const std::string dlls = ValueText(ValuesAt(sources_.registry, hive, kWindowsKey, view), "AppInit_DLLs");
-        std::string part;
-        for (size_t i = 0; i <= dlls.size(); ++i) {
-            if (i == dlls.size() || dlls[i] == ' ' || dlls[i] == ',') {
-                if (!part.empty()) found.push_back({"AppInit_DLLs", part, part});
-                part.clear();
-            } else {
-                part.push_back(dlls[i]);
-            }
-        }
-        return found;
-    }
-
-    std::vector<Found> Debuggers(RegKey hive, uint32_t view) {
-        std::vector<Found> found;
-        for (const std::string& program : SubkeysAt(sources_.registry, hive, kDebuggerKey, view)) {
-            const std::string debugger = ValueText(
-                ValuesAt(sources_.registry, hive, std::string(kDebuggerKey) + "\\" + program, view), "Debugger");
-            if (!Trim(debugger).empty()) found.push_back({program, debugger, debugger});
-        }
-        return found;
-    }
-
-    // The task files of a folder and its subfolders; a task's name is its
-    // path below the Tasks folder, as the Task Scheduler shows it.
-    void Tasks(const std::string& folder, const std::string& prefix, int depth) {
-        for (const FolderEntry& entry : sources_.files.List(folder, "*")) {
-            const std::string path = folder + "\\" + entry.name;
-            const std::string name = prefix + "\\" + entry.name;
-            if (entry.isFolder) {
-                if (depth < kDeepestTaskFolder) Tasks(path, name, depth + 1);
-                continue;
-            }
-            const std::optional<std::string> bytes = sources_.files.Read(path);
-            const TaskFile task = bytes ? ReadTaskFile(*bytes, sources_.ansi) : TaskFile{};
-            if (!task.wellFormed) {
-                // The task is there, but what it runs cannot be read.
-                Row(name, "", kLocTask, true, "");
-                continue;
-            }
-            for (const TaskExec& exec : task.execs) {
-                const std::string command = exec.arguments.empty() ? exec.command : exec.command + " " + exec.arguments;
-                std::string program = exec.command;
-                if (program.find('%') != std::string::npos) program = ExpandEnvString(sources_.environment, program);
-                Row(name, command, kLocTask, true,
-                    ResolveProgram(program, systemRoot_, [this](const std::string& p) { return Exists(p); }));
-            }
-        }
-    }
-
-    // The services and drivers that start without being asked: a driver
-    // with Start 0 (boot), 1 (system) or 2 (automatic), a service with
-    // Start 2. A service in a shared host shows the DLL it runs there.
-    void Services() {
-        Registry& registry = sources_.registry;
-        for (const std::string& name : SubkeysAt(registry, kHKeyLocalMachine, kServicesKey, 0)) {
-            const std::string key = std::string(kServicesKey) + "\\" + name;
-            const RegValueList values = ValuesAt(registry, kHKeyLocalMachine, key, 0);
-            const std::optional<int32_t> type = NumberOf(values, "Type");
-            const std::optional<int32_t> start = NumberOf(values, "Start");
-            if (!type || !start) continue;
-            const bool driver = (*type & kDriverTypes) != 0;
-            const bool service = !driver && (*type & kServiceTypes) != 0;
-            const bool automatic = driver ? (*start == kStartBoot || *start == kStartSystem || *start == kStartAutomatic)
-                                          : service && *start == kStartAutomatic;
-            if (!automatic) continue;
-            const std::string imagePath = ValueText(values, "ImagePath");
-            if (service && (*type & kSharedProcess)) {
-                const std::string dll =
-                    ValueText(ValuesAt(registry, kHKeyLocalMachine, key + "\\Parameters", 0), "ServiceDll");
-                if (!Trim(dll).empty()) {
-                    Row(name, dll, kLocServiceDll, true, ProgramFile(dll));
-                    continue;
-                }
-            }
-            std::string file = ProgramFile(imagePath);
-            // A driver without an ImagePath is loaded from the drivers folder by its name.
-            if (driver && Trim(imagePath).empty()) file = systemRoot_ + "\\System32\\drivers\\" + name + ".sys";
-            Row(name, imagePath, driver ? kLocDriver : kLocService, true, file);
-        }
-    }
-
-    std::string ProgramFile(const std::string& text) {
-        std::string expanded = text;
-        if (expanded.find('%') != std::string::npos) expanded = ExpandEnvString(sources_.environment, expanded);
-        return ResolveProgram(expanded, systemRoot_, [this](const std::string& p) { return Exists(p); });
-    }
-
-    // What System Configuration took out of its source, a subkey per item.
-    void Msconfig(const char* part, const char* location) {
-        const std::string root = std::string(kMsconfigKey) + "\\" + part;
-        for (const std::string& item : SubkeysAt(sources_.registry, kHKeyLocalMachine, root, kKeyWow64_64Key)) {
-            const RegValueList values = ValuesAt(sources_.registry, kHKeyLocalMachine, root + "\\" + item,
-                                                 kKeyWow64_64Key);
-            const std::string name = ValueText(values, "item");
-            Row(Trim(name).empty() ? item : name, ValueText(values, "command"), location, false);
-        }
-    }
-
-    // A host's key names its manifest (JSON, UTF-8), whose "path" is the
-    // program, absolute or relative to the manifest's folder.
-    std::vector<Found> MessagingHosts(RegKey hive, uint32_t view) {
-        std::vector<Found> found;
-        for (const MessagingPlace& place : kMessagingPlaces) {
-            for (const std::string& name : SubkeysAt(sources_.registry, hive, place.key, view)) {
-                const std::string manifest =
-                    ValueText(ValuesAt(sources_.registry, hive, std::string(place.key) + "\\" + name, view), "");
-                if (Trim(manifest).empty()) continue;
-                const auto document = ReadJsonFile(sources_.files, manifest);
-                std::string program =
-                    document ? sources_.ansi.AnsiOfUtf8(document->Root()["path"].String().value_or("")) : "";
-                std::replace(program.begin(), program.end(), '/', '\\');
-                const bool absolute = (program.size() > 1 && program[1] == ':') || program.rfind("\\\\", 0) == 0;
-                if (!program.empty() && !absolute) program = manifest.substr(0, manifest.find_last_of('\\') + 1) + program;
-                found.push_back({std::string(place.browser) + ": " + name, manifest, program});
-            }
-        }
-        return found;
-    }
-
-    StartupSources& sources_;
-    const StartupPlaces& places_;
-    StartupList& list_;
-    std::string systemRoot_;
-};
+std::string Below(const char* key, const std::string& name) { return std::string(key) + "\\" + name; }
 
 }  // namespace
 
-bool IsOtherPlace(const std::string& location) {
-    for (const PlaceName& place : kPlaceNames) {
-        if (location == place.code) return true;
+PlaceReader::PlaceReader(StartupSources& sources, const RegFile* store) : sources(sources), store_(store) {
+    systemRoot = ExpandEnvString(sources.environment, "%SystemRoot%");
+    if (systemRoot.empty() || systemRoot.find('%') != std::string::npos) systemRoot = "C:\\Windows";
+    while (!systemRoot.empty() && systemRoot.back() == '\\') systemRoot.pop_back();
+}
+
+RegValueList PlaceReader::Values(RegKey hive, const std::string& path, uint32_t view) const {
+    if (!store_) return ValuesAt(sources.registry, hive, path, view);
+    RegValueList values;
+    const std::string full = FullPath(hive, path);
+    for (const RegFileKey& key : store_->keys) {
+        if (!SameRegName(key.path, full)) continue;
+        for (const RegFileValue& value : key.values) {
+            DecodedRegData decoded = DecodeRegData(value.type, {reinterpret_cast<const uint8_t*>(value.data.data()),
+                                                                value.data.size()});
+            values.Add({value.name, std::move(decoded.data), decoded.typeCode});
+        }
     }
-    return false;
+    return values;
 }
 
-std::string OtherPlaceCaption(const std::string& code) {
-    for (const PlaceName& place : kPlaceNames) {
-        if (code == place.code) return place.caption;
+std::vector<std::string> PlaceReader::Subkeys(RegKey hive, const std::string& path, uint32_t view) const {
+    if (!store_) return SubkeysAt(sources.registry, hive, path, view);
+    std::vector<std::string> names;
+    const std::string full = FullPath(hive, path) + "\\";
+    for (const RegFileKey& key : store_->keys) {
+        if (key.path.size() <= full.size() || !SameRegName(key.path.substr(0, full.size()), full)) continue;
+        const std::string name = key.path.substr(full.size(), key.path.find('\\', full.size()) - full.size());
+        const bool seen = std::any_of(names.begin(), names.end(), [&](const std::string& n) { return SameRegName(n, name); });
+        if (!seen) names.push_back(name);
     }
-    return "";
+    return names;
 }
 
-std::string OtherPlaceNotDeleted(const std::string& name, const std::string& location) {
-    return "\"" + name + "\" (" + OtherPlaceCaption(location) +
-           ") is shown for information only and is not deleted from here.\r\n\r\n"
-           "Nothing was changed.";
+bool PlaceReader::Exists(const std::string& path) const { return !path.empty() && sources.facts.Exists(path); }
+
+std::string PlaceReader::FileOf(const std::string& command) const {
+    std::string path = CommandToPath(command);
+    if (path.find('%') != std::string::npos) path = ExpandEnvString(sources.environment, path);
+    if (path != command && Exists(path)) return path;
+    return ProgramFile(command);
 }
 
-std::string ResolveProgram(const std::string& text, const std::string& systemRoot,
-                           const std::function<bool(const std::string&)>& exists) {
-    std::string path = Trim(text);
-    if (!path.empty() && path[0] == '"') {
-        const size_t close = path.find('"', 1);
-        path = path.substr(1, close == std::string::npos ? std::string::npos : close - 1);
+std::string PlaceReader::ProgramFile(const std::string& text) const {
+    std::string expanded = text;
+    if (expanded.find('%') != std::string::npos) expanded = ExpandEnvString(sources.environment, expanded);
+    return ResolveProgram(expanded, systemRoot, [this](const std::string& p) { return Exists(p); });
+}
+
+// A value without a command starts nothing.
+std::vector<PlaceItem> ReadCommandValues(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+    std::vector<PlaceItem> found;
+    for (const RegValueEntry& entry : r.Values(hive, spec.key, view)) {
+        const std::string command = TextOf(entry);
+        if (!TrimBlanks(command).empty()) found.push_back({entry.name, command, command, {}, nullptr, true, spec.key, entry.name});
     }
-    if (StartsNoCase(path, "\\??\\") || StartsNoCase(path, "\\\\?\\")) path = path.substr(4);
-    if (StartsNoCase(path, "\\SystemRoot\\")) {
-        path = systemRoot + path.substr(11);
-    } else if (StartsNoCase(path, "SystemRoot\\")) {
-        path = systemRoot + "\\" + path.substr(11);
-    } else if (StartsNoCase(path, "system32\\")) {
-        path = systemRoot + "\\" + path;
+    return found;
+}
+
+// RunOnceEx: a subkey per section, a value per entry, "file|function|arguments"
+// or "||command line"; the section's default value is its title.
+std::vector<PlaceItem> ReadRunOnceEx(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+    std::vector<PlaceItem> found;
+    for (const std::string& section : r.Subkeys(hive, spec.key, view)) {
+        const std::string path = Below(spec.key, section);
+        for (const RegValueEntry& entry : r.Values(hive, path, view)) {
+            const std::string command = TextOf(entry);
+            if (entry.name.empty() || TrimBlanks(command).empty()) continue;
+            std::string program = command;
+            if (const size_t bar = command.find('|'); bar != std::string::npos) {
+                program = command.substr(0, bar);
+                if (TrimBlanks(program).empty()) {
+                    const size_t second = command.find('|', bar + 1);
+                    program = second == std::string::npos ? std::string() : command.substr(second + 1);
+                }
+            }
+            found.push_back({section + "\\" + entry.name, command, program, {}, nullptr, true, path, entry.name});
+        }
     }
-    // Arguments: behind the program's extension, else behind the first
-    // blank unless the whole text is a file.
-    if (const size_t end = ProgramEnd(path); end != 0) {
-        path.resize(end);
-    } else if (const size_t blank = path.find(' '); blank != std::string::npos && !exists(path)) {
-        path.resize(blank);
+    return found;
+}
+
+std::vector<StoredPlaceItem> StoredItems(StartupSources& sources, const PlaceSpec& spec, RegKey hive, uint32_t view,
+                                         const std::vector<StoreItem>& store) {
+    std::vector<StoredPlaceItem> found;
+    for (size_t i = 0; i < store.size(); ++i) {
+        const RegFile one{{}, store[i].keys};
+        std::vector<PlaceItem> items = spec.read(PlaceReader(sources, &one), spec, hive, view);
+        // A list value is kept whole: the item is the one program that was taken out.
+        if (store[i].position >= 0) {
+            const size_t at = static_cast<size_t>(store[i].position);
+            items = at < items.size() ? std::vector{items[at]} : std::vector<PlaceItem>{};
+        }
+        for (PlaceItem& item : items) {
+            item.enabled = false;
+            found.push_back({i, std::move(item)});
+        }
     }
-    if (path.empty() || path.find('\\') != std::string::npos || path.find(':') != std::string::npos) return path;
-    // A bare program name, looked for where the system looks first.
-    const std::string name = HasExtension(path) ? path : path + ".exe";
-    for (const std::string& candidate : {systemRoot + "\\System32\\" + name, systemRoot + "\\" + name}) {
-        if (exists(candidate)) return candidate;
+    return found;
+}
+
+std::vector<ListPart> ListParts(const std::string& text, const char* separators) {
+    std::vector<ListPart> parts;
+    size_t begin = 0;
+    while (begin <= text.size()) {
+        size_t end = text.find_first_of(separators, begin);
+        if (end == std::string::npos) end = text.size();
+        size_t first = begin, last = end;
+        while (first < last && (text[first] == ' ' || text[first] == '\t')) ++first;
+        while (last > first && (text[last - 1] == ' ' || text[last - 1] == '\t')) --last;
+        if (first < last) parts.push_back({first, last});
+        begin = end + 1;
     }
-    return path;
+    return parts;
 }
 
-std::string ResolveImagePath(const std::string& imagePath, const std::string& systemRoot) {
-    return ResolveProgram(imagePath, systemRoot, [](const std::string&) { return false; });
+// Userinit, Shell and AppInit_DLLs are lists: each program they name runs.
+std::vector<PlaceItem> ReadListValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+    std::vector<PlaceItem> found;
+    const std::string text = ValueText(r.Values(hive, spec.key, view), spec.value);
+    const char* separators = std::string_view(spec.value) == "AppInit_DLLs" ? " ," : ",";
+    int position = 0;
+    for (const ListPart& part : ListParts(text, separators)) {
+        const std::string program = text.substr(part.begin, part.end - part.begin);
+        found.push_back({spec.value, program, program, {}, nullptr, true, spec.key, spec.value, false, position++});
+    }
+    return found;
 }
 
-void LoadOtherPlaces(StartupSources& sources, const StartupPlaces& places, StartupList& list) {
-    Collector(sources, places, list).All();
+std::vector<PlaceItem> ReadWholeValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+    const std::string text = ValueText(r.Values(hive, spec.key, view), spec.value);
+    if (TrimBlanks(text).empty()) return {};
+    return {{spec.value, text, text, {}, nullptr, true, spec.key, spec.value}};
 }
 
-StartupList CollectStartupNode(StartupSources& sources, const StartupPlaces& places, const std::string& nodeKey) {
-    if (nodeKey != kOtherPlacesKey) return CollectStartupItems(sources, places, nodeKey);
-    StartupList list;
-    LoadOtherPlaces(sources, places, list);
-    return list;
+std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+    std::vector<PlaceItem> found;
+    for (const std::string& component : r.Subkeys(hive, spec.key, view)) {
+        const std::string path = Below(spec.key, component);
+        const RegValueList values = r.Values(hive, path, view);
+        const std::string stub = ValueText(values, "StubPath");
+        if (TrimBlanks(stub).empty()) continue;
+        const std::string title = ValueText(values, "");
+        found.push_back({TrimBlanks(title).empty() ? component : title, stub, stub, {}, nullptr, true, path, "", true});
+    }
+    return found;
 }
 
-std::string StartupNodeCaption(const std::string& nodeKey) {
-    return nodeKey == kOtherPlacesKey ? kOtherPlacesCaption : SelectionCaption(nodeKey);
+std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+    std::vector<PlaceItem> found;
+    for (const std::string& program : r.Subkeys(hive, spec.key, view)) {
+        const std::string path = Below(spec.key, program);
+        const std::string debugger = ValueText(r.Values(hive, path, view), "Debugger");
+        if (!TrimBlanks(debugger).empty()) found.push_back({program, debugger, debugger, {}, nullptr, true, path, "Debugger"});
+    }
+    return found;
+}
+
+// What System Configuration took out of its source, a subkey per item.
+std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+    std::vector<PlaceItem> found;
+    for (const std::string& item : r.Subkeys(hive, spec.key, view)) {
+        const std::string path = Below(spec.key, item);
+        const RegValueList values = r.Values(hive, path, view);
+        const std::string name = ValueText(values, "item");
+        const std::string command = ValueText(values, "command");
+        found.push_back({TrimBlanks(name).empty() ? item : name, command, command, {}, nullptr, false, path, "", true});
+    }
+    return found;
+}
+
+// A host's key names its manifest (JSON, UTF-8), whose "path" is the
+// program, absolute or relative to the manifest's folder.
+std::vector<PlaceItem> ReadMessagingHosts(const PlaceReader& r, const PlaceSpec&, RegKey hive, uint32_t view) {
+    std::vector<PlaceItem> found;
+    for (const MessagingPlace& place : kMessagingPlaces) {
+        for (const std::string& name : r.Subkeys(hive, place.key, view)) {
+            const std::string path = Below(place.key, name);
+            const std::string manifest = ValueText(r.Values(hive, path, view), "");
+            if (TrimBlanks(manifest).empty()) continue;
+            const auto document = ReadJsonFile(r.sources.files, manifest);
+            std::string program =
+                document ? r.sources.ansi.AnsiOfUtf8(document->Root()["path"].String().value_or("")) : "";
+            std::replace(program.begin(), program.end(), '/', '\\');
+            const bool absolute = (program.size() > 1 && program[1] == ':') || program.rfind("\\\\", 0) == 0;
+            if (!program.empty() && !absolute) program = manifest.substr(0, manifest.find_last_of('\\') + 1) + program;
+            found.push_back({std::string(place.browser) + ": " + name, manifest, program, {}, nullptr, true, path, "", true});
+        }
+    }
+    return found;
 }
 
 }  // namespace corvane

@@ -1,13 +1,17 @@
 #pragma once
 // Other Places: what else starts programs besides the Run keys and the
-// startup folders, shown under a tree node of its own and read only. Each
-// row is made like a run item's (file facts, icon, suspect marking) from the
-// file its place names; Disable and Enable pass over these rows and Delete
-// says that nothing is changed.
-#include <functional>
+// startup folders, shown under a tree node of its own. Each kind of place is
+// one entry of a table: its Location codes, how it is read, and its Disable,
+// Enable and Delete where it has them. Each row is made like a run item's
+// (file facts, icon, suspect marking) from the file its place names.
+#include <optional>
 #include <string>
+#include <vector>
 
-#include "startup/startup_items.h"
+#include "foundations/reg_file.h"
+#include "foundations/registry.h"
+#include "startup/place_store.h"
+#include "startup/startup_rows.h"
 
 namespace corvane {
 
@@ -20,72 +24,86 @@ inline constexpr const char* kOtherPlacesCaption = "Startup Items (Current Selec
 // The heading of the reports' block of these rows.
 inline constexpr const char* kOtherPlacesHeading = "Other Places";
 
-// Location codes of the other places. None contains "HKLM" or "HKCU", the
-// scopes by which the run-key stores pick their rows.
-inline constexpr const char* kLocRunOnceLM = "RunOnce LM";
-inline constexpr const char* kLocRunOnceLM32 = "RunOnce LM 32-bit";
-inline constexpr const char* kLocRunOnceCU = "RunOnce CU";
-inline constexpr const char* kLocRunOnceExLM = "RunOnceEx LM";
-inline constexpr const char* kLocRunOnceExLM32 = "RunOnceEx LM 32-bit";
-inline constexpr const char* kLocRunOnceExCU = "RunOnceEx CU";
-inline constexpr const char* kLocPolicyRunLM = "Policies Run LM";
-inline constexpr const char* kLocPolicyRunLM32 = "Policies Run LM 32-bit";
-inline constexpr const char* kLocPolicyRunCU = "Policies Run CU";
-inline constexpr const char* kLocWinlogonShell = "Winlogon Shell";
-inline constexpr const char* kLocWinlogonUserinit = "Winlogon Userinit";
-inline constexpr const char* kLocWinlogonTaskman = "Winlogon Taskman";
-inline constexpr const char* kLocActiveSetup = "Active Setup";
-inline constexpr const char* kLocActiveSetup32 = "Active Setup 32-bit";
-inline constexpr const char* kLocAppInit = "AppInit_DLLs";
-inline constexpr const char* kLocAppInit32 = "AppInit_DLLs 32-bit";
-inline constexpr const char* kLocDebugger = "IFEO Debugger";
-inline constexpr const char* kLocDebugger32 = "IFEO Debugger 32-bit";
-inline constexpr const char* kLocTask = "Scheduled Task";
-inline constexpr const char* kLocService = "Service";
-inline constexpr const char* kLocServiceDll = "Service DLL";
-inline constexpr const char* kLocDriver = "Driver";
-inline constexpr const char* kLocMsconfigReg = "MSConfig Registry";
-inline constexpr const char* kLocMsconfigFolder = "MSConfig Folder";
-inline constexpr const char* kLocMessagingLM = "Messaging Host LM";
-inline constexpr const char* kLocMessagingLM32 = "Messaging Host LM 32-bit";
-inline constexpr const char* kLocMessagingCU = "Messaging Host CU";
-
 inline constexpr const char* kServicesKey = "SYSTEM\\CurrentControlSet\\Services";
 inline constexpr const char* kMsconfigKey = "SOFTWARE\\Microsoft\\Shared Tools\\MSConfig";
 
-// True for a Location code of an other place.
-bool IsOtherPlace(const std::string& location);
-// The readable name of an other place's Location code, as the reports show
-// it; empty for any other text.
-std::string OtherPlaceCaption(const std::string& code);
+// One entry of a place as its reader finds it, and where it stands there.
+struct PlaceItem {
+    std::string name, command;
+    std::string program;               // the text that names its program
+    std::optional<std::string> file;   // the file, where the reader works it out by a rule of its own
+    const char* location = nullptr;    // the row's code, where one reader serves several
+    bool enabled = true;
+    std::string keyPath;               // the key that holds it, below the hive
+    std::string valueName;             // its value there; the whole key when `wholeKey`
+    bool wholeKey = false;
+    int position = -1;                 // its place in a list value; -1 for the whole value
 
-// The file a service's ImagePath names: "\SystemRoot\...", "system32\...",
-// "\??\C:\...", "%SystemRoot%\..." and quoted paths with arguments become a
-// plain path; `systemRoot` is the system folder (C:\Windows), no backslash at
-// its end.
-std::string ResolveImagePath(const std::string& imagePath, const std::string& systemRoot);
+    bool operator==(const PlaceItem&) const = default;
+};
 
-// The file a program text names where the system would look for it: the
-// ImagePath forms above, and a bare name ("cmd.exe", "notepad") searched in
-// System32 and then in the system folder, with ".exe" added when it has no
-// extension. `exists` answers for a candidate.
-std::string ResolveProgram(const std::string& text, const std::string& systemRoot,
-                           const std::function<bool(const std::string&)>& exists);
+// What a reader reads from: the registry, or a store file in its stead, so
+// that what a store keeps is listed by the very reader that found it.
+class PlaceReader {
+public:
+    PlaceReader(StartupSources& sources, const RegFile* store = nullptr);
 
-// The rows of all other places, in this order: RunOnce, RunOnceEx and
-// Policies\Explorer\Run (the machine's 64-bit and 32-bit views, then the
-// user's), Winlogon, Active Setup, AppInit_DLLs, Image File Execution
-// Options, the scheduled tasks, the automatic services and drivers, what
-// System Configuration took out of the Run keys and startup folders, and the
-// programs the browsers start for their extensions (native messaging hosts).
-void LoadOtherPlaces(StartupSources& sources, const StartupPlaces& places, StartupList& list);
+    StartupSources& sources;
+    std::string systemRoot;  // no backslash at its end
 
-// What Delete says of a row of an other place, instead of its question.
-std::string OtherPlaceNotDeleted(const std::string& name, const std::string& location);
+    RegValueList Values(RegKey hive, const std::string& path, uint32_t view) const;
+    std::vector<std::string> Subkeys(RegKey hive, const std::string& path, uint32_t view) const;
+    bool Exists(const std::string& path) const;
+    // The file a command runs: by the run items' rule when that finds a
+    // file, else where the system would look for the program it names.
+    std::string FileOf(const std::string& command) const;
+    // Where the system would look for the program a text names.
+    std::string ProgramFile(const std::string& text) const;
 
-// The rows of a tree node: the other places for kOtherPlacesKey, else the
-// node's sources and stores.
-StartupList CollectStartupNode(StartupSources& sources, const StartupPlaces& places, const std::string& nodeKey);
-std::string StartupNodeCaption(const std::string& nodeKey);
+private:
+    const RegFile* store_;
+};
+
+struct PlaceSpec;
+using PlaceRead = std::vector<PlaceItem> (*)(const PlaceReader&, const PlaceSpec&, RegKey hive, uint32_t view);
+
+// How one kind of place is found: its Location codes (the machine's own
+// view, the 32-bit view, the user's; null where it has none), the view the
+// first is read in, the key and value it reads there, and its reader.
+struct PlaceSpec {
+    const char* native;
+    const char* wow;
+    const char* user;
+    uint32_t nativeView;
+    const char* key;
+    const char* value;
+    PlaceRead read;
+};
+
+// The readers of the registry places, one per kind.
+std::vector<PlaceItem> ReadCommandValues(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadRunOnceEx(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadListValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadWholeValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadMessagingHosts(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+
+// What a store keeps, as the place's reader lists it: each item with the
+// index of its store entry, disabled.
+struct StoredPlaceItem {
+    size_t index;
+    PlaceItem item;
+};
+std::vector<StoredPlaceItem> StoredItems(StartupSources& sources, const PlaceSpec& spec, RegKey hive, uint32_t view,
+                                         const std::vector<StoreItem>& store);
+
+// The programs of a list value (Userinit, AppInit_DLLs): the spans of the
+// parts between the separators, in order.
+struct ListPart {
+    size_t begin, end;
+};
+std::vector<ListPart> ListParts(const std::string& text, const char* separators);
 
 }  // namespace corvane

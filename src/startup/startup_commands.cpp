@@ -9,7 +9,7 @@
 #include "foundations/registry.h"
 #include "foundations/report_banner.h"
 #include "foundations/app_identity.h"
-#include "startup/other_places.h"
+#include "startup/other_place_table.h"
 #include "foundations/registry_view.h"
 #include "startup/run_key_store.h"
 #include "foundations/store_check.h"
@@ -170,6 +170,19 @@ bool CheckStoresFor(CommandPorts& ports, const StartupPlaces& places, const std:
     return CheckStoreFolders(ports.files, ports.prompts, ports.system, procedure, folders);
 }
 
+// The checked rows of other places in the state the command takes (live
+// ones to disable, disabled ones to enable) go through the places' table;
+// true when there was one.
+bool OtherPlaces(CommandPorts& ports, const StartupPlaces& places, const std::vector<StartupRow>& rows, bool live,
+                 PlaceCommandKind kind) {
+    std::vector<StartupRow> chosen;
+    for (const StartupRow& row : rows) {
+        if (row.checked && IsLive(row) == live) chosen.push_back(row);
+    }
+    bool stopped = false;
+    return RunOtherPlaceCommands(ports, places, chosen, kind, stopped);
+}
+
 }  // namespace
 
 std::string StoreContent(const std::vector<StartupRow>& rows, const std::string& scope) {
@@ -184,6 +197,7 @@ std::string StoreContent(const std::vector<StartupRow>& rows, const std::string&
 
 CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places, StartupList& list) {
     std::vector<StartupRow>& rows = list.rows;
+    if (OtherPlaces(ports, places, rows, true, PlaceCommandKind::Disable)) return CommandEnd::Refresh;
     if (!CheckStoresFor(ports, places, rows, true, "cmdDisable")) return CommandEnd::Nothing;
     std::vector<bool> treated(rows.size());
     std::vector<std::string> unstorable, changed;
@@ -280,6 +294,7 @@ CommandEnd DisableCheckedItems(CommandPorts& ports, const StartupPlaces& places,
 
 CommandEnd EnableCheckedItems(CommandPorts& ports, const StartupPlaces& places, StartupList& list) {
     std::vector<StartupRow>& rows = list.rows;
+    if (OtherPlaces(ports, places, rows, false, PlaceCommandKind::Enable)) return CommandEnd::Refresh;
     if (!CheckStoresFor(ports, places, rows, false, "cmdEnable")) return CommandEnd::Nothing;
     const size_t count = rows.size();
     std::map<std::string, bool> hiveChanged;
@@ -329,11 +344,8 @@ CommandEnd DeleteSelectedItem(CommandPorts& ports, const StartupPlaces& places, 
     const StartupRow row = list.rows[static_cast<size_t>(selected)];
     const std::string& name = row.cells[kStartupColName];
     const std::string& location = row.cells[kStartupColLocation];
-    if (IsOtherPlace(location)) {
-        ports.prompts.Message(OtherPlaceNotDeleted(name, location), kAppTitle, PromptIcon::Information,
-                              PromptButtons::Ok);
-        return CommandEnd::Nothing;
-    }
+    bool stopped = false;
+    if (RunOtherPlaceCommands(ports, places, {row}, PlaceCommandKind::Delete, stopped)) return CommandEnd::Refresh;
     // Only a disabled item is deleted from what the program keeps: its
     // run-key store is rewritten, or its shortcut goes from the store folder.
     // Where that folder cannot be written the user sees why before being

@@ -14,7 +14,9 @@
 #include "platform/file_system.h"
 #include "platform/prompts.h"
 #include "platform/registry.h"
+#include "platform/service_manager.h"
 #include "platform/system_info.h"
+#include "platform/task_service.h"
 #include "startup/startup_items.h"
 
 namespace corvane {
@@ -24,6 +26,11 @@ struct CommandPorts {
     FileSystem& files;
     Prompts& prompts;
     SystemInfo& system;
+    Clock& clock;              // names the backups
+    StartupSources& sources;   // the other places are read again before they change
+    // A caller that changes no service and no task may leave these out.
+    ServiceManager& services = NoServiceManager();
+    TaskService& tasks = NoTaskService();
 };
 
 enum class CommandEnd {

@@ -7,40 +7,15 @@
 #include "foundations/functions.h"
 #include "foundations/registry.h"
 #include "foundations/settings.h"
-#include "startup/other_places.h"
 #include "foundations/reference_list.h"
 #include "foundations/registry_view.h"
+#include "startup/place_store.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_approved.h"
 
 namespace corvane {
 
 namespace {
-
-// Positions are 16-bit values in the rule of CommandToPath.
-constexpr size_t kLargestPosition = 32767;
-
-// 1-based position of the first `needle` in `text` regardless of ASCII case; 0 for none.
-size_t FindNoCase(const std::string& text, const char* needle) {
-    const std::string_view what(needle);
-    if (text.size() < what.size()) return 0;
-    for (size_t i = 0; i + what.size() <= text.size(); ++i) {
-        size_t k = 0;
-        while (k < what.size()) {
-            const char c = text[i + k];
-            const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-            if (lower != what[k]) break;
-            ++k;
-        }
-        if (k == what.size()) return i + 1;
-    }
-    return 0;
-}
-
-RowMark MarkOf(bool suspicious, bool enabled) {
-    if (suspicious) return enabled ? RowMark::Suspicious : RowMark::SuspiciousDisabled;
-    return enabled ? RowMark::None : RowMark::Disabled;
-}
 
 // The number an icon location's index part begins with, as a signed 32-bit
 // value; 0 when it begins with none or the number does not fit.
@@ -51,80 +26,6 @@ int32_t IconIndexOf(const std::string& text) {
         return 0;
     }
     return static_cast<int32_t>(value);
-}
-
-// The facts of one row's file. The row needs the file's search result twice,
-// for its creation date (inside clsProcess) and for its length; a search is
-// slow on a large folder, so the second answer is the first one again.
-class OneSearch final : public FileFacts {
-public:
-    explicit OneSearch(FileFacts& facts) : facts_(facts) {}
-    uint32_t VersionInfoSize(const std::string& path) override { return facts_.VersionInfoSize(path); }
-    bool VersionInfo(const std::string& path, std::vector<unsigned char>& block) override {
-        return facts_.VersionInfo(path, block);
-    }
-    std::optional<VersionValue> QueryVersionValue(std::vector<unsigned char>& block,
-                                                  const std::string& subBlock) override {
-        return facts_.QueryVersionValue(block, subBlock);
-    }
-    std::optional<FoundFile> Find(const std::string& path) override {
-        if (!searched_ || path != path_) {
-            found_ = facts_.Find(path);
-            path_ = path;
-            searched_ = true;
-        }
-        return found_;
-    }
-    bool Exists(const std::string& path) override { return facts_.Exists(path); }
-    uint32_t ShortPathName(const std::string& path, std::string& buffer) override {
-        return facts_.ShortPathName(path, buffer);
-    }
-
-private:
-    FileFacts& facts_;
-    bool searched_ = false;
-    std::string path_;
-    std::optional<FoundFile> found_;
-};
-
-// One row from its file, the common part of both row makers. The columns of
-// the file stay empty when it does not exist; when its length cannot be read
-// the row keeps what it has and stays uncoloured.
-void AddItemRow(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
-                const std::string& command, const std::string& location, bool enabled, const std::string& path,
-                bool exists, std::string iconFile, int32_t iconIndex) {
-    StartupRow row(kStartupColumns.size());
-    row.cells[kStartupColName] = name;
-    row.cells[kStartupColEnabled] = enabled ? "True" : "False";
-    row.cells[kStartupColLocation] = location;
-    row.cells[kStartupColCommand] = command;
-    row.iconFile = std::move(iconFile);
-    row.iconIndex = iconIndex;
-
-    bool suspicious = false;
-    if (exists) {
-        const std::string fileName = PathFileName(path);
-        suspicious = isListedProcess(places.suspectList, LowerAnsi(fileName));
-        OneSearch facts(sources.facts);
-        clsProcess info(facts, sources.clock);
-        row.cells[kStartupColFileName] = fileName;
-        static constexpr FileColumns kColumns{kStartupColSize, kStartupColCreated, kStartupColCompany,
-                                              kStartupColProduct, kStartupColDescription};
-        if (!FillFileColumns(row.cells, kColumns, info, facts, sources.clock.DecimalSign(), path)) {
-            list.rows.push_back(std::move(row));
-            return;
-        }
-        row.cells[kStartupColPath] = PathFolder(path);
-    }
-    row.mark = MarkOf(suspicious, enabled);
-    list.rows.push_back(std::move(row));
-}
-
-// False, and the list marked as cut short, once it holds all the rows it can.
-bool RoomFor(StartupList& list) {
-    if (list.rows.size() < kMaxRows) return true;
-    list.full = true;
-    return false;
 }
 
 }  // namespace
@@ -139,41 +40,10 @@ StartupPlaces LoadStartupPlaces(StartupSources& sources, const std::string& appP
 }
 
 void MakeStoreFolders(FileSystem& files, const std::string& appPath) {
-    for (const char* folder : {kLMStoreFolder, kCUStoreFolder}) {
+    for (const char* folder : {kLMStoreFolder, kCUStoreFolder, kPlaceStoreFolder}) {
         const std::string path = appPath + "\\" + folder;
         if (!files.IsFolder(path)) files.CreateFolder(path);
     }
-}
-
-std::string CommandToPath(const std::string& command) {
-    const size_t colon = command.find(':');
-    const size_t p = colon == std::string::npos ? 0 : colon + 1;
-    if (p > kLargestPosition || p <= 1) return command;
-    size_t q = FindNoCase(command, ".exe");
-    if (q > kLargestPosition) return command;
-    if (q == 0) q = FindNoCase(command, ".dll");
-    if (q == 0 || q > kLargestPosition) return command;
-    const long length = static_cast<long>(q) - static_cast<long>(p) + 5;
-    if (length < 0 || length > static_cast<long>(kLargestPosition)) return command;
-    // From the character in front of the colon (1-based p - 1), `length` characters.
-    return command.substr(p - 2, static_cast<size_t>(length));
-}
-
-void AddRunItem(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
-                const std::string& command, const std::string& location, bool enabled) {
-    if (!RoomFor(list)) return;
-    std::string path = CommandToPath(command);
-    if (path.find('%') != std::string::npos) path = ExpandEnvString(sources.environment, path);
-    // A run item shows the first icon of its file, or the generic picture when there is no file.
-    const bool exists = sources.facts.Exists(path);
-    AddItemRow(sources, places, list, name, command, location, enabled, path, exists, exists ? path : std::string(), 0);
-}
-
-void AddFileItem(StartupSources& sources, const StartupPlaces& places, StartupList& list, const std::string& name,
-                 const std::string& command, const std::string& location, bool enabled, const std::string& path) {
-    if (!RoomFor(list)) return;
-    const bool exists = !path.empty() && sources.facts.Exists(path);
-    AddItemRow(sources, places, list, name, command, location, enabled, path, exists, exists ? path : std::string(), 0);
 }
 
 namespace {
@@ -347,15 +217,6 @@ StartupList CollectStartupItems(StartupSources& sources, const StartupPlaces& pl
         }
     }
     return list;
-}
-
-std::string LocationCaption(const std::string& code) {
-    if (code == kLocHKLM) return "Local Machine Run Key";
-    if (code == kLocHKLM32) return "Local Machine Run Key (32-bit)";
-    if (code == kLocHKCU) return "Current User Run Key";
-    if (code == kLocStartupLM) return "All Users Startup Folder";
-    if (code == kLocStartupCU) return "Current User Startup Folder";
-    return OtherPlaceCaption(code);
 }
 
 RegKey HiveOf(const std::string& location) {

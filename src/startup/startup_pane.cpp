@@ -6,7 +6,7 @@
 
 #include "foundations/file_facts_cache.h"
 #include "res/resource.h"
-#include "startup/other_places.h"
+#include "startup/startup_nodes.h"
 #include "startup/startup_report.h"
 #include "ui/app_context.h"
 #include "ui/list_commands.h"
@@ -24,9 +24,9 @@ StartupSources Sources() {
     return {*app.registry, *app.files, *app.facts, *app.clock, *app.environment, *app.shortcuts, *app.encoding};
 }
 
-CommandPorts Ports() {
+CommandPorts Ports(StartupSources& sources) {
     AppContext& app = App();
-    return {*app.registry, *app.files, *app.prompts, *app.system};
+    return {*app.registry, *app.files, *app.prompts, *app.system, *app.clock, sources, *app.services, *app.tasks};
 }
 
 }  // namespace
@@ -148,19 +148,22 @@ void frmStartup::cmdRefresh_Click() {
 
 void frmStartup::cmdDisable_Click() {
     StartupList view = ListInViewOrder();
-    CommandPorts ports = Ports();
+    StartupSources sources = Sources();
+    CommandPorts ports = Ports(sources);
     Finish(DisableCheckedItems(ports, places_, view), view);
 }
 
 void frmStartup::cmdEnable_Click() {
     StartupList view = ListInViewOrder();
-    CommandPorts ports = Ports();
+    StartupSources sources = Sources();
+    CommandPorts ports = Ports(sources);
     Finish(EnableCheckedItems(ports, places_, view), view);
 }
 
 void frmStartup::cmdDelete_Click() {
     StartupList view = ListInViewOrder();
-    CommandPorts ports = Ports();
+    StartupSources sources = Sources();
+    CommandPorts ports = Ports(sources);
     Finish(DeleteSelectedItem(ports, places_, view, lstvStartup_.SelectedItem()), view);
 }
 

@@ -2,7 +2,7 @@
 
 #include "foundations/app_identity.h"
 #include "foundations/file_hash_cache.h"
-#include "startup/other_places.h"
+#include "startup/other_place_table.h"
 
 namespace corvane {
 

@@ -81,6 +81,7 @@ public:
         TaskFile file;
         file.wellFormed = Walk() && roots_ == 1 && open_.empty();
         if (file.wellFormed) file.execs = std::move(execs_);
+        file.enabled = !file.wellFormed || Trimmed(enabled_, ansi_) != "false";
         return file;
     }
 
@@ -272,8 +273,10 @@ private:
 
     void Open(std::u16string_view name) {
         const std::u16string_view local = LocalName(name);
-        if (InExec() && (local == u"Command" || local == u"Arguments")) {
-            field_ = local == u"Command" ? &command_ : &arguments_;
+        // The task's own switch, Task/Settings/Enabled; a trigger's Enabled is another.
+        const bool taskSwitch = open_.size() == 2 && LocalName(open_[1]) == u"Settings" && local == u"Enabled";
+        if ((InExec() && (local == u"Command" || local == u"Arguments")) || taskSwitch) {
+            field_ = taskSwitch ? &enabled_ : local == u"Command" ? &command_ : &arguments_;
             fieldDepth_ = open_.size() + 1;
             field_->clear();
         }
@@ -307,7 +310,7 @@ private:
     size_t execDepth_ = 0;   // depth of the Exec being read; 0 for none
     size_t fieldDepth_ = 0;  // depth of the Command or Arguments being read
     std::u16string* field_ = nullptr;
-    std::u16string command_, arguments_;
+    std::u16string command_, arguments_, enabled_;
     std::vector<TaskExec> execs_;
 };
 

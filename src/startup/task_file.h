@@ -21,6 +21,7 @@ struct TaskExec {
 struct TaskFile {
     bool wellFormed = false;
     std::vector<TaskExec> execs;  // in the file's order; empty when not well-formed
+    bool enabled = true;          // false when its Settings say <Enabled>false</Enabled>
 };
 
 // `bytes`: UTF-16LE or UTF-16BE, or UTF-8, with or without a byte order

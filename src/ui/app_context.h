@@ -14,6 +14,7 @@
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/program_runner_win32.h"
 #include "platform/win32/registry_win32.h"
+#include "platform/win32/services_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "foundations/settings.h"
 
@@ -33,6 +34,8 @@ struct AppContext {
     Win32ProcessTable win32Processes;
     Win32ProgramRunner win32Runner;
     Win32TextEncoding win32Encoding;
+    Win32ServiceManager win32Services;
+    Win32TaskService win32Tasks;
 
     HINSTANCE instance = nullptr;
     std::string appPath;  // folder of the executable, no trailing backslash
@@ -54,6 +57,8 @@ struct AppContext {
     ProcessTable* processes = &win32Processes;
     ProgramRunner* runner = &win32Runner;
     TextEncoding* encoding = &win32Encoding;
+    ServiceManager* services = &win32Services;
+    TaskService* tasks = &win32Tasks;
     Settings settings{win32Profile, ""};
 };
 

@@ -11,6 +11,7 @@
 #include <tuple>
 #include <vector>
 
+#include "foundations/registry.h"
 #include "foundations/text.h"
 #include "platform/clock.h"
 #include "platform/file_facts.h"
@@ -18,6 +19,8 @@
 #include "platform/process_table.h"
 #include "platform/profile.h"
 #include "platform/registry.h"
+#include "platform/service_manager.h"
+#include "platform/task_service.h"
 #include "platform/shortcuts.h"
 
 namespace corvane::contract {
@@ -489,6 +492,36 @@ inline void CheckShortcutContract(ShortcutReader& reader, const ShortcutFixture&
     const auto before = f.files.Read(full);
     reader.Read(full);
     EXPECT_EQ(f.files.Read(full), before);
+}
+
+// ---- What the service and task commands rely on of the service manager and
+// the task service: a start type reads back through the manager and in the
+// service's key, where the readers look; a task's switch reads back.
+
+// Services of the suite's own, made with the start type given, and a task of
+// its own, enabled; each is left as it was.
+struct ServiceFixture {
+    std::string name;
+    uint32_t type, start;
+};
+inline void CheckServiceContract(ServiceManager& services, TaskService& tasks, Registry& registry,
+                                 const std::vector<ServiceFixture>& made, const std::string& task) {
+    for (const ServiceFixture& service : made) {
+        const std::string key = "SYSTEM\\CurrentControlSet\\Services\\" + service.name;
+        ServiceConfig config;
+        for (int step = 0; const uint32_t start : {service.start, kServiceDisabled, service.start}) {
+            if (step++) { ASSERT_EQ(services.SetStart(service.name, start), kNoError) << service.name; }
+            ASSERT_EQ(services.Query(service.name, config), kNoError) << service.name;
+            EXPECT_EQ(config.start, start) << service.name;
+            EXPECT_EQ(static_cast<uint32_t>(GetRegDword(registry, kHKeyLocalMachine, key, "Start")), start) << service.name;
+        }
+    }
+    bool enabled = false;
+    for (int step = 0; const bool to : {true, false, true}) {
+        if (step++) { EXPECT_EQ(tasks.SetEnabled(task, to), kNoError); }
+        ASSERT_EQ(tasks.Enabled(task, enabled), kNoError);
+        EXPECT_EQ(enabled, to) << task;
+    }
 }
 
 }  // namespace corvane::contract

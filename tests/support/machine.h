@@ -7,6 +7,7 @@
 #include "fakes/fake_file_system.h"
 #include "fakes/fake_process_table.h"
 #include "fakes/fake_registry.h"
+#include "fakes/fake_services.h"
 #include "fakes/fake_shortcuts.h"
 #include "fakes/fakes.h"
 #include "foundations/reg_file.h"
@@ -25,6 +26,8 @@ struct Machine {
     FakeSystemInfo system;
     FakePrompts prompts;
     FakeShell shell;
+    FakeServiceManager services{registry};
+    FakeTaskService tasks{files};
 };
 
 // Adds the records of a machine file of tests/golden to `m`: D a folder of
@@ -54,13 +57,14 @@ void AddRecords(Machine& m, const std::string& name, const Program& program) {
     }
 }
 
-// Every file and every key under the machine's and the user's Software, to
+// Every file, every key under the machine's and the user's Software and every service, to
 // see that a refused command changed nothing at all.
 inline std::string MachineSnapshot(FakeRegistry& registry, FakeFileSystem& files) {
     std::string text;
     for (const std::string& path : files.Paths()) text += path + "=" + files.Content(path).value_or("") + "\n";
-    for (const RegKey root : {kHKeyLocalMachine, kHKeyCurrentUser}) {
-        if (auto keys = ReadRegKeyTree(registry, root, "Software")) text += FormatRegFile(RegFile{{}, *keys});
+    for (const auto& [root, path] : {std::pair{kHKeyLocalMachine, "Software"}, {kHKeyCurrentUser, "Software"},
+                                     {kHKeyLocalMachine, "SYSTEM\\CurrentControlSet\\Services"}}) {
+        if (auto keys = ReadRegKeyTree(registry, root, path)) text += FormatRegFile(RegFile{{}, *keys});
     }
     return text;
 }

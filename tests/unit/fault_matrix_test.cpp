@@ -31,8 +31,10 @@
 #include "processes/reference_lists.h"
 #include "shell/report_cli.h"
 #include "startup/run_key_store.h"
+#include "startup/service_places.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
+#include "startup/startup_nodes.h"
 #include "support/golden.h"
 #include "support/machine.h"
 
@@ -42,7 +44,9 @@ namespace {
 using namespace std::string_literals;
 
 const std::string kApp = "C:\\Corvane";
-const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run", kRunOnce = kRun + "Once";
+const std::string kWinlogon = "\\Software\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon",
+                  kWindowsNT = "HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
 const std::string kBHO = "HKLM\\"s + kHelperObjectsKey;
 const std::string kAwkward = "{11111111-2222-3333-4444-555555555555}", kPlain = "{AAAAAAAA-0000-0000-0000-000000000001}",
                   kKept = "{BBBBBBBB-0000-0000-0000-000000000002}", kTwin = "{77777777-0000-0000-0000-000000000007}";
@@ -75,7 +79,7 @@ std::string ShortcutFolder(const std::string& location, bool stored) {
 struct World : fakes::Machine {
     fakes::FakeProgramRunner runner;
     StartupSources startup{registry, files, facts, clock, environment, shortcuts};
-    CommandPorts startupPorts{registry, files, prompts, system};
+    CommandPorts startupPorts{registry, files, prompts, system, clock, startup, services, tasks};
     BrowserCommandPorts browser{registry, files, prompts, system, clock, kApp};
     ExtensionCommandPorts extensions{registry, files, prompts, system, clock, kApp};
     ApplicationCommandPorts apps{registry, files, prompts, system, clock, kApp};
@@ -281,6 +285,39 @@ std::vector<Item> Items() {
     // What other programs queued for the next start.
     items.push_back({"queued at reboot", {[](World& w) { return Some(w.files.Content(kWinInit).value_or("").substr(0, kQueued.size())); }}});
     items.push_back({"last report", {FileAt(kReport)}});
+    // The other places' items, each by the text only it holds: in its value, or in a kept .reg file.
+    for (const auto& [marker, values] :
+         {std::pair{"once-lm.exe", std::vector<std::pair<std::string, std::string>>{{"HKLM" + kRunOnce, "Once"}}},
+          {"once-32.exe", {{"HKLM\\Software\\Wow6432Node" + kRunOnce.substr(9), "Once"}}},
+          {"setup-ex.exe", {{"HKLM" + kRunOnce + "Ex\\0001", "Step"}}}, {"shell-extra.exe", {{"HKLM" + kWinlogon, "Shell"}}},
+          {"appinit-first.dll", {{kWindowsNT, "AppInit_DLLs"}}}, {"appinit-second.dll", {{kWindowsNT, "AppInit_DLLs"}}},
+          {"taken-aside.exe", {{"HKCU" + kRun, "Taken"}, {"HKLM\\Software\\Microsoft\\Shared Tools\\MSConfig\\startupreg\\Taken", "command"}}}}) {
+        items.push_back({marker, {[marker, values](World& w) {
+                             bool held = std::ranges::any_of(w.kept, [&](auto& f) { return f.find(marker) != std::string::npos; });
+                             for (const auto& [key, name] : values) held |= w.registry.Value(key, name).value_or(fakes::FakeRegistry::StoredValue{}).data.find(marker) != std::string::npos;
+                             return Some(held ? marker : "");
+                         }}});
+    }
+    const std::vector<KeyRef> component{{kHKeyLocalMachine, "Software\\Microsoft\\Active Setup\\Installed Components\\{C0C0C0C0-0000-0000-0000-00000000000C}", 0}};
+    items.push_back({"component", {KeysAt(component), [](World& w) {
+                         std::vector<std::string> stores;
+                         std::ranges::copy_if(w.kept, std::back_inserter(stores), [](auto& f) { return f.find("{C0C0") != std::string::npos; });
+                         return stores;
+                     }}, component});
+    items.push_back({"set-aside shortcut", {FileAt("C:\\WINDOWS\\pss\\aside.lnkStartup"), FileAt("C:\\Me\\Startup\\aside.lnk"),
+                                            [](World& w) {
+                                                std::vector<std::string> copies;
+                                                for (const std::string& path : w.files.Paths()) {
+                                                    if (path.ends_with(".lnk") && path.rfind(kApp + "\\backup", 0) == 0) copies.push_back(*w.files.Content(path));
+                                                }
+                                                return copies;
+                                            }}});
+    // A service's start type: in the service while it is not disabled, else in a kept .reg file.
+    items.push_back({"start type", {[](World& w) {
+                         const bool on = w.registry.Value("HKLM\\SYSTEM\\CurrentControlSet\\Services\\CorvaneSvc", "Start")->data == "\x02\0\0\0"s;
+                         const std::string kept = "CorvaneSvc]\r\n\"Type\"=dword:00000020\r\n\"Start\"=dword:00000002";
+                         return Some(on || std::ranges::any_of(w.kept, [&](auto& f) { return f.find(kept) != f.npos; }) ? "2" : "");
+                     }}});
     return items;
 }
 
@@ -431,6 +468,59 @@ std::vector<Command> Commands() {
                     },
                     "last report"});
     rows.back().whole = kReport;
+    // The other places: each command on one row of each kind of place's commands, by its Location and command.
+    const auto other = [](std::string location, std::string command, bool storedFirst) {
+        return [=](World& w) {
+            w.places = LoadStartupPlaces(w.startup, kApp);
+            for (int pass = storedFirst ? 0 : 1; pass < 2; ++pass) {
+                w.list = CollectStartupNode(w.startup, w.places, kOtherPlacesKey);
+                for (size_t i = 0; i < w.list.rows.size(); ++i) {
+                    StartupRow& r = w.list.rows[i];
+                    r.checked = r.cells[kStartupColLocation] == location && r.cells[kStartupColCommand] == command;
+                    if (r.checked) w.selected = static_cast<int>(i);
+                }
+                if (pass == 0) DisableCheckedItems(w.startupPorts, w.places, w.list);
+            }
+            w.prompts.shown.clear();
+        };
+    };
+    const std::string dother = kApp + "\\DOther";
+    for (const auto& [location, command, commands] :
+         {std::tuple{kLocRunOnceLM, "once-lm.exe /q", "DED"}, {kLocRunOnceLM32, "once-32.exe", "D--"},
+          {kLocRunOnceExLM, "||setup-ex.exe /x", "D--"}, {kLocWinlogonShell, "shell-extra.exe", "DE-"},
+          {kLocWinlogonShell, "explorer.exe", "D--"}, {kLocActiveSetup, "stub-path.exe /s", "DED"},
+          {kLocAppInit, "appinit-first.dll", "DE-"}, {kLocMsconfigReg, "taken-aside.exe", "-ED"},
+          {kLocMsconfigFolder, "C:\\Tools\\alpha.exe /aside", "-ED"}, {kLocMessagingCU, "C:\\Tools\\host-manifest.json", "N--"}}) {
+        const bool machine = std::string(location).find(" CU") == std::string::npos;
+        const std::string name = std::string(location) + " " + command;
+        if (commands[0] != '-') {  // N: not available for the place, so nothing is checked first
+            const bool available = commands[0] == 'D';
+            rows.push_back({"disable " + name, other(location, command, false),
+                            [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); }, "",
+                            available ? dother : "", machine && available, available});
+        }
+        if (commands[1] == 'E') {
+            rows.push_back({"enable " + name, other(location, command, commands[0] == 'D'),
+                            [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", dother, machine});
+        }
+        if (commands[2] == 'D') {
+            rows.push_back({"delete " + name, other(location, command, false),
+                            [](World& w) { DeleteSelectedItem(w.startupPorts, w.places, w.list, w.selected); }, "",
+                            kApp + "\\backup", machine, true});
+        }
+    }
+    // Services and tasks (the fake task service keeps its tasks in files, which HKLM's refusal does not reach).
+    const std::string sched = "C:\\Windows\\System32\\sched.exe";
+    const auto disable = [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); };
+    for (const auto& [location, command, enables] : {std::tuple{kLocServiceDll, "C:\\Apps\\svc.dll"s, true},
+                                                    {kLocDriver, "\\??\\C:\\Apps\\drv.sys"s, false}, {kLocTask, sched, true}}) {
+        const std::string name = std::string(location) + " " + command;
+        rows.push_back({"disable " + name, other(location, command, false), disable, "", dother, location != kLocTask, true});
+        const auto enable = [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); };
+        if (enables) rows.push_back({"enable " + name, other(location, command, true), enable, "", dother, location != kLocTask});
+    }
+    rows.push_back({"disable a task kept by no service", [=](World& w) { other(kLocTask, sched, false)(w), w.tasks.keepsNothing = true; },
+                    disable, "", dother, false, true});
     for (const char* own : {"safe list add", "safe list remove", "delete on reboot, Windows 9x", "console report"}) {
         for (Command& row : rows) row.onlyCopy |= row.name == own;
     }

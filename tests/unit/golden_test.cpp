@@ -35,7 +35,7 @@
 #include "processes/process_report.h"
 #include "processes/reference_lists.h"
 #include "shell/report_cli.h"
-#include "startup/other_places.h"
+#include "startup/startup_nodes.h"
 #include "startup/run_key_store.h"
 #include "startup/startup_items.h"
 #include "startup/startup_report.h"
@@ -167,7 +167,7 @@ Make Cli(const Args& args, bool hash, bool bytesOnly = false) {
     };
 }
 
-// What changed since an earlier CSV: a value added, one moved to the store,
+// What changed since an earlier CSV: a value added, one moved to the store (and one of another place),
 // one spelt in other capitals, a file replaced, an application gone, one of
 // two processes ended. The older CSV has no hash and lost its byte order mark.
 Make Compare(bool older) {
@@ -178,6 +178,8 @@ Make Compare(bool older) {
         for (const char* name : {"Say \"beta\"", "Alpha, the first"}) {
             DeleteRegValue(m.registry, m.prompts, m.system, kHKeyLocalMachine, kRunKeyPath, name);
         }
+        // RunOnce's value gone from its key, while the other places' store keeps it.
+        DeleteRegValue(m.registry, m.prompts, m.system, kHKeyLocalMachine, "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", "Once");
         m.files.Append(std::string(kApp) + "\\DHKLMRunKey.run",
                        FormatStoreLine("Say \"beta\"", "\"C:\\Program Files\\Beta\\beta.exe\" -q", "HKLM"));
         m.registry.PutString("HKLM\\" + std::string(kRunKeyPath), "ALPHA, THE FIRST", "\"C:\\Tools\\alpha.exe\" /min");
@@ -380,6 +382,8 @@ TEST(Golden, TheMachinesFakesKeepTheirContracts) {
     EXPECT_EQ(m.registry.OpenHandles(), 0u);
     fakes::FakeProfile profile;
     contract::CheckProfileContract(profile, "C:\\Corvane\\Settings.ini");
+    m.files.AddFile("C:\\Windows\\System32\\Tasks\\Task", "<Task><Settings></Settings></Task>");
+    contract::CheckServiceContract(m.services, m.tasks, m.registry, {{"OwnSvc", 0x10, 2}, {"BootDrv", 1, 0}}, "\\Task");
 }
 
 #ifdef CORVANE_DATA_DIR

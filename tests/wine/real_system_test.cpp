@@ -24,12 +24,17 @@
 #include "foundations/reg_backup.h"
 #include "foundations/reg_file.h"
 #include "foundations/registry.h"
+#include "startup/other_places.h"
+#include "startup/startup_commands.h"
+#include "startup/startup_items.h"
+#include "startup/service_places.h"
 #include "platform/win32/adapters.h"
 #include "platform/win32/clock_win32.h"
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_hasher_win32.h"
 #include "platform/win32/process_table_win32.h"
 #include "platform/win32/program_runner_win32.h"
+#include "platform/win32/services_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "wine/machines.h"
 
@@ -56,7 +61,12 @@ struct Live {
     fakes::FakePrompts prompts;  // answers Yes to every question
     Win32SystemInfo system;
     Win32Clock clock;
+    Win32Environment environment;
+    Win32Shortcuts shortcuts;
     std::string app = wine::FreshFolder("real-app");
+    StartupSources sources{registry, files, facts, clock, environment, shortcuts};
+    CommandPorts startup{registry, files, prompts, system, clock, sources};
+    StartupPlaces places = LoadStartupPlaces(sources, app);
     BrowserCommandPorts browser{registry, files, prompts, system, clock, app};
     ApplicationCommandPorts applications{registry, files, prompts, system, clock, app};
     ExtensionCommandPorts extensions{registry, files, prompts, system, clock, app};
@@ -107,6 +117,39 @@ TEST(RealContract, EachAdapterKeepsItsFakesContract) {
     fixture.Release();  // our own handle would keep the ended process in the table
     Win32ProcessTable table;
     contract::CheckProcessTableContract(table, fixture.id(), fixture.path(), 0x7FFFFFF0);
+
+    // Services and a task made through their managers, turned off and on by
+    // the commands (which read each change back), and then as they were made.
+    const std::vector<contract::ServiceFixture> made = {{"CorvaneTestSvc", SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START},
+                                                        {"CorvaneTestDrv", SERVICE_KERNEL_DRIVER, SERVICE_AUTO_START}};
+    // A service only written into the registry is unknown to a running manager until the next boot.
+    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CREATE_SERVICE);
+    for (const auto& s : made)
+        CloseServiceHandle(CreateServiceA(manager, s.name.c_str(), s.name.c_str(), SERVICE_ALL_ACCESS, s.type, s.start,
+                                          SERVICE_ERROR_NORMAL, "C:\\corvane-tests\\none.exe", nullptr, nullptr, nullptr, nullptr, nullptr));
+    CloseServiceHandle(manager);
+    const std::string xml = wine::FreshFolder("task-contract") + "\\task.xml";
+    ASSERT_EQ(l.files.Write(xml, "<Task version=\"1.2\" xmlns=\"http://schemas.microsoft.com/windows/2004/02/mit/task\"><Settings>"
+                                 "<Enabled>true</Enabled></Settings><Actions><Exec><Command>x.exe</Command></Exec></Actions></Task>"), kNoError);
+    ASSERT_EQ(wine::Run("schtasks.exe /create /tn CorvaneTestTask /xml \"" + xml + "\""), 0u);
+    Win32ServiceManager services;
+    Win32TaskService tasks;
+    Win32Environment environment;
+    StartupSources sources{l.registry, l.files, l.facts, l.clock, environment, shortcuts};
+    CommandPorts ports{l.registry, l.files, l.prompts, l.system, l.clock, sources, services, tasks};
+    const StartupPlaces places = LoadStartupPlaces(sources, l.app);
+    for (const auto& [name, location] : {std::pair{"CorvaneTestSvc", kLocService}, {"CorvaneTestDrv", kLocDriver},
+                                         {"\\CorvaneTestTask", kLocTask}}) {
+        RegKey hive = 0;
+        uint32_t view = 0;
+        const OtherPlace& place = *FindOtherPlace(location, &hive, &view);
+        StartupRow row(kStartupColumns.size());
+        row.cells[kStartupColName] = name, row.cells[kStartupColLocation] = location;
+        PlaceCommandContext context{ports, places, place, row, location, hive, view, "cmdDisable"};
+        EXPECT_TRUE(place.disable(context) && place.enable(context)) << name;
+    }
+    EXPECT_TRUE(l.prompts.shown.empty());
+    contract::CheckServiceContract(services, tasks, l.registry, made, "\\CorvaneTestTask");
 }
 
 // ---- RealViews: both registry views, and the console report's texts ----
@@ -173,6 +216,7 @@ TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
 void PutAwkwardKey(HKEY root, const std::string& path) {
     const struct { const char* name; DWORD type; std::string data; } values[] = {
         {"", REG_SZ, "Awkward\0"s},       {"NoExplorer", REG_DWORD, "\x01\0\0\0"s},
+        {"StubPath", REG_SZ, "stub.exe /s\0"s}, {"Debugger", REG_SZ, "dbg.exe\0"s},
         {"Empty", REG_BINARY, ""},        {"Multi", REG_MULTI_SZ, "one\0two words\0\0"s},
         {"NoNul", REG_SZ, "abc"},         {"a=b \"q\" c\\d", REG_SZ, "line\r\nnext\x01" "end\0"s},
         {"Nothing", REG_NONE, ""},        {"Path", REG_EXPAND_SZ, "%SystemRoot%\\a.dll\0"s},
@@ -182,6 +226,18 @@ void PutAwkwardKey(HKEY root, const std::string& path) {
     for (const auto& v : values) ASSERT_TRUE(wine::SetValue(root, path, 0, v.name, v.type, v.data)) << path << ": " << v.name;
     ASSERT_TRUE(wine::SetValue(root, path + "\\Settings\\Deep", 0, "", REG_SZ, "deep \xE9\0"s));
 }
+
+// An other place's row as the startup pane lists it, checked and selected.
+StartupList OtherRow(const char* location, const std::string& name, const std::string& command, bool live = true) {
+    StartupRow row(kStartupColumns.size());
+    row.cells[kStartupColName] = name, row.cells[kStartupColEnabled] = live ? "True" : "False";
+    row.cells[kStartupColLocation] = location, row.cells[kStartupColCommand] = command, row.checked = true;
+    StartupList list;
+    list.rows = {row};
+    return list;
+}
+const std::string kComponent = "Software\\Microsoft\\Active Setup\\Installed Components\\{C0A7E5E5-0000-4000-8000-00000000C0DE}",
+                  kDebugged = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\CorvaneTest.exe";
 
 TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
     const std::string clsid = "{C0A7E5E5-0000-4000-8000-00000000C0DE}", menu = "CorvaneTest Awkward &Menu";
@@ -221,6 +277,12 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
          deletingEntry(Extension("Edge", "CorvaneTestExt", ExtensionSource::ExternalKey, "HKLM", installing))},
         {"Delete of a Firefox sideload", {"HKCU\\" + sideloads},
          deletingEntry(Extension("Firefox", "NoNul", ExtensionSource::FirefoxSideload, "HKCU", sideloads, "NoNul"))},
+        {"the other places' store", {"HKLM\\" + kComponent},
+         [](Live& l) { StartupList list = OtherRow(kLocActiveSetup, "Awkward", "stub.exe /s");
+                       return DisableCheckedItems(l.startup, l.places, list) == CommandEnd::Refresh; }, false},
+        {"Delete of an image debugger", {"HKLM\\" + kDebugged},
+         [](Live& l) { StartupList list = OtherRow(kLocDebugger, "CorvaneTest.exe", "dbg.exe");
+                       return DeleteSelectedItem(l.startup, l.places, list, 0) == CommandEnd::Refresh; }},
     };
     std::string record(552, '\0');
     for (size_t i = 0; i < record.size(); ++i) record[i] = static_cast<char>(i * 7);
@@ -239,7 +301,7 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
         Live live;
         EXPECT_TRUE(row.command(live)) << row.what;
         std::vector<std::string> kept;
-        for (const char* folder : {kBackupFolder, kHelperObjectStore}) {
+        for (const char* folder : {kBackupFolder, kHelperObjectStore, kPlaceStoreFolder}) {
             for (const FolderEntry& file : live.files.List(live.app + "\\" + folder, "*.reg")) {
                 kept.push_back(live.app + "\\" + folder + "\\" + file.name);
             }
@@ -253,6 +315,34 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
     SHDeleteKeyA(HKEY_LOCAL_MACHINE, forcelist.c_str());
     SHDeleteKeyA(HKEY_LOCAL_MACHINE, installing.c_str());
     SHDeleteKeyA(HKEY_CURRENT_USER, sideloads.c_str());
+    for (const std::string& key : {kComponent, kDebugged}) SHDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
+}
+
+// Each other place's Disable then Enable leaves its key as reg.exe exports it.
+TEST(RealBackups, DisableThenEnableLeavesEachOtherPlaceAsItWas) {
+    const std::string windows = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
+    Win32Registry registry;
+    const std::string appInit = GetRegString(registry, kHKeyLocalMachine, windows, "AppInit_DLLs");
+    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, windows, 0, "AppInit_DLLs", REG_SZ, "a.dll,corvane-test.dll  b.dll\0"s));
+    const struct {
+        std::string key;
+        const char *location, *name, *command;
+    } rows[] = {{kComponent, kLocActiveSetup, "Awkward", "stub.exe /s"}, {kDebugged, kLocDebugger, "CorvaneTest.exe", "dbg.exe"},
+                {windows, kLocAppInit, "AppInit_DLLs", "corvane-test.dll"}};
+    for (const auto& row : rows) {
+        if (row.key != windows) PutAwkwardKey(HKEY_LOCAL_MACHINE, row.key);
+        const std::string before = RegExport("HKLM\\" + row.key);
+        Live l;
+        StartupList list = OtherRow(row.location, row.name, row.command);
+        EXPECT_EQ(DisableCheckedItems(l.startup, l.places, list), CommandEnd::Refresh) << row.name;
+        EXPECT_NE(RegExport("HKLM\\" + row.key), before) << row.name << ": taken out";
+        list = OtherRow(row.location, row.name, row.command, false);
+        EXPECT_EQ(EnableCheckedItems(l.startup, l.places, list), CommandEnd::Refresh) << row.name;
+        EXPECT_EQ(RegExport("HKLM\\" + row.key), before) << row.name;
+        EXPECT_TRUE(l.prompts.shown.empty()) << row.name << ": " << l.prompts.shown.front().text;
+        if (row.key != windows) SHDeleteKeyA(HKEY_LOCAL_MACHINE, row.key.c_str());
+    }
+    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, windows, 0, "AppInit_DLLs", REG_SZ, appInit + '\0'));
 }
 
 // A block of ours comes out again leaving the policy as it was: the entries

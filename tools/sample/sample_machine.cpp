@@ -69,7 +69,7 @@ struct LiveStartup {
     fakes::FakePrompts prompts;
     Win32SystemInfo system;
     StartupSources sources{registry, files, facts, clock, environment, shortcuts};
-    CommandPorts ports{registry, files, prompts, system};
+    CommandPorts ports{registry, files, prompts, system, clock, sources};
 };
 
 std::string Utf16(const std::string& text) {
