@@ -237,7 +237,11 @@ StartupList OtherRow(const char* location, const std::string& name, const std::s
     return list;
 }
 const std::string kComponent = "Software\\Microsoft\\Active Setup\\Installed Components\\{C0A7E5E5-0000-4000-8000-00000000C0DE}",
-                  kDebugged = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\CorvaneTest.exe";
+                  kDebugged = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Image File Execution Options\\CorvaneTest.exe",
+                  kSection = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnceEx\\CorvaneTest",
+                  kPolicyRun = "Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer\\Run",
+                  kSetAside = "SOFTWARE\\Microsoft\\Shared Tools\\MSConfig\\startupreg\\CorvaneTest",
+                  kHost = "Software\\Google\\Chrome\\NativeMessagingHosts\\com.corvane.test";
 
 TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
     const std::string clsid = "{C0A7E5E5-0000-4000-8000-00000000C0DE}", menu = "CorvaneTest Awkward &Menu";
@@ -248,6 +252,10 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
     entry.key = "CorvaneTestAwkward";
     const auto deletingEntry = [](ExtensionRecord record) {
         return [record](Live& l) { return DeleteExtensionEntry(l.extensions, &record); };
+    };
+    const auto deletingOther = [](const char* location, std::string name, std::string command) {
+        return [=](Live& l) { StartupList list = OtherRow(location, name, command);
+                              return DeleteSelectedItem(l.startup, l.places, list, 0) == CommandEnd::Refresh; };
     };
     const std::string forcelist = "SOFTWARE\\Policies\\Google\\Chrome\\ExtensionInstallForcelist",
                       installing = "SOFTWARE\\Google\\Chrome\\Extensions\\CorvaneTestExt",
@@ -280,9 +288,11 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
         {"the other places' store", {"HKLM\\" + kComponent},
          [](Live& l) { StartupList list = OtherRow(kLocActiveSetup, "Awkward", "stub.exe /s");
                        return DisableCheckedItems(l.startup, l.places, list) == CommandEnd::Refresh; }, false},
-        {"Delete of an image debugger", {"HKLM\\" + kDebugged},
-         [](Live& l) { StartupList list = OtherRow(kLocDebugger, "CorvaneTest.exe", "dbg.exe");
-                       return DeleteSelectedItem(l.startup, l.places, list, 0) == CommandEnd::Refresh; }},
+        {"Delete of an image debugger", {"HKLM\\" + kDebugged}, deletingOther(kLocDebugger, "CorvaneTest.exe", "dbg.exe")},
+        {"Delete of a RunOnceEx entry", {"HKCU\\" + kSection}, deletingOther(kLocRunOnceExCU, "CorvaneTest\\Debugger", "dbg.exe")},
+        {"Delete of a policy's Run value", {"HKCU\\" + kPolicyRun}, deletingOther(kLocPolicyRunCU, "Debugger", "dbg.exe")},
+        {"Delete of a set-aside record", {"HKLM\\" + kSetAside}, deletingOther(kLocMsconfigReg, "CorvaneTest", "")},
+        {"Delete of a messaging host", {"HKCU\\" + kHost}, deletingOther(kLocMessagingCU, "Chrome: com.corvane.test", "Awkward")},
     };
     std::string record(552, '\0');
     for (size_t i = 0; i < record.size(); ++i) record[i] = static_cast<char>(i * 7);
@@ -315,34 +325,46 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
     SHDeleteKeyA(HKEY_LOCAL_MACHINE, forcelist.c_str());
     SHDeleteKeyA(HKEY_LOCAL_MACHINE, installing.c_str());
     SHDeleteKeyA(HKEY_CURRENT_USER, sideloads.c_str());
-    for (const std::string& key : {kComponent, kDebugged}) SHDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
+    for (const std::string& key : {kComponent, kDebugged, kSetAside}) SHDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
+    for (const std::string& key : {kSection, kPolicyRun, kHost}) SHDeleteKeyA(HKEY_CURRENT_USER, key.c_str());
 }
 
-// Each other place's Disable then Enable leaves its key as reg.exe exports it.
+// Each other place's Disable then Enable leaves its key as reg.exe exports
+// it: whole keys, values in either hive and the 32-bit view, and one program
+// out of a list value that is put back as it was around it.
 TEST(RealBackups, DisableThenEnableLeavesEachOtherPlaceAsItWas) {
-    const std::string windows = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
-    Win32Registry registry;
-    const std::string appInit = GetRegString(registry, kHKeyLocalMachine, windows, "AppInit_DLLs");
-    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, windows, 0, "AppInit_DLLs", REG_SZ, "a.dll,corvane-test.dll  b.dll\0"s));
+    const std::string windows = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows",
+                      winlogon = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon",
+                      section32 = "Software\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\RunOnceEx\\CorvaneTest";
     const struct {
-        std::string key;
-        const char *location, *name, *command;
-    } rows[] = {{kComponent, kLocActiveSetup, "Awkward", "stub.exe /s"}, {kDebugged, kLocDebugger, "CorvaneTest.exe", "dbg.exe"},
-                {windows, kLocAppInit, "AppInit_DLLs", "corvane-test.dll"}};
+        std::string key;  // "HKLM\..." or "HKCU\...": made awkward, unless `list` names a value to set
+        const char *location, *name, *command, *list = nullptr, *listed = nullptr;
+    } rows[] = {{"HKLM\\" + kComponent, kLocActiveSetup, "Awkward", "stub.exe /s"},
+                {"HKLM\\" + kDebugged, kLocDebugger, "CorvaneTest.exe", "dbg.exe"},
+                {"HKLM\\" + section32, kLocRunOnceExLM32, "CorvaneTest\\Debugger", "dbg.exe"},
+                {"HKCU\\" + kPolicyRun, kLocPolicyRunCU, "Debugger", "dbg.exe"},
+                {"HKLM\\" + windows, kLocAppInit, "AppInit_DLLs", "corvane-test.dll", "AppInit_DLLs", "a.dll,corvane-test.dll  b.dll"},
+                {"HKLM\\" + winlogon, kLocWinlogonShell, "Shell", "corvane-shell.exe", "Shell", "explorer.exe, corvane-shell.exe,x.exe"}};
     for (const auto& row : rows) {
-        if (row.key != windows) PutAwkwardKey(HKEY_LOCAL_MACHINE, row.key);
-        const std::string before = RegExport("HKLM\\" + row.key);
+        const HKEY root = row.key[2] == 'C' ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
+        const std::string path = row.key.substr(5);
+        Win32Registry registry;
+        const std::string was = row.list ? GetRegString(registry, kHKeyLocalMachine, path, row.list) : "";
+        if (row.list) ASSERT_TRUE(wine::SetValue(root, path, 0, row.list, REG_SZ, row.listed + "\0"s));
+        else PutAwkwardKey(root, path);
+        const std::string before = RegExport(row.key);
         Live l;
         StartupList list = OtherRow(row.location, row.name, row.command);
         EXPECT_EQ(DisableCheckedItems(l.startup, l.places, list), CommandEnd::Refresh) << row.name;
-        EXPECT_NE(RegExport("HKLM\\" + row.key), before) << row.name << ": taken out";
+        EXPECT_NE(RegExport(row.key), before) << row.name << ": taken out";
         list = OtherRow(row.location, row.name, row.command, false);
         EXPECT_EQ(EnableCheckedItems(l.startup, l.places, list), CommandEnd::Refresh) << row.name;
-        EXPECT_EQ(RegExport("HKLM\\" + row.key), before) << row.name;
+        EXPECT_EQ(RegExport(row.key), before) << row.name;
         EXPECT_TRUE(l.prompts.shown.empty()) << row.name << ": " << l.prompts.shown.front().text;
-        if (row.key != windows) SHDeleteKeyA(HKEY_LOCAL_MACHINE, row.key.c_str());
+        if (!row.list) SHDeleteKeyA(root, path.c_str());
+        else if (!was.empty()) ASSERT_TRUE(wine::SetValue(root, path, 0, row.list, REG_SZ, was + '\0'));
+        else SHDeleteValueA(root, path.c_str(), row.list);
     }
-    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, windows, 0, "AppInit_DLLs", REG_SZ, appInit + '\0'));
 }
 
 // A block of ours comes out again leaving the policy as it was: the entries
