@@ -24,9 +24,11 @@
 #include "platform/win32/file_facts_win32.h"
 #include "platform/win32/file_system_win32.h"
 #include "platform/win32/registry_win32.h"
+#include "platform/win32/services_win32.h"
 #include "platform/win32/shortcuts_win32.h"
 #include "processes/backup_store.h"
 #include "processes/process_commands.h"
+#include "startup/startup_nodes.h"
 #include "startup/startup_commands.h"
 #include "startup/startup_items.h"
 #include "wine/machines.h"
@@ -68,8 +70,10 @@ struct LiveStartup {
     Win32Shortcuts shortcuts;
     fakes::FakePrompts prompts;
     Win32SystemInfo system;
+    Win32ServiceManager services;
+    Win32TaskService tasks;
     StartupSources sources{registry, files, facts, clock, environment, shortcuts};
-    CommandPorts ports{registry, files, prompts, system, clock, sources};
+    CommandPorts ports{registry, files, prompts, system, clock, sources, services, tasks};
 };
 
 std::string Utf16(const std::string& text) {
@@ -106,6 +110,10 @@ void AddOtherPlaces() {
                                    "    <Exec><Command>%SystemRoot%\\system32\\CorvaneTest-hosted.dll</Command></Exec>\r\n"
                                    "  </Actions>\r\n</Task>\r\n")) &&
               !disk.Write(tasks + "Broken", Utf16(head + "    <Exec><Command>x.exe</Exec>")) &&
+              // Switched off: Wine's task service keeps no change of a task's switch, and writes
+              // a task it registers without its program, so this one lies in the folder as it is.
+              !disk.Write(tasks + "Nightly", "<Task><Settings><Enabled>false</Enabled></Settings><Actions><Exec><Command>" +
+                                                 files + "plain.exe</Command><Arguments>/nightly</Arguments></Exec></Actions></Task>") &&
               !disk.Write(tasks + "Utf8", "\xEF\xBB\xBF" + head + "<Exec><Command>" + files +
                                               "EVIL.exe</Command></Exec></Actions></Task>"),
           "the task files");
@@ -161,6 +169,20 @@ void AddStartup(const std::string& app) {
         row.checked = name == "CorvaneTest Plain" || name == "CorvaneTest Env Args" || name == "CorvaneTest Updater.lnk";
     }
     Check(DisableCheckedItems(live.ports, places, list) == CommandEnd::Refresh, "disabling three startup items");
+
+    // A service made through its manager (one written only into the registry
+    // is unknown to a running manager) and turned off by the program's own
+    // command, so it is listed from its store.
+    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CREATE_SERVICE);
+    Check(manager && CloseServiceHandle(CreateServiceA(manager, "CorvaneSampleSvc", "Corvane Sample Service", SERVICE_ALL_ACCESS,
+                                                       SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START, SERVICE_ERROR_NORMAL,
+                                                       machine->plain.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr)),
+          "a service");
+    CloseServiceHandle(manager);
+    list = CollectStartupNode(live.sources, places, kOtherPlacesKey);
+    for (StartupRow& row : list.rows) row.checked = row.cells[kStartupColName] == "CorvaneSampleSvc";
+    Check(DisableCheckedItems(live.ports, places, list) == CommandEnd::Refresh && live.prompts.shown.empty(),
+          "disabling a service");
 }
 
 void AddBrowserExtras(const std::string& app) {

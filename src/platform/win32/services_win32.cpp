@@ -110,33 +110,13 @@ SysError Win32TaskService::Enabled(const std::string& path, bool& enabled) {
     });
 }
 
+// Only the task's own switch, through the service. Wine 8 takes put_Enabled
+// and keeps nothing; the command reads the state back and says so. Registering
+// the task's definition anew would keep the switch there, but Wine writes a
+// definition's actions as an empty <Exec/>, so the task would lose its program.
 SysError Win32TaskService::SetEnabled(const std::string& path, bool enabled) {
     const VARIANT_BOOL wanted = enabled ? VARIANT_TRUE : VARIANT_FALSE;
-    const SysError error = WithTask(path, [wanted](ITaskFolder&, BSTR, IRegisteredTask& task) {
-        return task.put_Enabled(wanted);
-    });
-    bool now = !enabled;
-    if (error || Enabled(path, now) || now == enabled) return error;
-    // Wine 8 takes put_Enabled and keeps nothing; the service does keep a
-    // task registered anew from its own definition with the setting changed,
-    // under the logon it had.
-    return WithTask(path, [wanted](ITaskFolder& folder, BSTR name, IRegisteredTask& task) {
-        Com<ITaskDefinition> definition;
-        Com<ITaskSettings> settings;
-        Com<IPrincipal> principal;
-        Com<IRegisteredTask> registered;
-        TASK_LOGON_TYPE logon = TASK_LOGON_INTERACTIVE_TOKEN;
-        VARIANT none;
-        VariantInit(&none);
-        HRESULT result = task.get_Definition(&definition);
-        if (SUCCEEDED(result)) result = definition->get_Settings(&settings);
-        if (SUCCEEDED(result)) result = settings->put_Enabled(wanted);
-        if (SUCCEEDED(result) && SUCCEEDED(definition->get_Principal(&principal))) principal->get_LogonType(&logon);
-        if (SUCCEEDED(result)) {
-            result = folder.RegisterTaskDefinition(name, definition.p, TASK_UPDATE, none, none, logon, none, &registered);
-        }
-        return result;
-    });
+    return WithTask(path, [wanted](ITaskFolder&, BSTR, IRegisteredTask& task) { return task.put_Enabled(wanted); });
 }
 
 }  // namespace corvane
