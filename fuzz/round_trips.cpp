@@ -398,15 +398,6 @@ PROPERTY(delete_on_reboot) {
 // file the reader turns away gives no record; every record has a state and
 // an origin of the lists' words, marked as they say; and where the file holds
 // no escapes, every id, name and version is text the input holds.
-struct BrowserFile {
-    uint8_t flags;
-    std::string bytes;
-};
-BrowserFile ReadBrowserFile(Input& in) {
-    const uint8_t flags = in.Byte();
-    return {flags, (flags & 2 ? std::string(1000000, '[') : "") + in.Rest()};
-}
-
 void CheckHeld(const std::vector<ExtensionRecord>& records, const std::string& input) {
     static const std::set<std::string> kStates{"Enabled", "Disabled", "Blocked by policy"};
     static const std::map<std::string, bool> kOrigins{{"Store", false},       {"Unknown", false}, {"Registry", true},
@@ -424,17 +415,18 @@ void CheckHeld(const std::vector<ExtensionRecord>& records, const std::string& i
 
 // Preferences or Secure Preferences (bit 0), the same bytes as Local State.
 PROPERTY(chromium_preferences) {
-    const BrowserFile file = ReadBrowserFile(in);
+    const uint8_t flags = in.Byte();
+    const std::string bytes = (flags & 2 ? std::string(1000000, '[') : "") + in.Rest();
     fakes::FakeFileSystem files;
     fakes::FakeClock clock;
-    files.AddFile("C:\\U\\Local State", file.bytes);
-    files.AddFile("C:\\U\\Default\\Preferences", file.flags & 1 ? "{}" : file.bytes);
-    if (file.flags & 1) files.AddFile("C:\\U\\Default\\Secure Preferences", file.bytes);
+    files.AddFile("C:\\U\\Local State", bytes);
+    files.AddFile("C:\\U\\Default\\Preferences", flags & 1 ? "{}" : bytes);
+    if (flags & 1) files.AddFile("C:\\U\\Default\\Secure Preferences", bytes);
     const std::vector<BrowserProfile> profiles = ChromiumProfiles(files, "C:\\U");
     CHECK(profiles.size() == 1 && profiles[0].folder == "C:\\U\\Default");
     const auto records = ChromiumExtensions(files, clock, {"C:\\L", "C:\\R", {"de"}}, "Chrome", profiles[0]);
-    CHECK(JsonDocument::Parse(file.bytes) || (records.empty() && profiles[0].name == "Default"));
-    CheckHeld(records, file.bytes + "Default");
+    CHECK(JsonDocument::Parse(bytes) || (records.empty() && profiles[0].name == "Default"));
+    CheckHeld(records, bytes + "Default");
 }
 
 // A manifest.json (16-bit length), then the messages of its two locales.

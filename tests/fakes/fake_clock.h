@@ -29,16 +29,9 @@ public:
         const int64_t days = totalMs / (kSecondsPerDay * 1000);
         const int64_t msOfDay = totalMs % (kSecondsPerDay * 1000);
         const CivilDate date = CivilFromDays(days - kEpochDays1601);
-        SystemTime out;
-        out.year = static_cast<uint16_t>(date.year);
-        out.month = static_cast<uint16_t>(date.month);
-        out.day = static_cast<uint16_t>(date.day);
-        out.dayOfWeek = static_cast<uint16_t>((days + 1) % 7);  // 1 January 1601 was a Monday
-        out.hour = static_cast<uint16_t>(msOfDay / 3'600'000);
-        out.minute = static_cast<uint16_t>(msOfDay / 60'000 % 60);
-        out.second = static_cast<uint16_t>(msOfDay / 1000 % 60);
-        out.milliseconds = static_cast<uint16_t>(msOfDay % 1000);
-        return out;
+        const auto u = [](int64_t v) { return static_cast<uint16_t>(v); };  // 1 January 1601, day 0, was a Monday
+        return SystemTime{u(date.year),         u(date.month),           u((days + 1) % 7),     u(date.day),
+                          u(msOfDay / 3'600'000), u(msOfDay / 60'000 % 60), u(msOfDay / 1000 % 60), u(msOfDay % 1000)};
     }
     // "1/31/2003" and "2:05:09 PM".
     std::string ShortDate(const SystemTime& t) override {

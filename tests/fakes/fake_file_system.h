@@ -196,27 +196,10 @@ private:
         const size_t slash = path.find_last_of('\\');
         return slash == std::string::npos ? std::string() : path.substr(0, slash);
     }
+    // The patterns the program lists by: "*", "*.ext" and a plain name.
     static bool WildcardMatch(const std::string& pattern, const std::string& name) {
-        size_t p = 0, n = 0, star = std::string::npos, mark = 0;
-        auto same = [](char a, char b) {
-            return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-        };
-        while (n < name.size()) {
-            if (p < pattern.size() && (pattern[p] == '?' || same(pattern[p], name[n]))) {
-                ++p;
-                ++n;
-            } else if (p < pattern.size() && pattern[p] == '*') {
-                star = p++;
-                mark = n;
-            } else if (star != std::string::npos) {
-                p = star + 1;
-                n = ++mark;
-            } else {
-                return false;
-            }
-        }
-        while (p < pattern.size() && pattern[p] == '*') ++p;
-        return p == pattern.size();
+        const std::string tail = Key(pattern.substr(pattern.rfind('*') + 1)), lower = Key(name);
+        return pattern.front() == '*' ? lower.ends_with(tail) : lower == tail;
     }
 
     struct Node {

@@ -33,11 +33,7 @@ public:
     FakeProcess& Add(uint32_t id, const std::string& path, const std::string& snapshotName = {}) {
         Remove(id);
         index_[id] = processes_.size();
-        FakeProcess& process = processes_.emplace_back();
-        process.id = id;
-        process.path = path;
-        process.snapshotName = snapshotName;
-        return process;
+        return processes_.emplace_back(FakeProcess{id, path, snapshotName});
     }
     void Remove(uint32_t id) {
         auto it = index_.find(id);
@@ -51,8 +47,7 @@ public:
     size_t OpenHandles() const { return handles_.size(); }
 
     bool EnumProcessIds(uint32_t* ids, uint32_t bytes, uint32_t& needed) override {
-        const size_t room = bytes / 4;
-        const size_t count = std::min(room, processes_.size());
+        const size_t count = std::min<size_t>(bytes / 4, processes_.size());
         for (size_t i = 0; i < count; ++i) ids[i] = processes_[i].id;
         needed = static_cast<uint32_t>(count * 4);
         return true;
@@ -101,8 +96,7 @@ public:
         return static_cast<uint32_t>(length);
     }
     bool Close(ProcessHandle handle) override {
-        if (!handles_.erase(handle)) return Fail(kInvalidHandle);
-        return true;
+        return handles_.erase(handle) || Fail(kInvalidHandle);
     }
     ProcessHandle CreateSnapshot() override {
         Handle snapshot{true, 0, 0, {}, 0};
@@ -135,8 +129,7 @@ public:
         if (!handle) return Fail(kInvalidHandle);
         if (!(handle->access & kProcessTerminate)) return Fail(kAccessDenied);
         const FakeProcess* target = Find(handle->processId);
-        if (!target) return Fail(kAccessDenied);
-        if (target->terminateFails) return Fail(kAccessDenied);
+        if (!target || target->terminateFails) return Fail(kAccessDenied);
         Remove(handle->processId);
         return true;
     }

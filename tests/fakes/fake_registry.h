@@ -88,26 +88,10 @@ public:
     std::function<bool(const std::string& op, const std::string& keyPath, const std::string& valueName)> failIf;
 
     RegError OpenKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
-        key = 0;
-        Key* at = nullptr;
-        if (RegError error = Use(parent, 0, at)) return error;
-        if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
-        const std::string path = ViewPath(at->path, subKey, access);
-        if (RegError error = Enter("OpenKey", path, "", false)) return error;
-        const Key* found = Find(path);
-        if (!found) return kErrorFileNotFound;
-        key = NewHandle(*found, access & ~kKeyWow64Views);
-        return kRegOk;
+        return Reach("OpenKey", parent, subKey, access, key);
     }
     RegError CreateKey(RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) override {
-        key = 0;
-        Key* at = nullptr;
-        if (RegError error = Use(parent, 0, at)) return error;
-        if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
-        const std::string path = ViewPath(at->path, subKey, access);
-        if (RegError error = Enter("CreateKey", path, "", true)) return error;
-        key = NewHandle(MakeKey(path), access & ~kKeyWow64Views);
-        return kRegOk;
+        return Reach("CreateKey", parent, subKey, access, key);
     }
     RegError CloseKey(RegKey key) override {
         if (std::find(std::begin(kRootKeys), std::end(kRootKeys), key) != std::end(kRootKeys)) return kRegOk;
@@ -253,6 +237,7 @@ private:
         std::string path;
         uint64_t id = 0;
         uint32_t access = 0;
+        std::u16string name;  // RegNameKey of the path, made once
     };
 
     // By RegNameKey of the path, so a key's subkeys follow it in the system's order.
@@ -261,6 +246,20 @@ private:
     RegKey nextHandle_ = 0x100;
     uint64_t nextId_ = 1;
 
+    // Opens, or with "CreateKey" makes, `subKey` below `parent` in the view `access` names.
+    RegError Reach(const char* op, RegKey parent, const std::string& subKey, uint32_t access, RegKey& key) {
+        key = 0;
+        Key* at = nullptr;
+        if (RegError error = Use(parent, 0, at)) return error;
+        if (!subKey.empty() && subKey.front() == '\\') return kErrorBadPathname;
+        const std::string path = ViewPath(at->path, subKey, access);
+        const bool create = op[0] == 'C';
+        if (RegError error = Enter(op, path, "", create)) return error;
+        const Key* found = create ? &MakeKey(path) : Find(path);
+        if (!found) return kErrorFileNotFound;
+        key = NewHandle(*found, access & ~kKeyWow64Views);
+        return kRegOk;
+    }
     // The key behind a handle opened with `right`, and, given `op`, the call
     // counted and its faults applied; an error for an unknown handle, a deleted
     // key, a missing right or a fault.
@@ -273,7 +272,7 @@ private:
         } else {
             const auto it = handles_.find(handle);
             if (it == handles_.end()) return kErrorInvalidHandle;
-            const auto found = keys_.find(RegNameKey(it->second.path));
+            const auto found = keys_.find(it->second.name);
             if (found == keys_.end() || found->second.id != it->second.id) return kErrorKeyDeleted;
             key = &found->second;
             access = it->second.access;
@@ -291,7 +290,7 @@ private:
     RegKey NewHandle(const Key& key, uint32_t access) {
         const RegKey handle = nextHandle_;
         nextHandle_ += 4;
-        handles_[handle] = {key.path, key.id, access == kMaximumAllowed ? kKeyAllAccess : access};
+        handles_[handle] = {key.path, key.id, access == kMaximumAllowed ? kKeyAllAccess : access, RegNameKey(key.path)};
         return handle;
     }
     // Counts a call and applies `failIf`; a change also counts towards the
@@ -336,8 +335,10 @@ private:
     std::vector<const Key*> Subkeys(const Key& key) const {
         const std::u16string below = RegNameKey(key.path) + u'\\';
         std::vector<const Key*> subkeys;
-        for (auto it = keys_.lower_bound(below); it != keys_.end() && it->first.starts_with(below); ++it) {
-            if (it->first.find(u'\\', below.size()) == std::u16string::npos) subkeys.push_back(&it->second);
+        for (auto it = keys_.lower_bound(below); it != keys_.end() && it->first.starts_with(below);) {
+            const size_t deeper = it->first.find(u'\\', below.size());
+            if (deeper == std::u16string::npos) subkeys.push_back(&(it++)->second);
+            else it = keys_.lower_bound(it->first.substr(0, deeper) + u']');  // past that subkey's own subkeys
         }
         return subkeys;
     }

@@ -2,7 +2,6 @@
 // In-memory stand-ins for the ports, for native tests and for failures that
 // Wine cannot produce.
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "foundations/text.h"
 #include "platform/environment.h"
 #include "platform/profile.h"
 #include "platform/prompts.h"
@@ -61,25 +61,14 @@ public:
     std::string Expand(const std::string& text, size_t size) override {
         std::string result;
         size_t i = 0;
-        while (i < text.size()) {
-            const size_t open = text.find('%', i);
-            const size_t close = open == std::string::npos ? open : text.find('%', open + 1);
-            if (close == std::string::npos) {
-                result += text.substr(i);
-                break;
-            }
-            result += text.substr(i, open - i);
-            auto it = variables.find(text.substr(open + 1, close - open - 1));
-            if (it != variables.end()) {
-                result += it->second;
-                i = close + 1;
-            } else {
-                result += '%';  // unknown: keep it and let the closing % start a new reference
-                i = open + 1;
-                result += text.substr(i, close - i);
-                i = close;
-            }
+        for (size_t open = 0, close = 0; (open = text.find('%', i)) != std::string::npos &&
+                                 (close = text.find('%', open + 1)) != std::string::npos;) {
+            const auto it = variables.find(text.substr(open + 1, close - open - 1));
+            // Unknown: kept, and its closing % may start the next reference.
+            result += text.substr(i, open - i) + (it != variables.end() ? it->second : text.substr(open, close - open));
+            i = it != variables.end() ? close + 1 : close;
         }
+        result += text.substr(i);
         std::string buffer(size, '\0');
         if (result.size() < size) buffer.replace(0, result.size(), result);
         return buffer;
@@ -151,11 +140,6 @@ private:
         const size_t first = s.find_first_not_of(" \t\r");
         return first == std::string::npos ? std::string() : s.substr(first, s.find_last_not_of(" \t\r") - first + 1);
     }
-    static bool SameText(const std::string& a, const std::string& b) {
-        return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
-                   return std::tolower(x) == std::tolower(y);
-               });
-    }
     // A file's lines, the first line of `key` in the first `section` (npos: none)
     // and the line after that section's last (npos: no such section).
     struct Found {
@@ -172,14 +156,14 @@ private:
             const std::string t = Trim(line);
             const size_t close = t.find(']');
             if (t.size() >= 2 && t[0] == '[' && close != std::string::npos) {
-                state = state == 0 && SameText(Trim(t.substr(1, close - 1)), section) ? 1 : state == 1 ? 2 : state;
+                state = state == 0 && SameTextIgnoringCase(Trim(t.substr(1, close - 1)), section) ? 1 : state == 1 ? 2 : state;
                 if (state == 1) found.sectionEnd = found.lines.size();
                 continue;
             }
             if (state != 1) continue;
             found.sectionEnd = found.lines.size();
             const size_t eq = line.find('=');
-            if (eq != std::string::npos && SameText(Trim(line.substr(0, eq)), key) && found.keyLine == std::string::npos) {
+            if (eq != std::string::npos && SameTextIgnoringCase(Trim(line.substr(0, eq)), key) && found.keyLine == std::string::npos) {
                 found.keyLine = found.lines.size() - 1;
             }
         }

@@ -92,13 +92,16 @@ struct World : fakes::Machine {
     Row row;
     std::vector<std::string> kept;  // every kept .reg file's keys, read once per look
 
+    // Built once and copied, as importing the machine costs more than most runs.
     World() {
+        static const World& built = *new World(0);
+        registry = built.registry, files = built.files, facts = built.facts, environment = built.environment;
+        processes = built.processes, system = built.system, clock = built.clock;
+    }
+    explicit World(int) {
         // Every key and value the commands meet, as a .reg file reads.
-        static const RegFile machine = [] {
-            std::ifstream in(golden::Path("fault-matrix-machine.reg"), std::ios::binary);
-            return ParseRegFile(std::string(std::istreambuf_iterator<char>(in), {})).value();
-        }();
-        ImportRegKeys(registry, machine.keys);
+        std::ifstream in(golden::Path("fault-matrix-machine.reg"), std::ios::binary);
+        ImportRegKeys(registry, ParseRegFile(std::string(std::istreambuf_iterator<char>(in), {})).value().keys);
         MakeStoreFolders(files, kApp);
         // Its files, file facts and its one process.
         fakes::AddRecords(*this, "fault-matrix-machine.txt", [this](const std::vector<std::string>& f) {
@@ -127,14 +130,6 @@ struct World : fakes::Machine {
         record.name = "Ext " + id.substr(0, 1), record.browser = browser, record.profile = "Default", record.id = id;
         record.source = source, record.hive = hive, record.key = key, record.value = value, record.view = view;
         return record;
-    }
-    void Collect() {
-        places = LoadStartupPlaces(startup, kApp);
-        list = CollectStartupItems(startup, places, "All");
-    }
-    std::string Registry() {
-        fakes::FakeFileSystem none;
-        return fakes::MachineSnapshot(registry, none);
     }
 };
 
@@ -339,6 +334,26 @@ struct Command {
 std::vector<Command> Commands() {
     std::vector<Command> rows;
     const auto nothing = [](World&) {};
+    const auto disable = [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); };
+    const auto enable = [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); };
+    const auto del = [](World& w) { DeleteSelectedItem(w.startupPorts, w.places, w.list, w.selected); };
+    // What the pane showed: the rows of `node` at `location` whose `column` holds `text` checked, the last
+    // selected; with `storedFirst`, disabled first, so the command finds them in the store.
+    const auto pick = [](std::string node, std::string location, size_t column, std::string text, bool storedFirst = false) {
+        return [=](World& w) {
+            w.places = LoadStartupPlaces(w.startup, kApp);
+            for (int pass = storedFirst ? 0 : 1; pass < 2; ++pass) {
+                w.list = CollectStartupNode(w.startup, w.places, node);
+                for (size_t i = 0; i < w.list.rows.size(); ++i) {
+                    StartupRow& r = w.list.rows[i];
+                    r.checked = r.cells[kStartupColLocation] == location && r.cells[column] == text;
+                    if (r.checked) w.selected = static_cast<int>(i);
+                }
+                if (pass == 0) DisableCheckedItems(w.startupPorts, w.places, w.list);
+            }
+            w.prompts.shown.clear();
+        };
+    };
     const struct {
         std::string location, live, stored;
     } places[] = {{kLocHKLM, "Alpha", "Old LM"}, {kLocHKCU, "Gamma", "Old CU"}, {kLocHKLM32, "Beta", "Old 32"},
@@ -346,33 +361,17 @@ std::vector<Command> Commands() {
     for (const auto& p : places) {
         const bool run = p.location.find("Startup") == std::string::npos;
         const bool machine = p.location != kLocHKCU && run;
-        const std::string location = p.location;
-        // The place's rows shown `enabled` checked, and the row `name` selected.
-        const auto pick = [location](std::string enabled, std::string name) {
-            return [=](World& w) {
-                w.Collect();
-                for (size_t i = 0; i < w.list.rows.size(); ++i) {
-                    StartupRow& r = w.list.rows[i];
-                    const bool here = r.cells[kStartupColLocation] == location;
-                    r.checked = here && r.cells[kStartupColEnabled] == enabled;
-                    if (here && r.cells[kStartupColName] == name) w.selected = static_cast<int>(i);
-                }
-            };
-        };
-        const std::string store = run ? kApp : ShortcutFolder(location, true);
-        const auto behind = run ? std::pair{RunStorePath(kApp, location), FormatStoreLine("Foreign", "C:\\f.exe", location)}
+        const auto state = [&](const char* enabled) { return pick("All", p.location, kStartupColEnabled, enabled); };
+        const auto named = [&](const std::string& name) { return pick("All", p.location, kStartupColName, name); };
+        const std::string store = run ? kApp : ShortcutFolder(p.location, true);
+        const auto behind = run ? std::pair{RunStorePath(kApp, p.location), FormatStoreLine("Foreign", "C:\\f.exe", p.location)}
                                 : std::pair<std::string, std::string>{};
-        const auto del = [](World& w) { DeleteSelectedItem(w.startupPorts, w.places, w.list, w.selected); };
-        rows.push_back({"disable " + location, pick("True", ""),
-                        [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
-                        !run, behind});
-        rows.push_back({"enable " + location, pick("False", ""),
-                        [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", store, machine,
-                        false, behind});
+        rows.push_back({"disable " + p.location, state("True"), disable, "", store, machine, !run, behind});
+        rows.push_back({"enable " + p.location, state("False"), enable, "", store, machine, false, behind});
         // A live item's delete keeps nothing, so only a stored item's delete needs its store folder.
-        rows.push_back({"delete " + p.live + "|" + location, pick("", p.live), del, p.live + "|" + location, "",
+        rows.push_back({"delete " + p.live + "|" + p.location, named(p.live), del, p.live + "|" + p.location, "",
                         machine, false, behind});
-        rows.push_back({"delete " + p.stored + "|" + location, pick("", p.stored), del, p.stored + "|" + location,
+        rows.push_back({"delete " + p.stored + "|" + p.location, named(p.stored), del, p.stored + "|" + p.location,
                         store, false, false, behind});
     }
     const std::string dbho = kApp + "\\" + kHelperObjectStore, backup = kApp + "\\backup";
@@ -469,20 +468,8 @@ std::vector<Command> Commands() {
                     "last report"});
     rows.back().whole = kReport;
     // The other places: each command on one row of each kind of place's commands, by its Location and command.
-    const auto other = [](std::string location, std::string command, bool storedFirst) {
-        return [=](World& w) {
-            w.places = LoadStartupPlaces(w.startup, kApp);
-            for (int pass = storedFirst ? 0 : 1; pass < 2; ++pass) {
-                w.list = CollectStartupNode(w.startup, w.places, kOtherPlacesKey);
-                for (size_t i = 0; i < w.list.rows.size(); ++i) {
-                    StartupRow& r = w.list.rows[i];
-                    r.checked = r.cells[kStartupColLocation] == location && r.cells[kStartupColCommand] == command;
-                    if (r.checked) w.selected = static_cast<int>(i);
-                }
-                if (pass == 0) DisableCheckedItems(w.startupPorts, w.places, w.list);
-            }
-            w.prompts.shown.clear();
-        };
+    const auto other = [pick](std::string location, std::string command, bool storedFirst) {
+        return pick(kOtherPlacesKey, location, kStartupColCommand, command, storedFirst);
     };
     const std::string dother = kApp + "\\DOther";
     for (const auto& [location, command, commands] :
@@ -495,28 +482,22 @@ std::vector<Command> Commands() {
         const std::string name = std::string(location) + " " + command;
         if (commands[0] != '-') {  // N: not available for the place, so nothing is checked first
             const bool available = commands[0] == 'D';
-            rows.push_back({"disable " + name, other(location, command, false),
-                            [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); }, "",
-                            available ? dother : "", machine && available, available});
+            rows.push_back({"disable " + name, other(location, command, false), disable, "", available ? dother : "",
+                            machine && available, available});
         }
         if (commands[1] == 'E') {
-            rows.push_back({"enable " + name, other(location, command, commands[0] == 'D'),
-                            [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); }, "", dother, machine});
+            rows.push_back({"enable " + name, other(location, command, commands[0] == 'D'), enable, "", dother, machine});
         }
         if (commands[2] == 'D') {
-            rows.push_back({"delete " + name, other(location, command, false),
-                            [](World& w) { DeleteSelectedItem(w.startupPorts, w.places, w.list, w.selected); }, "",
-                            kApp + "\\backup", machine, true});
+            rows.push_back({"delete " + name, other(location, command, false), del, "", backup, machine, true});
         }
     }
     // Services and tasks (the fake task service keeps its tasks in files, which HKLM's refusal does not reach).
     const std::string sched = "C:\\Windows\\System32\\sched.exe";
-    const auto disable = [](World& w) { DisableCheckedItems(w.startupPorts, w.places, w.list); };
     for (const auto& [location, command, enables] : {std::tuple{kLocServiceDll, "C:\\Apps\\svc.dll"s, true},
                                                     {kLocDriver, "\\??\\C:\\Apps\\drv.sys"s, false}, {kLocTask, sched, true}}) {
         const std::string name = std::string(location) + " " + command;
         rows.push_back({"disable " + name, other(location, command, false), disable, "", dother, location != kLocTask, true});
-        const auto enable = [](World& w) { EnableCheckedItems(w.startupPorts, w.places, w.list); };
         if (enables) rows.push_back({"enable " + name, other(location, command, true), enable, "", dother, location != kLocTask});
     }
     rows.push_back({"disable a task kept by no service", [=](World& w) { other(kLocTask, sched, false)(w), w.tasks.keepsNothing = true; },
@@ -684,7 +665,8 @@ TEST(FaultMatrix, EachCommandWithoutAFaultAndUnderWhatTheUserMeets) {
             }
             if (changed) {
                 EXPECT_NE(machine.find(c.behind.second), std::string::npos) << "what was added went: " << context;
-                EXPECT_EQ(w.Registry().find("Foreign"), std::string::npos) << context;
+                fakes::FakeFileSystem none;
+                EXPECT_EQ(fakes::MachineSnapshot(w.registry, none).find("Foreign"), std::string::npos) << context;
             }
             // A run-key store that went after the list was read is written anew from the list's rows.
             if (gone && done.files.Content(c.behind.first) != original) {
