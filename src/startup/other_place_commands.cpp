@@ -42,8 +42,8 @@ bool Matches(const PlaceItem& item, const PlaceCommandContext& c) {
 // The item the row shows, read from its place again: a row that has changed
 // since the list was made is left alone.
 std::optional<PlaceItem> Locate(PlaceCommandContext& c) {
-    const PlaceSpec& spec = c.place.spec;
-    for (const PlaceItem& item : spec.read(PlaceReader(c.ports.sources), spec, c.hive, c.view)) {
+    const PlaceLayout& layout = c.place.layout;
+    for (const PlaceItem& item : layout.read(PlaceReader(c.ports.sources), layout, c.hive, c.view)) {
         if (Matches(item, c)) return item;
     }
     Tell(c, Named(c) + " has changed since this list was made and stays as it is. Press Refresh to see it as it is now.");
@@ -137,7 +137,7 @@ bool WriteStore(PlaceCommandContext& c, const PlaceStore& was, const std::vector
 
 // The store's entry of the row, with the store.
 std::optional<size_t> FindStored(PlaceCommandContext& c, const PlaceStore& store) {
-    for (const StoredPlaceItem& stored : StoredItems(c.ports.sources, c.place.spec, c.hive, c.view, store.items)) {
+    for (const StoredPlaceItem& stored : StoredItems(c.ports.sources, c.place.layout, c.hive, c.view, store.items)) {
         if (Matches(stored.item, c)) return stored.index;
     }
     Tell(c, Named(c) + " is no longer in " + StorePath(c) + ". Press Refresh to see the list as it is now.");
@@ -177,7 +177,7 @@ std::string ListText(const RegFileKey& key, bool& nul) {
 }
 
 const char* Separators(const PlaceCommandContext& c) {
-    return std::string_view(c.place.spec.value) == "AppInit_DLLs" ? " ," : ",";
+    return std::string_view(c.place.layout.value) == "AppInit_DLLs" ? " ," : ",";
 }
 
 // The list without its part `at`, and the separator that followed it (or
@@ -194,7 +194,7 @@ std::string WithoutPart(const std::string& text, const std::vector<ListPart>& pa
 bool IsWindowsOwn(PlaceCommandContext& c, std::string program) {
     program.erase(std::remove(program.begin(), program.end(), '"'), program.end());
     const std::string root = PlaceReader(c.ports.sources).systemRoot;
-    const std::string_view value = c.place.spec.value;
+    const std::string_view value = c.place.layout.value;
     if (value == "Shell") return SameTextIgnoringCase(program, "explorer.exe") || SameTextIgnoringCase(program, root + "\\explorer.exe");
     if (value == "Userinit") return SameTextIgnoringCase(program, root + "\\System32\\userinit.exe");
     return false;
@@ -271,7 +271,7 @@ bool DisableListed(PlaceCommandContext& c) {
     const std::string text = ListText(*kept, nul);
     const std::vector<ListPart> parts = ListParts(text, Separators(c));
     const size_t at = static_cast<size_t>(item->position);
-    if (parts.size() == 1 && std::string_view(c.place.spec.value) != "AppInit_DLLs") {
+    if (parts.size() == 1 && std::string_view(c.place.layout.value) != "AppInit_DLLs") {
         Tell(c, Named(c) + " is the only program of this value, and Windows needs one there, so it is not taken out.");
         return true;
     }

@@ -62,14 +62,14 @@ const std::vector<OtherPlace>& OtherPlaceTable() {
 
 const OtherPlace* FindOtherPlace(const std::string& location, RegKey* hive, uint32_t* view) {
     for (const OtherPlace& place : OtherPlaceTable()) {
-        const PlaceSpec& spec = place.spec;
+        const PlaceLayout& layout = place.layout;
         const struct {
             const char* code;
             RegKey hive;
             uint32_t view;
-        } codes[] = {{spec.native, kHKeyLocalMachine, spec.nativeView},
-                     {spec.wow, kHKeyLocalMachine, kKeyWow64_32Key},
-                     {spec.user, kHKeyCurrentUser, 0}};
+        } codes[] = {{layout.native, kHKeyLocalMachine, layout.nativeView},
+                     {layout.wow, kHKeyLocalMachine, kKeyWow64_32Key},
+                     {layout.user, kHKeyCurrentUser, 0}};
         for (const auto& code : codes) {
             if (!code.code || location != code.code) continue;
             if (hive) *hive = code.hive;
@@ -93,12 +93,12 @@ void Emit(StartupSources& sources, const StartupPlaces& places, StartupList& lis
 // The live items of a code, then what our commands took away from it. A
 // stored item its place holds again is listed live only.
 void EmitWithStore(StartupSources& sources, const StartupPlaces& places, StartupList& list, const PlaceReader& reader,
-                   const PlaceSpec& spec, const std::vector<PlaceItem>& live, const char* location, RegKey hive,
+                   const PlaceLayout& layout, const std::vector<PlaceItem>& live, const char* location, RegKey hive,
                    uint32_t view) {
     Emit(sources, places, list, reader, live, location);
     const PlaceStore store = ReadPlaceStore(sources.files, places.appPath, location, view);
     std::vector<PlaceItem> kept;
-    for (StoredPlaceItem& stored : StoredItems(sources, spec, hive, view, store.items)) {
+    for (StoredPlaceItem& stored : StoredItems(sources, layout, hive, view, store.items)) {
         const bool stale = std::any_of(live.begin(), live.end(), [&](const PlaceItem& item) {
             return item.name == stored.item.name && item.command == stored.item.command;
         });
@@ -112,16 +112,16 @@ void EmitWithStore(StartupSources& sources, const StartupPlaces& places, Startup
 void LoadOtherPlaces(StartupSources& sources, const StartupPlaces& places, StartupList& list) {
     const PlaceReader live(sources);
     for (const OtherPlace& place : OtherPlaceTable()) {
-        const PlaceSpec& spec = place.spec;
-        const std::vector<PlaceItem> wide = spec.read(live, spec, kHKeyLocalMachine, spec.nativeView);
-        EmitWithStore(sources, places, list, live, spec, wide, spec.native, kHKeyLocalMachine, spec.nativeView);
-        if (spec.wow) {
-            const std::vector<PlaceItem> narrow = spec.read(live, spec, kHKeyLocalMachine, kKeyWow64_32Key);
-            EmitWithStore(sources, places, list, live, spec, narrow != wide ? narrow : std::vector<PlaceItem>{},
-                          spec.wow, kHKeyLocalMachine, kKeyWow64_32Key);
+        const PlaceLayout& layout = place.layout;
+        const std::vector<PlaceItem> wide = layout.read(live, layout, kHKeyLocalMachine, layout.nativeView);
+        EmitWithStore(sources, places, list, live, layout, wide, layout.native, kHKeyLocalMachine, layout.nativeView);
+        if (layout.wow) {
+            const std::vector<PlaceItem> narrow = layout.read(live, layout, kHKeyLocalMachine, kKeyWow64_32Key);
+            EmitWithStore(sources, places, list, live, layout, narrow != wide ? narrow : std::vector<PlaceItem>{},
+                          layout.wow, kHKeyLocalMachine, kKeyWow64_32Key);
         }
-        if (spec.user) {
-            EmitWithStore(sources, places, list, live, spec, spec.read(live, spec, kHKeyCurrentUser, 0), spec.user,
+        if (layout.user) {
+            EmitWithStore(sources, places, list, live, layout, layout.read(live, layout, kHKeyCurrentUser, 0), layout.user,
                           kHKeyCurrentUser, 0);
         }
     }

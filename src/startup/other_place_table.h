@@ -1,5 +1,5 @@
 #pragma once
-// The table of the other places: for each kind, how it is found (PlaceSpec),
+// The table of the other places: for each kind, how it is found (PlaceLayout),
 // its Disable, Enable and Delete (null where the place has none), and
 // whether changing it needs administrator rights. A new place is one entry.
 #include <string>
@@ -27,9 +27,9 @@ struct PlaceCommandContext {
 using PlaceCommand = bool (*)(PlaceCommandContext&);
 
 struct OtherPlace {
-    PlaceSpec spec;
+    PlaceLayout layout;
     PlaceCommand disable, enable, remove;
-    bool machineWide;  // its codes other than `spec.user` need administrator rights to change
+    bool machineWide;  // its codes other than `layout.user` need administrator rights to change
 };
 
 const std::vector<OtherPlace>& OtherPlaceTable();

@@ -107,21 +107,21 @@ std::string PlaceReader::ProgramFile(const std::string& text) const {
 }
 
 // A value without a command starts nothing.
-std::vector<PlaceItem> ReadCommandValues(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+std::vector<PlaceItem> ReadCommandValues(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view) {
     std::vector<PlaceItem> found;
-    for (const RegValueEntry& entry : r.Values(hive, spec.key, view)) {
+    for (const RegValueEntry& entry : r.Values(hive, layout.key, view)) {
         const std::string command = TextOf(entry);
-        if (!TrimBlanks(command).empty()) found.push_back({entry.name, command, command, {}, nullptr, true, spec.key, entry.name});
+        if (!TrimBlanks(command).empty()) found.push_back({entry.name, command, command, {}, nullptr, true, layout.key, entry.name});
     }
     return found;
 }
 
 // RunOnceEx: a subkey per section, a value per entry, "file|function|arguments"
 // or "||command line"; the section's default value is its title.
-std::vector<PlaceItem> ReadRunOnceEx(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+std::vector<PlaceItem> ReadRunOnceEx(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view) {
     std::vector<PlaceItem> found;
-    for (const std::string& section : r.Subkeys(hive, spec.key, view)) {
-        const std::string path = Below(spec.key, section);
+    for (const std::string& section : r.Subkeys(hive, layout.key, view)) {
+        const std::string path = Below(layout.key, section);
         for (const RegValueEntry& entry : r.Values(hive, path, view)) {
             const std::string command = TextOf(entry);
             if (entry.name.empty() || TrimBlanks(command).empty()) continue;
@@ -139,12 +139,12 @@ std::vector<PlaceItem> ReadRunOnceEx(const PlaceReader& r, const PlaceSpec& spec
     return found;
 }
 
-std::vector<StoredPlaceItem> StoredItems(StartupSources& sources, const PlaceSpec& spec, RegKey hive, uint32_t view,
+std::vector<StoredPlaceItem> StoredItems(StartupSources& sources, const PlaceLayout& layout, RegKey hive, uint32_t view,
                                          const std::vector<StoreItem>& store) {
     std::vector<StoredPlaceItem> found;
     for (size_t i = 0; i < store.size(); ++i) {
         const RegFile one{{}, store[i].keys};
-        std::vector<PlaceItem> items = spec.read(PlaceReader(sources, &one), spec, hive, view);
+        std::vector<PlaceItem> items = layout.read(PlaceReader(sources, &one), layout, hive, view);
         // A list value is kept whole: the item is the one program that was taken out.
         if (store[i].position >= 0) {
             const size_t at = static_cast<size_t>(store[i].position);
@@ -174,28 +174,28 @@ std::vector<ListPart> ListParts(const std::string& text, const char* separators)
 }
 
 // Userinit, Shell and AppInit_DLLs are lists: each program they name runs.
-std::vector<PlaceItem> ReadListValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+std::vector<PlaceItem> ReadListValue(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view) {
     std::vector<PlaceItem> found;
-    const std::string text = ValueText(r.Values(hive, spec.key, view), spec.value);
-    const char* separators = std::string_view(spec.value) == "AppInit_DLLs" ? " ," : ",";
+    const std::string text = ValueText(r.Values(hive, layout.key, view), layout.value);
+    const char* separators = std::string_view(layout.value) == "AppInit_DLLs" ? " ," : ",";
     int position = 0;
     for (const ListPart& part : ListParts(text, separators)) {
         const std::string program = text.substr(part.begin, part.end - part.begin);
-        found.push_back({spec.value, program, program, {}, nullptr, true, spec.key, spec.value, false, position++});
+        found.push_back({layout.value, program, program, {}, nullptr, true, layout.key, layout.value, false, position++});
     }
     return found;
 }
 
-std::vector<PlaceItem> ReadWholeValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
-    const std::string text = ValueText(r.Values(hive, spec.key, view), spec.value);
+std::vector<PlaceItem> ReadWholeValue(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view) {
+    const std::string text = ValueText(r.Values(hive, layout.key, view), layout.value);
     if (TrimBlanks(text).empty()) return {};
-    return {{spec.value, text, text, {}, nullptr, true, spec.key, spec.value}};
+    return {{layout.value, text, text, {}, nullptr, true, layout.key, layout.value}};
 }
 
-std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view) {
     std::vector<PlaceItem> found;
-    for (const std::string& component : r.Subkeys(hive, spec.key, view)) {
-        const std::string path = Below(spec.key, component);
+    for (const std::string& component : r.Subkeys(hive, layout.key, view)) {
+        const std::string path = Below(layout.key, component);
         const RegValueList values = r.Values(hive, path, view);
         const std::string stub = ValueText(values, "StubPath");
         if (TrimBlanks(stub).empty()) continue;
@@ -205,10 +205,10 @@ std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceSpec& sp
     return found;
 }
 
-std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view) {
     std::vector<PlaceItem> found;
-    for (const std::string& program : r.Subkeys(hive, spec.key, view)) {
-        const std::string path = Below(spec.key, program);
+    for (const std::string& program : r.Subkeys(hive, layout.key, view)) {
+        const std::string path = Below(layout.key, program);
         const std::string debugger = ValueText(r.Values(hive, path, view), "Debugger");
         if (!TrimBlanks(debugger).empty()) found.push_back({program, debugger, debugger, {}, nullptr, true, path, "Debugger"});
     }
@@ -216,10 +216,10 @@ std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceSpec& spec
 }
 
 // What System Configuration took out of its source, a subkey per item.
-std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view) {
+std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view) {
     std::vector<PlaceItem> found;
-    for (const std::string& item : r.Subkeys(hive, spec.key, view)) {
-        const std::string path = Below(spec.key, item);
+    for (const std::string& item : r.Subkeys(hive, layout.key, view)) {
+        const std::string path = Below(layout.key, item);
         const RegValueList values = r.Values(hive, path, view);
         const std::string name = ValueText(values, "item");
         const std::string command = ValueText(values, "command");
@@ -230,7 +230,7 @@ std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceSpec& spec,
 
 // A host's key names its manifest (JSON, UTF-8), whose "path" is the
 // program, absolute or relative to the manifest's folder.
-std::vector<PlaceItem> ReadMessagingHosts(const PlaceReader& r, const PlaceSpec&, RegKey hive, uint32_t view) {
+std::vector<PlaceItem> ReadMessagingHosts(const PlaceReader& r, const PlaceLayout&, RegKey hive, uint32_t view) {
     std::vector<PlaceItem> found;
     for (const MessagingPlace& place : kMessagingPlaces) {
         for (const std::string& name : r.Subkeys(hive, place.key, view)) {

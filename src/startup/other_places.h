@@ -64,13 +64,13 @@ private:
     const RegFile* store_;
 };
 
-struct PlaceSpec;
-using PlaceRead = std::vector<PlaceItem> (*)(const PlaceReader&, const PlaceSpec&, RegKey hive, uint32_t view);
+struct PlaceLayout;
+using PlaceRead = std::vector<PlaceItem> (*)(const PlaceReader&, const PlaceLayout&, RegKey hive, uint32_t view);
 
 // How one kind of place is found: its Location codes (the machine's own
 // view, the 32-bit view, the user's; null where it has none), the view the
 // first is read in, the key and value it reads there, and its reader.
-struct PlaceSpec {
+struct PlaceLayout {
     const char* native;
     const char* wow;
     const char* user;
@@ -81,14 +81,14 @@ struct PlaceSpec {
 };
 
 // The readers of the registry places, one per kind.
-std::vector<PlaceItem> ReadCommandValues(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadRunOnceEx(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadListValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadWholeValue(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
-std::vector<PlaceItem> ReadMessagingHosts(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadCommandValues(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadRunOnceEx(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadListValue(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadWholeValue(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadActiveSetup(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadDebuggers(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadMsconfig(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadMessagingHosts(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
 
 // What a store keeps, as the place's reader lists it: each item with the
 // index of its store entry, disabled.
@@ -96,7 +96,7 @@ struct StoredPlaceItem {
     size_t index;
     PlaceItem item;
 };
-std::vector<StoredPlaceItem> StoredItems(StartupSources& sources, const PlaceSpec& spec, RegKey hive, uint32_t view,
+std::vector<StoredPlaceItem> StoredItems(StartupSources& sources, const PlaceLayout& layout, RegKey hive, uint32_t view,
                                          const std::vector<StoreItem>& store);
 
 // The programs of a list value (Userinit, AppInit_DLLs): the spans of the

@@ -66,7 +66,7 @@ void TasksIn(const PlaceReader& r, std::vector<PlaceItem>& found, const std::str
 
 }  // namespace
 
-std::vector<PlaceItem> ReadTasks(const PlaceReader& r, const PlaceSpec&, RegKey, uint32_t) {
+std::vector<PlaceItem> ReadTasks(const PlaceReader& r, const PlaceLayout&, RegKey, uint32_t) {
     std::vector<PlaceItem> found;
     TasksIn(r, found, r.systemRoot + "\\System32\\Tasks", "", 0);
     return found;
@@ -76,7 +76,7 @@ std::vector<PlaceItem> ReadTasks(const PlaceReader& r, const PlaceSpec&, RegKey,
 // with Start 2 start by themselves. A service in a shared host shows the DLL
 // it runs there: the host looks for it in Parameters, then in the service's
 // own key.
-std::vector<PlaceItem> ReadServices(const PlaceReader& r, const PlaceSpec& spec, RegKey, uint32_t) {
+std::vector<PlaceItem> ReadServices(const PlaceReader& r, const PlaceLayout& layout, RegKey, uint32_t) {
     std::vector<PlaceItem> found;
     for (const std::string& name : r.Subkeys(kHKeyLocalMachine, kServicesKey, 0)) {
         const std::string key = std::string(kServicesKey) + "\\" + name;
@@ -95,7 +95,7 @@ std::vector<PlaceItem> ReadServices(const PlaceReader& r, const PlaceSpec& spec,
             if (TrimBlanks(dll).empty()) dll = ValueText(values, "ServiceDll");
         }
         const char* location = driver ? kLocDriver : TrimBlanks(dll).empty() ? kLocService : kLocServiceDll;
-        if (location != std::string_view(spec.native)) continue;
+        if (location != std::string_view(layout.native)) continue;
         if (location == kLocServiceDll) {
             found.push_back({name, dll, dll, r.ProgramFile(dll), location, true, key, ""});
             continue;

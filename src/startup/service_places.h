@@ -13,10 +13,10 @@
 
 namespace corvane {
 
-std::vector<PlaceItem> ReadTasks(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+std::vector<PlaceItem> ReadTasks(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
 // The services and drivers that start without being asked, of the kind
-// whose Location code is `spec.native`.
-std::vector<PlaceItem> ReadServices(const PlaceReader& r, const PlaceSpec& spec, RegKey hive, uint32_t view);
+// whose Location code is `layout.native`.
+std::vector<PlaceItem> ReadServices(const PlaceReader& r, const PlaceLayout& layout, RegKey hive, uint32_t view);
 
 bool DisableService(PlaceCommandContext& context);
 bool EnableService(PlaceCommandContext& context);
