@@ -22,8 +22,6 @@ struct FakeProcess {
     bool refuseQuery = false;         // refused for the walk's 0x410, allowed for the kill's 0x401
     bool modulesFail = false;         // EnumProcessModules fails
     bool noModulesYet = false;        // EnumProcessModules succeeds with no module, as for a process starting
-    bool exitCodeFails = false;
-    bool terminateFails = false;
 };
 
 class FakeProcessTable : public ProcessTable {
@@ -119,8 +117,6 @@ public:
     bool ExitCode(ProcessHandle process, uint32_t& code) override {
         Handle* handle = HandleOf(process, false);
         if (!handle) return Fail(kInvalidHandle);
-        const FakeProcess* target = Find(handle->processId);
-        if (target && target->exitCodeFails) return Fail(kAccessDenied);
         code = kStillActive;
         return true;
     }
@@ -129,7 +125,7 @@ public:
         if (!handle) return Fail(kInvalidHandle);
         if (!(handle->access & kProcessTerminate)) return Fail(kAccessDenied);
         const FakeProcess* target = Find(handle->processId);
-        if (!target || target->terminateFails) return Fail(kAccessDenied);
+        if (!target) return Fail(kAccessDenied);
         Remove(handle->processId);
         return true;
     }

@@ -44,9 +44,7 @@ namespace {
 using namespace std::string_literals;
 
 const std::string kApp = "C:\\Corvane";
-const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run", kRunOnce = kRun + "Once";
-const std::string kWinlogon = "\\Software\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon",
-                  kWindowsNT = "HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
+const std::string kRun = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 const std::string kBHO = "HKLM\\"s + kHelperObjectsKey;
 const std::string kAwkward = "{11111111-2222-3333-4444-555555555555}", kPlain = "{AAAAAAAA-0000-0000-0000-000000000001}",
                   kKept = "{BBBBBBBB-0000-0000-0000-000000000002}", kTwin = "{77777777-0000-0000-0000-000000000007}";
@@ -91,6 +89,7 @@ struct World : fakes::Machine {
     int selected = -1;
     Row row;
     std::vector<std::string> kept;  // every kept .reg file's keys, read once per look
+    std::string keys;               // and the machine's, as a .reg file gives them
 
     // Built once and copied, as importing the machine costs more than most runs.
     World() {
@@ -169,6 +168,8 @@ Place FileAt(std::string path) {
 }
 // Every .reg file the program keeps: the helper objects' store and the backups.
 std::vector<std::string> ReadKeptFiles(World& w) {
+    fakes::FakeFileSystem none;
+    w.keys = fakes::MachineSnapshot(w.registry, none);
     std::vector<std::string> kept;
     for (const std::string& path : w.files.Paths()) {
         if (path.rfind(kApp + "\\", 0) != 0 || path.substr(path.size() - 4) != ".reg") continue;
@@ -280,17 +281,14 @@ std::vector<Item> Items() {
     // What other programs queued for the next start.
     items.push_back({"queued at reboot", {[](World& w) { return Some(w.files.Content(kWinInit).value_or("").substr(0, kQueued.size())); }}});
     items.push_back({"last report", {FileAt(kReport)}});
-    // The other places' items, each by the text only it holds: in its value, or in a kept .reg file.
-    for (const auto& [marker, values] :
-         {std::pair{"once-lm.exe", std::vector<std::pair<std::string, std::string>>{{"HKLM" + kRunOnce, "Once"}}},
-          {"once-32.exe", {{"HKLM\\Software\\Wow6432Node" + kRunOnce.substr(9), "Once"}}},
-          {"setup-ex.exe", {{"HKLM" + kRunOnce + "Ex\\0001", "Step"}}}, {"shell-extra.exe", {{"HKLM" + kWinlogon, "Shell"}}},
-          {"appinit-first.dll", {{kWindowsNT, "AppInit_DLLs"}}}, {"appinit-second.dll", {{kWindowsNT, "AppInit_DLLs"}}},
-          {"taken-aside.exe", {{"HKCU" + kRun, "Taken"}, {"HKLM\\Software\\Microsoft\\Shared Tools\\MSConfig\\startupreg\\Taken", "command"}}}}) {
-        items.push_back({marker, {[marker, values](World& w) {
-                             bool held = std::ranges::any_of(w.kept, [&](auto& f) { return f.find(marker) != std::string::npos; });
-                             for (const auto& [key, name] : values) held |= w.registry.Value(key, name).value_or(fakes::FakeRegistry::StoredValue{}).data.find(marker) != std::string::npos;
-                             return Some(held ? marker : "");
+    // The other places' items, each by the text only it holds, in the machine's keys or in a kept .reg file; a
+    // service's start type by its key's first values.
+    for (const char* marker : {"once-lm.exe", "once-32.exe", "setup-ex.exe", "shell-extra.exe", "appinit-first.dll",
+                               "appinit-second.dll", "taken-aside.exe",
+                               "CorvaneSvc]\r\n\"Type\"=dword:00000020\r\n\"Start\"=dword:00000002"}) {
+        items.push_back({marker, {[marker](World& w) {
+                             const auto holds = [marker](const std::string& text) { return text.find(marker) != text.npos; };
+                             return Some(holds(w.keys) || std::ranges::any_of(w.kept, holds) ? marker : "");
                          }}});
     }
     const std::vector<KeyRef> component{{kHKeyLocalMachine, "Software\\Microsoft\\Active Setup\\Installed Components\\{C0C0C0C0-0000-0000-0000-00000000000C}", 0}};
@@ -307,12 +305,6 @@ std::vector<Item> Items() {
                                                 }
                                                 return copies;
                                             }}});
-    // A service's start type: in the service while it is not disabled, else in a kept .reg file.
-    items.push_back({"start type", {[](World& w) {
-                         const bool on = w.registry.Value("HKLM\\SYSTEM\\CurrentControlSet\\Services\\CorvaneSvc", "Start")->data == "\x02\0\0\0"s;
-                         const std::string kept = "CorvaneSvc]\r\n\"Type\"=dword:00000020\r\n\"Start\"=dword:00000002";
-                         return Some(on || std::ranges::any_of(w.kept, [&](auto& f) { return f.find(kept) != f.npos; }) ? "2" : "");
-                     }}});
     return items;
 }
 

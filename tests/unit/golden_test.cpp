@@ -250,13 +250,6 @@ const std::pair<const char*, Make> kGoldens[] = {
          m.clock.failConversions = true;  // nor the time converted: no date either
          return text + "no version, no date\n" + Lines(Processes(m, "Microsoft Windows XP"));
      }},
-    {"rows-safe-list.txt",
-     [](Machine& m) {
-         AddToSafeList(m.files, kApp, {"Alpha.EXE", "alpha.exe", "common.exe"});
-         RemoveFromSafeList(m.files, kApp, {"COMMON.exe", "absent.exe", ""});
-         return Escaped(*m.files.Content(std::string(kApp) + "\\CommonProcess.qdl")) + "\n" +
-                Lines(Processes(m, "Microsoft Windows XP"));
-     }},
     {"rows-startup.txt",
      [](Machine& m) {
          std::string text;
@@ -280,10 +273,14 @@ const std::pair<const char*, Make> kGoldens[] = {
              return std::vector<std::string>{b == "Chrome" ? std::string(32, 'a') : ""};
          }};
          std::string text;
-         for (const ExtensionRecord& r : CollectExtensions(sources)) {
-             for (const std::string& cell : ExtensionRow(r, &m.encoding).cells) text += Escaped(cell) + "\t";
-             text += std::string(1, "-SDX"[static_cast<int>(ExtensionRow(r).mark)]) + "\t" + r.hive + "\\" + r.key +
-                     "|" + r.value + "|" + std::to_string(r.view) + "|" + std::to_string(static_cast<int>(r.source)) + "\n";
+         for (const char* held : {"", "Default\\Secure Preferences"}) {  // then that file held by the browser, unread
+             m.files.failIf = [held](const std::string& op, const std::string& path) { return op == "Read" && *held && path.ends_with(held); };
+             for (const ExtensionRecord& r : CollectExtensions(sources)) {
+                 for (const std::string& cell : ExtensionRow(r, &m.encoding).cells) text += Escaped(cell) + "\t";
+                 text += std::string(1, "-SDX"[static_cast<int>(ExtensionRow(r).mark)]) + "\t" + r.hive + "\\" + r.key +
+                         "|" + r.value + "|" + std::to_string(r.view) + "|" + std::to_string(static_cast<int>(r.source)) + "\n";
+             }
+             text += "--\n";
          }
          return text;
      }},
