@@ -11,6 +11,7 @@
 #include <tuple>
 #include <vector>
 
+#include "fakes/fakes.h"
 #include "foundations/registry.h"
 #include "foundations/text.h"
 #include "platform/clock.h"
@@ -43,15 +44,6 @@ inline std::vector<std::string> SubkeyNames(Registry& reg, RegKey key) {
         EXPECT_EQ(name[length], '\0') << "the length leaves out the NUL";
         names.emplace_back(name, length);
     }
-}
-
-// Deletes `path` below `parent` with everything under it; missing is fine.
-inline void DeleteRegTree(Registry& reg, RegKey parent, const std::string& path) {
-    RegKey key = 0;
-    if (reg.OpenKey(parent, path, kKeyAllAccess, key) != kRegOk) return;
-    for (const std::string& sub : SubkeyNames(reg, key)) DeleteRegTree(reg, key, sub);
-    reg.CloseKey(key);
-    reg.DeleteKey(parent, path);
 }
 
 // `root` is a path below HKEY_CURRENT_USER that the suite owns; it must not exist.
@@ -170,7 +162,10 @@ inline void CheckRegistryContract(Registry& reg, const std::string& root) {
     EXPECT_EQ(reg.DeleteKey(top, "Sub"), kRegOk);
 
     EXPECT_EQ(reg.CloseKey(top), kRegOk);
-    DeleteRegTree(reg, kHKeyCurrentUser, root);
+    fakes::FakePrompts prompts;
+    fakes::FakeSystemInfo system;
+    EXPECT_TRUE(DeleteRegKeyTree(reg, prompts, system, kHKeyCurrentUser, root));
+    EXPECT_EQ(reg.OpenKey(kHKeyCurrentUser, root, kKeyRead, key), kErrorFileNotFound) << "the tree went whole";
 }
 
 // A key made in the 32-bit view of a 64-bit system, as Windows and Wine keep

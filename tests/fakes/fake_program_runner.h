@@ -1,6 +1,5 @@
 #pragma once
-// A program runner that starts nothing: it plays the program through `run`
-// (an uninstaller removing its entry, say) between two calls of the caller's pump.
+// A program runner that starts nothing, and calls the caller's pump as a wait does.
 #include <functional>
 #include <string>
 
@@ -10,11 +9,7 @@ namespace corvane::fakes {
 
 class FakeProgramRunner : public ProgramRunner {
 public:
-    std::function<void(const std::string&)> run;
-
-    SysError RunAndWait(const std::string& commandLine, const std::function<void()>& pump) override {
-        if (pump) pump();
-        if (run) run(commandLine);
+    SysError RunAndWait(const std::string&, const std::function<void()>& pump) override {
         if (pump) pump();
         return kNoError;
     }
