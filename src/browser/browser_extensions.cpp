@@ -294,6 +294,7 @@ constexpr const char* kBlockedByPolicy = "Blocked by policy";
 constexpr const char* kBlockedByUs = "Blocked by Corvane";
 constexpr const char* kForcelist = "ExtensionInstallForcelist";
 constexpr const char* kBlocklist = "ExtensionInstallBlocklist";
+constexpr const char* kOldBlocklist = "ExtensionInstallBlacklist";  // its name before Chrome 86
 constexpr const char* kFirefoxPolicyKey = "Software\\Policies\\Mozilla\\Firefox";
 
 struct ChromiumPolicyPlace {
@@ -403,7 +404,7 @@ private:
         const std::string browser = place.browser;
         EffectiveLists lists;
         if (sources_.ourBlocklist) lists.ours = sources_.ourBlocklist(browser);
-        for (const char* policy : {kForcelist, kBlocklist}) {
+        for (const char* policy : {kForcelist, kBlocklist, kOldBlocklist}) {
             const bool forcing = policy == kForcelist;
             const std::string key = std::string(place.policyKey) + "\\" + policy;
             bool machineHasIt = false;
@@ -427,7 +428,8 @@ private:
                         Mark(record, ours ? kBlockedByUs : kBlockedByPolicy, kFromPolicy.installedBy, false);
                         if (applies) {
                             lists.blocked.push_back(record.id);
-                            lists.blockedByMachine = hive == kHKeyLocalMachine;
+                            // Our blocks are only ever under the policy's own name.
+                            if (policy == kBlocklist) lists.blockedByMachine = hive == kHKeyLocalMachine;
                         }
                     }
                 }

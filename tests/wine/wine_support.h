@@ -103,18 +103,10 @@ inline std::string RunUnix(const std::string& command) {
 // Imports a .reg file with regedit /s; false when regedit fails.
 inline bool ImportRegFile(const std::string& path) { return Run("regedit.exe /s \"" + path + "\"") == 0; }
 
-// Copies a fixture program into `folder` under `name`, created and last
-// written on 31 January 2003 at noon UTC, so its date column is known.
+// Copies a fixture program into `folder` under `name`.
 inline std::string PlaceFixture(const std::string& fixture, const std::string& folder, const std::string& name) {
-    const std::string path = folder + "\\" + name;
-    CopyFileA((TestFolder() + "\\" + fixture).c_str(), path.c_str(), FALSE);
-    HANDLE file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const SYSTEMTIME noon{2003, 1, 5, 31, 12, 0, 0, 0};
-    FILETIME time;
-    SystemTimeToFileTime(&noon, &time);
-    SetFileTime(file, &time, nullptr, &time);
-    CloseHandle(file);
-    return path;
+    CopyFileA((TestFolder() + "\\" + fixture).c_str(), (folder + "\\" + name).c_str(), FALSE);
+    return folder + "\\" + name;
 }
 
 // Saves a shortcut file through the shell's link object (IShellLinkA and
