@@ -240,8 +240,7 @@ std::string PaneReports(Machine& m) {
 }
 
 const std::pair<const char*, Make> kGoldens[] = {
-    {"rows-process.txt",
-     [](Machine& m) {
+    {"rows-process.txt", [](Machine& m) {
          std::string text = Lines(Processes(m, "Microsoft Windows XP")) + "all\n" +
                                   Lines(Processes(m, "Microsoft Windows XP", false));
          m.files.SetHiddenOrSystem(std::string(kApp) + "\\SystemProcess.qdl");  // a hidden list names nothing
@@ -250,23 +249,20 @@ const std::pair<const char*, Make> kGoldens[] = {
          m.clock.failConversions = true;  // nor the time converted: no date either
          return text + "no version, no date\n" + Lines(Processes(m, "Microsoft Windows XP"));
      }},
-    {"rows-startup.txt",
-     [](Machine& m) {
+    {"rows-startup.txt", [](Machine& m) {
          std::string text;
          for (const char* key : {"All", "LM", "HKLM", "LMStartup", "CU", "HKCU", "CUStartup", "Other", "all"}) {
              text += std::string("== ") + key + ": " + StartupNodeCaption(key) + "\n" + Lines(Startup(m, key));
          }
          return text;
      }},
-    {"rows-browser.txt",
-     [](Machine& m) {
+    {"rows-browser.txt", [](Machine& m) {
          std::string text;
          for (const auto& rows : Browser(m)) text += Lines(rows) + "--\n";
          for (const std::string& url : LoadBrowserURLs(m.registry)) text += Escaped(url) + "\n";
          return text;
      }},
-    {"rows-extensions.txt",
-     [](Machine& m) {
+    {"rows-extensions.txt", [](Machine& m) {
          // Chrome's machine blocklist holds one entry of ours; the list shows the browsers' UTF-8 in code page 1252.
          m.environment.uiLanguage = "de-AT";
          ExtensionSources sources{m.registry, m.files, m.clock, m.environment, &m.encoding, [](const std::string& b) {
@@ -284,8 +280,7 @@ const std::pair<const char*, Make> kGoldens[] = {
          }
          return text;
      }},
-    {"rows-backups.txt",
-     [](Machine& m) {
+    {"rows-backups.txt", [](Machine& m) {
          // Plain records only, not a folder, a hidden or a system file; one that cannot be read ends the list.
          for (const char* stamp : {"1_1_2003_1_1_1", "2_1_2003_1_1_1", "3_1_2003_1_1_1", "4_1_2003_1_1_1"}) {
              m.files.AddFile(BackupRecordPath(kApp, stamp), BackupRecord(std::string("C:\\Apps\\") + stamp, "1/2/2003"));
@@ -306,8 +301,7 @@ const std::pair<const char*, Make> kGoldens[] = {
     {"rows-applications.txt", ApplicationRows({5, 1, 2600, 2, "Service Pack 3"}, ".")},
     {"rows-applications-2000.txt", ApplicationRows({5, 0, 2195, 2, "SP4"}, ",")},
     {"rows-applications-98.txt", ApplicationRows({4, 10, 2222, 1, " A "}, ".")},
-    {"rows-sort.txt",
-     [](Machine&) {
+    {"rows-sort.txt", [](Machine&) {
          std::string text;
          for (const SortPolicy policy : {SortPolicy::FlipOnEveryClick, SortPolicy::FlipOnSameColumn, SortPolicy::None}) {
              SortState state = InitialSortState(policy);
@@ -319,8 +313,7 @@ const std::pair<const char*, Make> kGoldens[] = {
          }
          return text;
      }},
-    {"report-banners.txt",
-     [](Machine& m) {
+    {"report-banners.txt", [](Machine& m) {
          std::string text;
          for (const OsVersion& version : {OsVersion{4, 0, 67109814, 1, ""}, {4, 10, 2182, 1, ""}, {4, 10, 2183, 1, " A "},
                                           {4, 10, 67766446, 1, " A "}, {4, 90, 3000, 1, ""}, {4, 50, 1, 1, ""},
