@@ -13,7 +13,6 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <regex>
 #include <sstream>
 #include <stdexcept>
 
@@ -376,15 +375,6 @@ TEST(Golden, TheMachinesFakesKeepTheirContracts) {
     contract::CheckServiceContract(m.services, m.tasks, m.registry, {{"OwnSvc", 0x10, 2}, {"BootDrv", 1, 0}}, "\\Task");
 }
 
-#ifdef CORVANE_DATA_DIR
-// A line is compared whole with the lower-cased key name: capitals, a missing
-// brace or a trailing blank would make an entry that never matches.
-TEST(Golden, TheShippedSuspectClassIdsAreAsTheListIsSearchedFor) {
-    std::ifstream in(CORVANE_DATA_DIR "/SusCLSID.qdl", std::ios::binary);
-    const std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_TRUE(std::regex_match(content, std::regex(R"((\{[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}\}\r\n)+)")));
-}
-#endif
 
 }  // namespace
 }  // namespace corvane::golden
