@@ -11,6 +11,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <cstdlib>
@@ -262,7 +263,8 @@ std::string DialogTexts(HWND dialog, const std::string& pane = "") {
         return ((pane.empty() && ClassOf(w) == "Static") || ClassOf(w) == "Button") && !TextOf(w).empty();
     };
     for (HWND c : Children(dialog, shown)) texts += "  " + TextOf(c) + "\n";
-    return std::regex_replace(texts, std::regex("[0-9]+/[0-9]+/[0-9]{4}"), "<date>");  // a file's, made today
+    // A file's date, made today, and a backup's time stamp.
+    return std::regex_replace(texts, std::regex("[0-9]+/[0-9]+/[0-9]{4}|[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{6}"), "<date>");
 }
 
 // Answers the prompts as they come, one token each, "|" between: a button's
@@ -336,7 +338,8 @@ const char* const kWayNames[] = {" (button)", " (menu)", " (read-only folder)"};
 // A command on the checked rows ticks its row as well as selecting it.
 struct Step {
     int nav, control;           // the pane's navigation button; a tab, radio button or the startup tree to click first
-    const char* row;            // the row acted on, by the text of a cell; null for none
+                                // (IDC_TVWSTARTUP: its first node, kOtherPlaces: its last)
+    const char* row;            // the row acted on, by the text of a cell ("A|B": several, B looked at); null for none
     const char *button, *menu;  // the button's text ("##id": double-click a control; "^N": column N's heading;
                                 // "A|B": A, then B); the menu item (null: the button's text, "": none)
     std::string answers;        // one prompt after another, "|" between (see Answer)
@@ -345,6 +348,8 @@ struct Step {
     COLORREF colour;            // ...drawn in this colour (CLR_NONE: not looked at)
     std::string refusal = "";   // with the program folder read-only: the machine stays, these answered
 };
+
+constexpr int kOtherPlaces = -IDC_TVWSTARTUP;
 
 std::vector<std::string> g_skipped;  // the rows that could not run with a read-only folder
 std::set<std::string> g_seen;        // each pane and tab's buttons and frames, dumped once
@@ -363,19 +368,23 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
     const char* menuItem = s.menu ? s.menu : s.button;
     if (way == kMenu && !*menuItem) return;
     Navigate(s.nav);
-    HWND control = s.control ? ById(Pane(), s.control) : nullptr;
-    if (RECT r; s.control == IDC_TVWSTARTUP && TreeView_GetItemRect(control, TreeView_GetRoot(control), &r, TRUE)) {
+    HWND control = s.control ? ById(Pane(), std::abs(s.control)) : nullptr;
+    HTREEITEM node = std::abs(s.control) != IDC_TVWSTARTUP ? nullptr : s.control < 0 ? TreeView_GetLastVisible(control) : TreeView_GetRoot(control);
+    if (RECT r; node && TreeView_GetSelection(control) != node &&
+                (TreeView_EnsureVisible(control, node), TreeView_GetItemRect(control, node, &r, TRUE))) {
         MapWindowPoints(control, nullptr, reinterpret_cast<POINT*>(&r), 2);
-        ClickAt({r.left + 5, (r.top + r.bottom) / 2});  // the tree's first node, "All Items"
-    } else if (control) {
+        ClickAt({r.left + 5, (r.top + r.bottom) / 2});  // "All Items", or "Other Places"
+    } else if (control && !node) {
         ClickAt(Centre(control));
     }
     Settle();
     if (const std::string texts = DialogTexts(Pane(), "a pane"); g_seen.insert(texts).second) g_texts += texts;
     HWND list = List();
     int item = -1;
-    if (s.row) {
-        if (!WaitFor([&] { return (item = ItemOf(list = List(), s.row)) >= 0; })) FAIL() << what << ": the row is not listed";
+    std::string row;  // the last of the rows
+    std::istringstream rows(s.row ? s.row : "");
+    for (std::string name; std::getline(rows, name, '|'); row = name) {
+        if (!WaitFor([&] { return (item = ItemOf(list = List(), name)) >= 0; })) FAIL() << what << ": " << name << " is not listed";
         ClickAt(ItemPoint(list, item));
         if (std::strstr(s.button, "Checked") && !ListView_GetCheckState(list, item)) Xdo("key space");
     }
@@ -416,10 +425,10 @@ void RunStep(const Step& s, Way way, const std::string& folder) {
     EXPECT_TRUE(refused ? !s.changed() : WaitFor(s.changed)) << what << (refused ? ": changed" : ": did not change");
     // The list was filled anew: the row is there or gone, in its colour.
     const bool kept = refused || s.kept;
-    if (s.row && s.kept >= 0 && !WaitFor([&] { return (ItemOf(List(), s.row) >= 0) == kept; }, 3000)) {
+    if (s.row && s.kept >= 0 && !WaitFor([&] { return (ItemOf(List(), row) >= 0) == kept; }, 3000)) {
         ADD_FAILURE() << what << (kept ? ": the row is gone" : ": the row is still listed");
     } else if (s.row && kept && !refused && s.colour != CLR_NONE) {
-        item = ItemOf(list = List(), s.row);
+        item = ItemOf(list = List(), row);
         ListView_SetItemState(list, item, 0, LVIS_SELECTED);  // a selected row shows the selection's colours
         Sleep(200);
         EXPECT_TRUE(DrawnIn(list, item, s.colour)) << what << ": the row is not drawn in " << std::hex << s.colour;
@@ -450,14 +459,67 @@ std::string ProgramFolder(const std::string& extra) {
     return folder;
 }
 
+// One item of each other place, naming a program that is there: registry
+// values written anew for each way, a task file, and a service made through
+// the service manager (a running one learns of no other).
+struct OtherPlacesMachine {
+    struct Value { HKEY hive; std::string key; const char* name; std::string data; };
+    const std::string nt = "Software\\Microsoft\\Windows NT\\CurrentVersion\\", program, task = "C:\\windows\\system32\\Tasks\\CorvaneTestOn",
+                      setAside = "SOFTWARE\\Microsoft\\Shared Tools\\MSConfig\\", service = "SYSTEM\\CurrentControlSet\\Services\\CorvaneTestWalk";
+    const std::vector<Value> values = {
+        {HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", "CorvaneTest Once", program},
+        {HKEY_LOCAL_MACHINE, nt + "Winlogon", "Taskman", program},
+        {HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Active Setup\\Installed Components\\CorvaneTest Setup", "StubPath", program},
+        {HKEY_LOCAL_MACHINE, nt + "Windows", "AppInit_DLLs", wine::kStartupFiles + "\\lib.dll"},
+        {HKEY_LOCAL_MACHINE, nt + "Image File Execution Options\\CorvaneTest.exe", "Debugger", program},
+        {HKEY_LOCAL_MACHINE, setAside + "startupreg\\CorvaneTest Taken", "hkey", "HKLM"},
+        {HKEY_LOCAL_MACHINE, setAside + "startupreg\\CorvaneTest Taken", "key", kRunKeyPath},
+        {HKEY_LOCAL_MACHINE, setAside + "startupreg\\CorvaneTest Taken", "command", program},
+        {HKEY_LOCAL_MACHINE, setAside + "startupfolder\\CorvaneTest^Link", "item", "CorvaneTest Link"},
+        {HKEY_CURRENT_USER, "Software\\Google\\Chrome\\NativeMessagingHosts\\corvanetest.walk", "", "C:\\corvane-tests\\host.json"}};
+
+    explicit OtherPlacesMachine(const std::string& path) : program(path) {
+        SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
+        CloseServiceHandle(CreateServiceA(manager, "CorvaneTestWalk", "CorvaneTestWalk", SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS,
+                                          SERVICE_AUTO_START, SERVICE_ERROR_NORMAL, path.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
+        CloseServiceHandle(manager);
+    }
+    ~OtherPlacesMachine() {
+        Clear();
+        SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS), made = OpenServiceA(manager, "CorvaneTestWalk", DELETE);
+        // The manager leaves the key until the next boot.
+        DeleteService(made), CloseServiceHandle(made), CloseServiceHandle(manager), SHDeleteKeyA(HKEY_LOCAL_MACHINE, service.c_str());
+    }
+    void Setup() {
+        Clear();
+        for (const Value& v : values) EXPECT_TRUE(wine::SetValue(v.hive, v.key, 0, v.name, REG_SZ, v.data + '\0')) << v.key;
+        EXPECT_EQ(Win32FileSystem().Write(task, "<Task version=\"1.2\" xmlns=\"http://schemas.microsoft.com/windows/2004/02/mit/task\"><Settings>"
+                                                "<Enabled>true</Enabled></Settings><Actions><Exec><Command>" + program +
+                                                "</Command></Exec></Actions></Task>"), kNoError);
+    }
+    void Clear() {
+        for (const Value& v : values)
+            wine::Ours(v.key.substr(v.key.rfind('\\') + 1)) ? SHDeleteKeyA(v.hive, v.key.c_str()) : SHDeleteValueA(v.hive, v.key.c_str(), v.name);
+        DeleteFileA(task.c_str());
+    }
+    bool There(int k) const {  // value k reads as written; k = -1: the service starts by itself
+        char text[MAX_PATH] = {};
+        DWORD size = sizeof text;
+        const Value& v = k < 0 ? Value{HKEY_LOCAL_MACHINE, service, "Start", "\x02"} : values[k];
+        return !RegGetValueA(v.hive, v.key.c_str(), v.name, RRF_RT_ANY, nullptr, text, &size) && v.data == text;
+    }
+};
+
 TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
     wine::StartupMachine startup;
+    OtherPlacesMachine places(startup.plain);
     const std::string uninstall = std::string(kUninstallKey) + "\\", colourBox = "##" + std::to_string(IDC_PICSUSPICIOUS);
     const auto valueGone = [](std::string key, std::string name) { return [=] { return !ValueThere(HKEY_LOCAL_MACHINE, key, name); }; };
     const auto keyGone = [](std::string key) { return [=] { return !KeyThere(HKEY_LOCAL_MACHINE, key); }; };
     const auto always = [] { return true; };
     for (Way way : {kButton, kMenu, kReadOnly}) {
         startup.Setup();
+        places.Setup();
         wine::BrowserMachine browser;
         wine::ApplicationsMachine applications;
         const std::string app = ProgramFolder(browser.app), procs = wine::FreshFolder("walk-procs");
@@ -478,7 +540,7 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
         const std::string chrome = std::string(browser.kGooglePolicies) + "\\Chrome\\ExtensionInstall";
         const auto blocked = std::not_fn(valueGone(chrome + "Blocklist", "1"));
         const auto blank = [] { Win32Registry r; return LoadBrowserURLs(r)[kUrlStartPage] == DefaultBrowserUrl(kUrlStartPage); };
-        const std::vector<Step> steps = {
+        std::vector<Step> steps = {
             {IDC_CMDPROCESS, 0, "corvanewalk safe.exe", "Add Checked to Safe list", nullptr, "", listed, 0, CLR_NONE, "OK"},
             {IDC_CMDPROCESS, IDC_OPTFILTER0, "corvanewalk safe.exe", "Remove Checked from Safe list",
              "Remove checked from Safe list", "", std::not_fn(listed), 1, 0, "OK"},
@@ -527,6 +589,32 @@ TEST(WalkUnderWine, EveryCommandByButtonByMenuAndOverAReadOnlyFolder) {
              1, CLR_NONE, "#720|OK"},
             {IDC_CMDOPTIONS, 0, nullptr, "About", "", "OK", always, 1, CLR_NONE},
         };
+        // Disable, then Enable, take one row of each other place at once: Disable
+        // passes over the item System Configuration set aside, Enable puts it
+        // back and passes over the live host and task. Delete takes one row at a
+        // time. A host and a task are not switched off, a service not deleted: each says so.
+        const std::string six = "|CorvaneTest Once|Taskman|CorvaneTest Setup|AppInit_DLLs|CorvaneTest.exe|CorvaneTestWalk";
+        const std::string offRows = "CorvaneTest Taken" + six, onRows = "Chrome: corvanetest.walk|\\CorvaneTestOn|" + offRows;
+        const auto in = [&](int k) { return [&, k] { return places.There(k); }; };
+        const std::vector<std::pair<const char*, std::function<bool()>>> others = {
+            {"CorvaneTest Once", in(0)}, {"CorvaneTest Setup", in(2)}, {"CorvaneTest.exe", in(4)}, {"CorvaneTestWalk", in(-1)},
+            {"Taskman", in(1)}, {"AppInit_DLLs", in(3)}, {"CorvaneTest Link", in(8)}, {"Chrome: corvanetest.walk", in(9)}};
+        const auto all = [&](bool on) {  // the six, and the set-aside item put back
+            return [&, on] { return (!places.There(5) && ValueThere(HKEY_LOCAL_MACHINE, kRunKeyPath, "CorvaneTest Taken")) == on &&
+                                    std::all_of(others.begin(), others.begin() + 6, [&](const auto& o) { return o.second() == on; }); };
+        };
+        const auto taskOn = [&] { return Holds(places.task, "<Enabled>true"); };  // its file is the task service's
+        steps.insert(steps.end(), {
+            {IDC_CMDSTARTUP, kOtherPlaces, offRows.c_str(), "Disable Checked Items", "Disabled Checked Items", "", all(false), 1, 0x808080, "OK"},
+            {IDC_CMDSTARTUP, kOtherPlaces, onRows.c_str(), "Enable Checked Items", nullptr, "", all(true), 1, 0, "OK"},
+            {IDC_CMDSTARTUP, kOtherPlaces, others[7].first, "Disable Checked Items", "Disabled Checked Items", "OK", others[7].second, 1, CLR_NONE},
+            {IDC_CMDSTARTUP, kOtherPlaces, "\\CorvaneTestOn", "Disable Checked Items", "Disabled Checked Items", "OK", taskOn, 1, CLR_NONE}});
+        for (size_t i : {0, 1, 2, 3, 6, 7}) {
+            const bool backup = i != 3;  // a .reg backup first; a service's is not available
+            steps.push_back({IDC_CMDSTARTUP, kOtherPlaces, others[i].first, "Delete Selected item", nullptr, backup ? "Yes" : "OK",
+                             [&, i, backup] { return others[i].second() != backup && (!backup || InBackup(app, others[i].first)); },
+                             !backup, CLR_NONE, backup ? "OK" : ""});
+        }
         Program program(app);
         for (const Step& step : steps) RunStep(step, way, app);
     }
