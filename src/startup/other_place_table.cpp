@@ -46,14 +46,14 @@ const std::vector<OtherPlace>& OtherPlaceTable() {
          DisableListed, EnableListed, nullptr, true},
         {{kLocDebugger, kLocDebugger32, nullptr, k64, kDebuggerKey, "", ReadDebuggers},
          DisableKept, EnableKept, DeleteWithBackup, true},
-        {{kLocTask, nullptr, nullptr, 0, "", "", ReadTasks}, DisableTask, EnableTask, nullptr, true},
+        {{kLocTask, nullptr, nullptr, 0, "", "", ReadTasks}, DisableTask, EnableTask, nullptr, true, false},
         {{kLocService, nullptr, nullptr, 0, kServicesKey, "", ReadServices}, DisableService, EnableService, nullptr, true},
         {{kLocServiceDll, nullptr, nullptr, 0, kServicesKey, "", ReadServices}, DisableService, EnableService, nullptr, true},
         {{kLocDriver, nullptr, nullptr, 0, kServicesKey, "", ReadServices}, DisableService, EnableService, nullptr, true},
         {{kLocMsconfigReg, nullptr, nullptr, k64, kMsconfigRegKey, "", ReadMsconfig},
-         nullptr, EnableSetAside, DeleteWithBackup, true},
+         nullptr, EnableSetAside, DeleteWithBackup, true, false},
         {{kLocMsconfigFolder, nullptr, nullptr, k64, kMsconfigFolderKey, "", ReadMsconfig},
-         nullptr, EnableSetAside, DeleteWithBackup, true},
+         nullptr, EnableSetAside, DeleteWithBackup, true, false},
         {{kLocMessagingLM, kLocMessagingLM32, kLocMessagingCU, k64, "", "", ReadMessagingHosts},
          nullptr, nullptr, DeleteWithBackup, true},
     };
@@ -132,7 +132,18 @@ bool RunOtherPlaceCommands(CommandPorts& ports, const StartupPlaces& places, con
     static constexpr const char* kVerbs[] = {"Disable", "Enable", "Delete"};
     static constexpr const char* kProcedures[] = {"cmdDisable", "cmdEnable", "cmdDelete"};
     const auto k = static_cast<size_t>(kind);
-    bool any = false, folderChecked = kind == PlaceCommandKind::Delete;
+    const auto commandOf = [kind](const OtherPlace* place) -> PlaceCommand {
+        return !place                              ? nullptr
+               : kind == PlaceCommandKind::Disable ? place->disable
+               : kind == PlaceCommandKind::Enable  ? place->enable
+                                                   : place->remove;
+    };
+    // The store folder is checked once, before anything changes, when a row keeps its item there.
+    bool any = false, folderChecked = kind == PlaceCommandKind::Delete ||
+                                      std::none_of(rows.begin(), rows.end(), [&](const StartupRow& row) {
+                                          const OtherPlace* place = FindOtherPlace(row.cells[kStartupColLocation]);
+                                          return commandOf(place) && place->ourStore;
+                                      });
     for (const StartupRow& row : rows) {
         const std::string& location = row.cells[kStartupColLocation];
         RegKey hive = 0;
@@ -140,17 +151,13 @@ bool RunOtherPlaceCommands(CommandPorts& ports, const StartupPlaces& places, con
         const OtherPlace* place = FindOtherPlace(location, &hive, &view);
         if (!place && !IsOtherPlace(location)) continue;
         any = true;
-        const PlaceCommand command = !place                              ? nullptr
-                                     : kind == PlaceCommandKind::Disable ? place->disable
-                                     : kind == PlaceCommandKind::Enable  ? place->enable
-                                                                         : place->remove;
+        const PlaceCommand command = commandOf(place);
         if (!command) {
             ports.prompts.Message("\"" + row.cells[kStartupColName] + "\" (" + LocationCaption(location) + "): " +
                                       kVerbs[k] + " is not available for this place.\r\n\r\nNothing was changed.",
                                   kAppTitle, PromptIcon::Information, PromptButtons::Ok);
             continue;
         }
-        // The store folder is checked once, before anything changes.
         if (!folderChecked && !CheckStoreFolders(ports.files, ports.prompts, ports.system, kProcedures[k],
                                                  {PlaceStoreFolder(places.appPath)})) {
             stopped = true;

@@ -30,6 +30,9 @@ struct OtherPlace {
     PlaceLayout layout;
     PlaceCommand disable, enable, remove;
     bool machineWide;  // its codes other than `layout.user` need administrator rights to change
+    // Its Disable and Enable keep the item in our store; a task's switch is the
+    // task service's, and System Configuration keeps its own record.
+    bool ourStore = true;
 };
 
 const std::vector<OtherPlace>& OtherPlaceTable();

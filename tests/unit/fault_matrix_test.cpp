@@ -477,8 +477,9 @@ std::vector<Command> Commands() {
             rows.push_back({"disable " + name, other(location, command, false), disable, "", available ? dother : "",
                             machine && available, available});
         }
-        if (commands[1] == 'E') {
-            rows.push_back({"enable " + name, other(location, command, commands[0] == 'D'), enable, "", dother, machine});
+        if (commands[1] == 'E') {  // System Configuration's set-aside items come back from its own record
+            rows.push_back({"enable " + name, other(location, command, commands[0] == 'D'), enable, "",
+                            commands[0] == 'D' ? dother : "", machine});
         }
         if (commands[2] == 'D') {
             rows.push_back({"delete " + name, other(location, command, false), del, "", backup, machine, true});
@@ -489,11 +490,12 @@ std::vector<Command> Commands() {
     for (const auto& [location, command, enables] : {std::tuple{kLocServiceDll, "C:\\Apps\\svc.dll"s, true},
                                                     {kLocDriver, "\\??\\C:\\Apps\\drv.sys"s, false}, {kLocTask, sched, true}}) {
         const std::string name = std::string(location) + " " + command;
-        rows.push_back({"disable " + name, other(location, command, false), disable, "", dother, location != kLocTask, true});
-        if (enables) rows.push_back({"enable " + name, other(location, command, true), enable, "", dother, location != kLocTask});
+        const std::string store = location == kLocTask ? "" : dother;  // a task's switch is the task service's
+        rows.push_back({"disable " + name, other(location, command, false), disable, "", store, !store.empty(), !store.empty()});
+        if (enables) rows.push_back({"enable " + name, other(location, command, true), enable, "", store, !store.empty()});
     }
     rows.push_back({"disable a task kept by no service", [=](World& w) { other(kLocTask, sched, false)(w), w.tasks.keepsNothing = true; },
-                    disable, "", dother, false, true});
+                    disable});
     for (const char* own : {"safe list add", "safe list remove", "delete on reboot, Windows 9x", "console report"}) {
         for (Command& row : rows) row.onlyCopy |= row.name == own;
     }
@@ -646,8 +648,9 @@ TEST(FaultMatrix, EachCommandWithoutAFaultAndUnderWhatTheUserMeets) {
                 EXPECT_EQ(machine, before.machine) << context;
                 ASSERT_EQ(w.prompts.shown.size(), 1u) << context;
                 EXPECT_NE(w.prompts.shown[0].text.find("\r\n" + c.folder + "\r\n"), std::string::npos) << context;
-            } else if (readOnly && c.name.rfind("delete ", 0) == 0) {
-                // A delete that keeps nothing beside the program is not stopped by its folder.
+            } else if (readOnly && c.whole.empty() && !c.onlyCopy) {
+                // A command that keeps nothing beside the program (a live item's delete, a task's switch, a
+                // set-aside item put back) is not stopped by its folder.
                 EXPECT_EQ(machine, doneMachine) << context;
             }
             if (column == "HKLM refused") {

@@ -419,34 +419,19 @@ TEST(RealSystem, OlderWindowsAsTheyReportThemselvesAndTheirProcesses) {
 
 // ---- RealCyrillic: a system of code page 1251 ----
 
-// The cache record keeps its program's path in UTF-16, which the row takes
-// into the system's ANSI code page. Wine takes that code page from the Unix
-// locale, so ctest runs this under LC_ALL=ru_RU.UTF-8: a letter the row put
-// as "?" would lose the program's file, its icon and its facts.
-TEST(RealCyrillic, ACacheRecordsPathGivesTheRowItsProgram) {
+// A path the system keeps in UTF-16 (a cache record's program) comes into
+// the system's ANSI code page, by which the program's file and its facts are
+// found; a letter put as "?" would lose them. Wine takes that code page from
+// the Unix locale, so ctest runs this under LC_ALL=ru_RU.UTF-8.
+TEST(RealCyrillic, AUtf16PathFindsItsFileThroughTheCodePage) {
     ASSERT_EQ(GetACP(), 1251u) << "run under LC_ALL=ru_RU.UTF-8, as ctest does";
     const std::string folder = wine::FreshFolder("cyrillic"), fixture = wine::TestFolder() + "\\fixture_full.exe";
-    const std::string entry = "CorvaneTestCyrillic";  // ASCII paths, so widened byte by byte
-    const std::wstring program = std::wstring(folder.begin(), folder.end()) + L"\\\u043f\u0440\u043e\u0433\u0440\u0430\u043c\u043c\u0430.exe";
-    ASSERT_TRUE(CopyFileW(std::wstring(fixture.begin(), fixture.end()).c_str(), program.c_str(), FALSE));
-    std::string record(kSlowInfoCacheSize, '\0');
-    record[kSlowInfoNameFlag] = 1;
-    std::memcpy(&record[kSlowInfoImagePath], program.data(), program.size() * sizeof(wchar_t));  // UTF-16LE
-    wine::ApplicationsMachine machine;
-    for (const char* value : {"DisplayName", "UninstallString"}) {
-        ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, kUninstallKey + "\\"s + entry, 0, value, REG_SZ,
-                                                   "CorvaneTest Cyrillic\0"s));
-    }
-    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, kArpCacheKey + "\\"s + entry, 0, "SlowInfoCache",
-                                               REG_BINARY, record));
-    Live l;
+    const std::u16string program = std::u16string(folder.begin(), folder.end()) + u"\\\u043f\u0440\u043e\u0433\u0440\u0430\u043c\u043c\u0430.exe";
+    ASSERT_TRUE(CopyFileW(std::wstring(fixture.begin(), fixture.end()).c_str(), std::wstring(program.begin(), program.end()).c_str(), FALSE));
     Win32TextEncoding ansi;
-    ApplicationSources sources{l.registry, l.facts, ansi};
-    const std::vector<Row> rows = CollectApplications(sources, ApplicationListOptions{});
-    const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row& r) { return r.key == entry; });
-    ASSERT_NE(row, rows.end());
-    EXPECT_EQ(row->iconFile, folder + "\\\xEF\xF0\xEE\xE3\xF0\xE0\xEC\xEC\xE0.exe");
-    EXPECT_GT(l.facts.VersionInfoSize(row->iconFile), 0u) << "its file facts";
+    const std::string path = ansi.AnsiOfUtf16(program);
+    EXPECT_EQ(path, folder + "\\\xEF\xF0\xEE\xE3\xF0\xE0\xEC\xEC\xE0.exe");
+    EXPECT_GT(Win32FileFacts().VersionInfoSize(path), 0u) << "its file facts";
     EXPECT_EQ(ansi.AnsiOfUtf8("\xD0\xBF\xD1\x80\xD0\xBE"), "\xEF\xF0\xEE") << "a browser's UTF-8 in code page 1251";
 }
 }  // namespace
