@@ -4,13 +4,11 @@
 // picks it); the test run replays each as roundtrip_<name> over fixed inputs
 // and the seeds of fuzz/corpus/<name>/, natively and under Wine, holding a
 // seed's exact reading against tests/golden/ where that is the point.
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 
 #include "applications/slow_info_cache.h"
@@ -191,36 +189,6 @@ PROPERTY(reg_file) {
     const auto file = ParseRegFile(in.Rest());
     const std::string text = file ? FormatRegFile(*file) : "not a .reg file\n";
     CHECK((!file || ParseRegFile(text) == file) && SeedsGolden("regfile-", ".reg", text));
-}
-
-// yyyy-mm-dd, a day the calendar has, from 1601 on.
-bool ValidDate(const std::string& text) {
-    unsigned year = 0, month = 0, day = 0;
-    return std::regex_match(text, std::regex(R"(\d{4}-\d\d-\d\d)")) && std::sscanf(text.c_str(), "%u-%u-%u", &year, &month, &day) == 3 &&
-           year >= 1601 && std::chrono::year_month_day(std::chrono::year(static_cast<int>(year)), std::chrono::month(month), std::chrono::day(day)).ok();
-}
-
-// An application's cache record of any bytes (input: a byte, bit 0 Windows 2000,
-// bit 1 a decimal comma; the record): each text keeps its form, is empty exactly
-// where its field says "unknown" or overflows, and the image path is no longer
-// than its field, with no NUL, and empty when its flag is 0.
-PROPERTY(slow_info_cache) {
-    const uint8_t switches = in.Byte();
-    const bool windows2000 = switches & 1;
-    const std::string decimalSign = switches & 2 ? "," : ".", bytes = in.Bytes(kSlowInfoCacheSize);
-    std::vector<uint8_t> record(bytes.begin(), bytes.end());
-    record.resize(kSlowInfoCacheSize);
-    const std::span<const uint8_t, kSlowInfoCacheSize> fields(record.data(), kSlowInfoCacheSize);
-
-    const SlowInfoTexts texts = DecodeSlowInfoCache(fields, windows2000, decimalSign);
-    CHECK(texts.size.empty() || (std::regex_match(texts.size, std::regex(R"(\d{1,4}[.,]\d)")) &&
-                                 texts.size.find(decimalSign) != std::string::npos));
-    CHECK((texts.lastUsed.empty() || ValidDate(texts.lastUsed)) && std::regex_match(texts.frequency, std::regex("|Rarely|Occasionally|Frequently")));
-    CHECK(texts.size.empty() == (record[11] >= 128) && texts.frequency.empty() == (record[24] == 255));
-    CHECK(!texts.lastUsed.empty() || record[23] == 0 || record[23] >= 128 || windows2000);
-    const std::string path = SlowInfoImagePath(fields);
-    CHECK(path.size() <= (kSlowInfoCacheSize - kSlowInfoImagePath) / 2 && path.find('\0') == std::string::npos &&
-          (record[kSlowInfoNameFlag] != 0 || path.empty()));
 }
 
 bool Clean(const std::string& field) { return field.find_first_of("\x01\r\n") == std::string::npos; }

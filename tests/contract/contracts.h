@@ -353,8 +353,7 @@ inline void CheckClockContract(Clock& clock) {
 
 // `running` is a process that runs the file at `path` and may be ended; no
 // process has the id `gone`.
-inline void CheckProcessTableContract(ProcessTable& table, uint32_t running, const std::string& path,
-                                      uint32_t gone) {
+inline void CheckProcessTableContract(ProcessTable& table, uint32_t running, const std::string& path, uint32_t gone) {
     // A buffer too small is filled as far as it goes, never beyond.
     std::vector<uint32_t> ids(4, 0xDEADBEEF);
     uint32_t needed = 999;

@@ -57,8 +57,7 @@ public:
         std::memcpy(block.data(), data.data(), data.size());
         return true;
     }
-    std::optional<VersionValue> QueryVersionValue(std::vector<unsigned char>& block,
-                                                  const std::string& subBlock) override {
+    std::optional<VersionValue> QueryVersionValue(std::vector<unsigned char>& block, const std::string& subBlock) override {
         const std::string_view bytes(reinterpret_cast<const char*>(block.data()), block.size());
         const std::string entry = '\0' + Lower(subBlock) + '\0';
         const size_t at = bytes.find(entry);

@@ -101,8 +101,7 @@ public:
         handles_.erase(it);
         return kRegOk;
     }
-    RegError QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data,
-                        uint32_t* size) override {
+    RegError QueryValue(RegKey key, const std::string& name, uint32_t* type, uint8_t* data, uint32_t* size) override {
         Key* at = nullptr;
         if (RegError error = Use(key, kKeyQueryValue, at, "QueryValue", name)) return error;
         const NamedValue* value = FindValue(*at, name);
@@ -154,8 +153,7 @@ public:
         if (dataSize) *dataSize = needed;
         return kRegOk;
     }
-    RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data,
-                      uint32_t size) override {
+    RegError SetValue(RegKey key, const std::string& name, uint32_t type, const uint8_t* data, uint32_t size) override {
         Key* at = nullptr;
         if (RegError error = Use(key, kKeySetValue, at, "SetValue", name, true)) return error;
         Store(*at, name, type, std::string_view(reinterpret_cast<const char*>(data), data ? size : 0));
