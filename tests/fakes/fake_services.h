@@ -49,7 +49,6 @@ private:
 class FakeTaskService : public TaskService {
 public:
     explicit FakeTaskService(FakeFileSystem& files) : files_(files) {}
-    bool keepsNothing = false;  // as Wine 8's put_Enabled: every change taken, none kept
 
     SysError Enabled(const std::string& path, bool& enabled) override {
         if (files_.failIf && files_.failIf("TaskEnabled", kFolder + path)) return files_.failError;
@@ -61,7 +60,6 @@ public:
         std::string text = files_.Content(kFolder + path).value_or("");
         const size_t settings = text.find("<Settings>"), open = text.find("<Enabled>", settings);
         if (settings == std::string::npos) return 2;
-        if (keepsNothing) return kNoError;
         if (open < text.find("</Settings>")) text.erase(open, text.find("</Enabled>", open) + 10 - open);
         files_.AddFile(kFolder + path, text.insert(settings + 10, enabled ? "<Enabled>true</Enabled>" : "<Enabled>false</Enabled>"));
         return kNoError;

@@ -2,6 +2,7 @@
 // One machine in memory, every port a fake: the golden outputs read it and the
 // fault matrix changes it. MachineSnapshot and MakeReadOnly are what a test
 // of a refused command looks at and sets up.
+#include "browser/browser_extensions.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_file_facts.h"
 #include "fakes/fake_file_system.h"
@@ -67,6 +68,15 @@ inline std::string MachineSnapshot(FakeRegistry& registry, FakeFileSystem& files
         if (auto keys = ReadRegKeyTree(registry, root, path)) text += FormatRegFile(RegFile{{}, *keys});
     }
     return text;
+}
+
+// An extension's row as the lists give it to the commands.
+inline ExtensionRecord Extension(const char* browser, const std::string& id, ExtensionSource source = ExtensionSource::Profile,
+                                 const char* hive = "", std::string key = "", std::string value = "", uint32_t view = 0) {
+    ExtensionRecord record;
+    record.name = "Ext " + id.substr(0, 1), record.browser = browser, record.profile = "Default", record.id = id;
+    record.source = source, record.hive = hive, record.key = key, record.value = value, record.view = view;
+    return record;
 }
 
 // A folder on read-only media, or one the user has no rights to write in:

@@ -107,7 +107,7 @@ struct World : fakes::Machine {
             facts.Add(f[1], fakes::FakeFile{std::nullopt, {}, {}, 0, false, f[5]});
         });
         DisableCheckedHelperObjects(browser, {HelperRow(kKept, "True", 0)});
-        const ExtensionRecord ours = Extension("Chrome", kOurs);
+        const ExtensionRecord ours = fakes::Extension("Chrome", kOurs);
         DisableExtensions(extensions, {&ours});
         registry.PutString(kBlocklist, "5", kLater);
         system.errorTexts[5] = "Access is denied.\r\n";
@@ -121,14 +121,6 @@ struct World : fakes::Machine {
         helper.cells[kBrowserColView] = TextOfView(view);
         helper.checked = true;
         return helper;
-    }
-    static ExtensionRecord Extension(const char* browser, const std::string& id,
-                                     ExtensionSource source = ExtensionSource::Profile, const char* hive = "",
-                                     std::string key = "", const char* value = "", uint32_t view = 0) {
-        ExtensionRecord record;
-        record.name = "Ext " + id.substr(0, 1), record.browser = browser, record.profile = "Default", record.id = id;
-        record.source = source, record.hive = hive, record.key = key, record.value = value, record.view = view;
-        return record;
     }
 };
 
@@ -405,19 +397,19 @@ std::vector<Command> Commands() {
             command(w.extensions, checked);
         };
     };
-    const Records disabling{World::Extension("Chrome", std::string(32, 'd')), World::Extension("Chrome Beta", std::string(32, 'd')),
-                            World::Extension("Edge", std::string(32, 'e')), World::Extension("Firefox", kSideload),
-                            World::Extension("Chrome", kOther), World::Extension("Chrome", kExternal, ExtensionSource::Forcelist)};
+    const Records disabling{fakes::Extension("Chrome", std::string(32, 'd')), fakes::Extension("Chrome Beta", std::string(32, 'd')),
+                            fakes::Extension("Edge", std::string(32, 'e')), fakes::Extension("Firefox", kSideload),
+                            fakes::Extension("Chrome", kOther), fakes::Extension("Chrome", kExternal, ExtensionSource::Forcelist)};
     rows.push_back({"disable extensions", nothing, extensions(DisableExtensions, disabling), "", extStore, true, true, {chromeStore, foreign}});
     rows.push_back({"enable extensions", nothing,
-                    extensions(EnableExtensions, {World::Extension("Chrome Canary", kOurs), World::Extension("Chrome", kAdmin)}),
+                    extensions(EnableExtensions, {fakes::Extension("Chrome Canary", kOurs), fakes::Extension("Chrome", kAdmin)}),
                     "", extStore, true, false, ourStore});
     for (const auto& [what, gone, record] :
-         {std::tuple{"forcelist entry", "forced g", World::Extension("Chrome", std::string(32, 'g'), ExtensionSource::Forcelist, "HKLM",
+         {std::tuple{"forcelist entry", "forced g", fakes::Extension("Chrome", std::string(32, 'g'), ExtensionSource::Forcelist, "HKLM",
                                                                     kForcelist.substr(5), "2")},
-          {"extension key", "", World::Extension("Chrome", kExternal, ExtensionSource::ExternalKey, "HKLM",
+          {"extension key", "", fakes::Extension("Chrome", kExternal, ExtensionSource::ExternalKey, "HKLM",
                                                  "Software\\Google\\Chrome\\Extensions\\" + kExternal, "", kKeyWow64_32Key)},
-          {"sideload", "", World::Extension("Firefox", kSideload, ExtensionSource::FirefoxSideload, "HKCU",
+          {"sideload", "", fakes::Extension("Firefox", kSideload, ExtensionSource::FirefoxSideload, "HKCU",
                                             "Software\\Mozilla\\Firefox\\Extensions", kSideload.c_str())}}) {
         rows.push_back({"delete "s + what, nothing, [record](World& w) { DeleteExtensionEntry(w.extensions, &record); }, gone,
                         backup, record.hive == "HKLM", true});
@@ -494,8 +486,6 @@ std::vector<Command> Commands() {
         rows.push_back({"disable " + name, other(location, command, false), disable, "", store, !store.empty(), !store.empty()});
         if (enables) rows.push_back({"enable " + name, other(location, command, true), enable, "", store, !store.empty()});
     }
-    rows.push_back({"disable a task kept by no service", [=](World& w) { other(kLocTask, sched, false)(w), w.tasks.keepsNothing = true; },
-                    disable});
     for (const char* own : {"safe list add", "safe list remove", "delete on reboot, Windows 9x", "console report"}) {
         for (Command& row : rows) row.onlyCopy |= row.name == own;
     }

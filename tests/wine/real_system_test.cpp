@@ -71,13 +71,6 @@ struct Live {
     ExtensionCommandPorts extensions{registry, files, prompts, system, clock, app};
 };
 
-ExtensionRecord Extension(const char* browser, const std::string& id, ExtensionSource source = ExtensionSource::Profile,
-                          const char* hive = "", const std::string& key = "", const std::string& value = "") {
-    ExtensionRecord record;
-    record.browser = browser, record.id = id, record.source = source, record.hive = hive, record.key = key, record.value = value;
-    return record;
-}
-
 Row TwoCells(size_t columns, const std::string& first, const std::string& second) {
     Row row(columns);
     row.cells[0] = first, row.cells[1] = second, row.checked = true;
@@ -165,10 +158,7 @@ TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
     ASSERT_EQ(Win32FileSystem().Write(big, bytes), kNoError);
     const std::string ansi = "CorvaneTest Caf\xE9 \x80", utf8 = "CorvaneTest Caf\xC3\xA9 \xE2\x82\xAC";
     ASSERT_TRUE(wine::SetValue(HKEY_CURRENT_USER, kRunKeyPath, 0, ansi, REG_SZ, big + '\0'));
-    // A browser's external-install key in each view; UTF-8 shown in the code page, "?" for what it lacks.
-    const std::string chrome = "Software\\Google\\Chrome\\Extensions\\", id32(32, 'w'), id64(32, 'n');
-    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, chrome + id32, KEY_WOW64_32KEY, "version", REG_SZ, "1\0"s));
-    ASSERT_TRUE(wine::SetValue(HKEY_LOCAL_MACHINE, chrome + id64, KEY_WOW64_64KEY, "version", REG_SZ, "1\0"s));
+    // A browser's UTF-8 shown in the code page, "?" for what it lacks.
     EXPECT_EQ(Win32TextEncoding().AnsiOfUtf8(utf8 + "\xE2\x98\x83\xFF"), ansi + "??");
     EXPECT_EQ(Win32Environment().UiLanguage(), "en-US");
 
@@ -190,15 +180,10 @@ TEST(RealViews, TheConsoleReportListsEachViewInUtf8WithTheHostsHash) {
         {uninstall + " (32-bit)|CorvaneTest Wow Tool", true},
         {uninstall + "|CorvaneTest Wow Tool", false},
         {"startup|HKCU\\"s + kRunKeyPath + "|" + utf8, true},
-        {"ie|HKLM\\" + chrome + id32 + " (32-bit)|" + id32, true},
-        {"ie|HKLM\\" + chrome + id32 + "|" + id32, false},
-        {"ie|HKLM\\" + chrome + id64 + "|" + id64, true},
     };
     for (const auto& [row, listed] : rows) EXPECT_EQ(hashes.count(row), listed ? 1u : 0u) << row;
     EXPECT_EQ(hashes["startup|HKCU\\"s + kRunKeyPath + "|" + utf8], wine::RunUnix("sha256sum '" + wine::UnixPath(big) + "'").substr(0, 64));
     DeleteFileA(big.c_str());
-    RegDeleteKeyExA(HKEY_LOCAL_MACHINE, (chrome + id32).c_str(), KEY_WOW64_32KEY, 0);
-    RegDeleteKeyExA(HKEY_LOCAL_MACHINE, (chrome + id64).c_str(), KEY_WOW64_64KEY, 0);
 }
 
 // ---- RealBackups: regedit /s takes what we keep back to the same keys ----
@@ -271,11 +256,11 @@ TEST(RealBackups, RegeditImportsWhatEachCommandKeptBackToTheSameKeys) {
          [&](Live& l) { return DeleteApplicationEntry(l.applications, &entry); }},
         // The middle one of three numbered values, whose backup holds the whole list as it was.
         {"Delete of a forcelist entry", {"HKLM\\" + forcelist},
-         deletingEntry(Extension("Chrome", "second", ExtensionSource::Forcelist, "HKLM", forcelist, "2"))},
+         deletingEntry(fakes::Extension("Chrome", "second", ExtensionSource::Forcelist, "HKLM", forcelist, "2"))},
         {"Delete of an installing key", {"HKLM\\" + installing},
-         deletingEntry(Extension("Edge", "CorvaneTestExt", ExtensionSource::ExternalKey, "HKLM", installing))},
+         deletingEntry(fakes::Extension("Edge", "CorvaneTestExt", ExtensionSource::ExternalKey, "HKLM", installing))},
         {"Delete of a Firefox sideload", {"HKCU\\" + sideloads},
-         deletingEntry(Extension("Firefox", "NoNul", ExtensionSource::FirefoxSideload, "HKCU", sideloads, "NoNul"))},
+         deletingEntry(fakes::Extension("Firefox", "NoNul", ExtensionSource::FirefoxSideload, "HKCU", sideloads, "NoNul"))},
         {"the other places' store", {"HKLM\\" + kComponent},
          [](Live& l) { StartupList list = OtherRow(kLocActiveSetup, "Awkward", "stub.exe /s");
                        return DisableCheckedItems(l.startup, l.places, list) == CommandEnd::Refresh; }, false},
