@@ -207,12 +207,6 @@ protected:
     std::vector<std::string> regFiles_, made_;  // made_: files that go with the machine
 };
 
-// Whether a new file can be made in `folder` now (it is taken away again).
-inline bool TakesNewFile(const std::string& folder) {
-    Win32FileSystem files;
-    return files.Write(folder + "\\~probe.tmp", "") == kNoError && files.Delete(folder + "\\~probe.tmp") == kNoError;
-}
-
 // Sets or clears the immutable attribute of the folder's whole tree, as
 // read-only media would be: a subfolder made before (such as "backup") would
 // otherwise still take files.
@@ -220,7 +214,8 @@ inline bool Chattr(const std::string& folder, bool immutable) {
     const std::string unix = UnixPath(folder);
     if (unix.empty()) return false;
     RunUnix(std::string("/usr/bin/chattr -R ") + (immutable ? "+i '" : "-i '") + unix + "'");
-    return TakesNewFile(folder) != immutable;
+    Win32FileSystem files;  // whether a new file can be made there now (it is taken away again)
+    return (files.Write(folder + "\\~probe.tmp", "") == kNoError && files.Delete(folder + "\\~probe.tmp") == kNoError) != immutable;
 }
 
 // Makes a folder and all below it take no new file, change, delete or rename
