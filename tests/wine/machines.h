@@ -25,7 +25,7 @@ namespace corvane::wine {
 inline const std::string kStartupFiles = "C:\\corvane-tests\\startup-files";
 
 // Values of our own in both Run keys (startup_run.reg, which also names the
-// 32-bit view's, where SetRun32 writes), shortcuts of our own in both startup
+// 32-bit view's), shortcuts of our own in both startup
 // folders, and the programs they start.
 struct StartupMachine : FixtureMachine {
     std::string commonStartup, userStartup;  // the prefix's two startup folders
@@ -50,11 +50,6 @@ struct StartupMachine : FixtureMachine {
             MakeShortcut(link, target, arguments, icon);
             made_.push_back(link);
         }
-    }
-
-    // A value of the machine's Run key in the 32-bit view, as a 32-bit program's installer writes it.
-    static bool SetRun32(const std::string& name, const std::string& command) {
-        return SetValue(HKEY_LOCAL_MACHINE, kRunKeyPath, KEY_WOW64_32KEY, name, REG_SZ, command + '\0');
     }
 };
 
