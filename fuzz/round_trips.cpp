@@ -361,11 +361,10 @@ PROPERTY(delete_on_reboot) {
     CHECK(after.compare(after.size() - entry.size(), entry.size(), entry) == 0 && prompts.shown.empty());
 }
 
-// Today's browsers' files. Input: a byte of switches (bit 0: which file of
-// two, bit 1: behind a million opening brackets), then the file's bytes. A
-// file the reader turns away gives no record; every record has a state and
-// an origin of the lists' words, marked as they say; and where the file holds
-// no escapes, every id, name and version is text the input holds.
+// Today's browsers' files: one the reader turns away gives no record; every
+// record has a state and an origin of the lists' words, marked as they say;
+// and where the file holds no escapes, every id, name and version is text the
+// input holds.
 void CheckHeld(const std::vector<ExtensionRecord>& records, const std::string& input) {
     static const std::set<std::string> kStates{"Enabled", "Disabled", "Blocked by policy"};
     static const std::map<std::string, bool> kOrigins{{"Store", false},       {"Unknown", false}, {"Registry", true},
@@ -381,53 +380,46 @@ void CheckHeld(const std::vector<ExtensionRecord>& records, const std::string& i
     }
 }
 
-// Preferences or Secure Preferences (bit 0), the same bytes as Local State.
-PROPERTY(chromium_preferences) {
+// Input: a byte, bits 0-1 the file: 0 a Chromium profile's Preferences (bit
+// 2: Secure Preferences), the same bytes as Local State; 1 an extension's
+// manifest.json (16-bit length), then the messages of its two locales (bit 2:
+// which); 2 and 3 Firefox's extensions.json, in the profile a profiles.ini
+// (16-bit length) names. Bit 3: the file behind a million opening brackets.
+PROPERTY(browser_files) {
     const uint8_t flags = in.Byte();
-    const std::string bytes = (flags & 2 ? std::string(1000000, '[') : "") + in.Rest();
+    const std::string deep = flags & 8 ? std::string(1000000, '[') : "";
     fakes::FakeFileSystem files;
     fakes::FakeClock clock;
-    files.AddFile("C:\\U\\Local State", bytes);
-    files.AddFile("C:\\U\\Default\\Preferences", flags & 1 ? "{}" : bytes);
-    if (flags & 1) files.AddFile("C:\\U\\Default\\Secure Preferences", bytes);
-    const std::vector<BrowserProfile> profiles = ChromiumProfiles(files, "C:\\U");
-    CHECK(profiles.size() == 1 && profiles[0].folder == "C:\\U\\Default");
-    const auto records = ChromiumExtensions(files, clock, {"C:\\L", "C:\\R", {"de"}}, "Chrome", profiles[0]);
-    CHECK(JsonDocument::Parse(bytes) || (records.empty() && profiles[0].name == "Default"));
-    CheckHeld(records, bytes + "Default");
-}
-
-// A manifest.json (16-bit length), then the messages of its two locales.
-PROPERTY(extension_manifest) {
-    const uint8_t flags = in.Byte();
-    fakes::FakeFileSystem files;
-    const std::string manifest = in.Bytes(in.Length()), messages = in.Rest();
-    files.AddFile("C:\\X\\manifest.json", manifest);
-    files.AddFile(std::string("C:\\X\\_locales\\") + (flags & 1 ? "de" : "en") + "\\messages.json", messages);
-    const ManifestFacts facts = ReadExtensionManifest(files, "C:\\X", {"de"});
-    CHECK(JsonDocument::Parse(manifest) || (facts.name.empty() && facts.version.empty()));
-    ExtensionRecord record;
-    record.name = facts.name;
-    record.version = facts.version;
-    record.state = "Enabled";
-    record.installedBy = "Store";
-    CheckHeld({record}, manifest + messages);
-}
-
-// An extensions.json, in the profile a profiles.ini (16-bit length) names.
-PROPERTY(firefox_extensions) {
-    const uint8_t flags = in.Byte();
-    fakes::FakeFileSystem files;
-    fakes::FakeClock clock;
-    const std::string ini = in.Bytes(in.Length()), json = (flags & 2 ? std::string(1000000, '[') : "") + in.Rest();
-    files.AddFile("C:\\F\\profiles.ini", ini);
-    files.AddFile("C:\\F\\P\\extensions.json", json);
-    std::vector<ExtensionRecord> records;
-    for (const BrowserProfile& profile : FirefoxProfiles(files, "C:\\F")) {
-        for (ExtensionRecord& r : FirefoxExtensions(files, clock, profile)) records.push_back(std::move(r));
+    if ((flags & 3) == 0) {
+        const std::string bytes = deep + in.Rest();
+        files.AddFile("C:\\U\\Local State", bytes);
+        files.AddFile("C:\\U\\Default\\Preferences", flags & 4 ? "{}" : bytes);
+        if (flags & 4) files.AddFile("C:\\U\\Default\\Secure Preferences", bytes);
+        const std::vector<BrowserProfile> profiles = ChromiumProfiles(files, "C:\\U");
+        CHECK(profiles.size() == 1 && profiles[0].folder == "C:\\U\\Default");
+        const auto records = ChromiumExtensions(files, clock, {"C:\\L", "C:\\R", {"de"}}, "Chrome", profiles[0]);
+        CHECK(JsonDocument::Parse(bytes) || (records.empty() && profiles[0].name == "Default"));
+        CheckHeld(records, bytes + "Default");
+    } else if ((flags & 3) == 1) {
+        const std::string manifest = in.Bytes(in.Length()), messages = in.Rest();
+        files.AddFile("C:\\X\\manifest.json", manifest);
+        files.AddFile(std::string("C:\\X\\_locales\\") + (flags & 4 ? "de" : "en") + "\\messages.json", messages);
+        const ManifestFacts facts = ReadExtensionManifest(files, "C:\\X", {"de"});
+        CHECK(JsonDocument::Parse(manifest) || (facts.name.empty() && facts.version.empty()));
+        ExtensionRecord record;
+        record.name = facts.name, record.version = facts.version, record.state = "Enabled", record.installedBy = "Store";
+        CheckHeld({record}, manifest + messages);
+    } else {
+        const std::string ini = in.Bytes(in.Length()), json = deep + in.Rest();
+        files.AddFile("C:\\F\\profiles.ini", ini);
+        files.AddFile("C:\\F\\P\\extensions.json", json);
+        std::vector<ExtensionRecord> records;
+        for (const BrowserProfile& profile : FirefoxProfiles(files, "C:\\F")) {
+            for (ExtensionRecord& r : FirefoxExtensions(files, clock, profile)) records.push_back(std::move(r));
+        }
+        CHECK(JsonDocument::Parse(json) || records.empty());
+        CheckHeld(records, ini + json);
     }
-    CHECK(JsonDocument::Parse(json) || records.empty());
-    CheckHeld(records, ini + json);
 }
 
 }  // namespace
