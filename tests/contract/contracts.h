@@ -283,8 +283,6 @@ struct FileFactsFiles {
     uint64_t fullSize = 0;
 };
 
-inline std::string TextOf(const VersionValue& value) { return std::string(value.address); }
-
 inline void CheckFileFactsContract(FileFacts& facts, const FileFactsFiles& f) {
     EXPECT_EQ(facts.VersionInfoSize(f.missing), 0u);
     EXPECT_EQ(facts.VersionInfoSize(f.bare), 0u) << "no version resource";
@@ -304,7 +302,7 @@ inline void CheckFileFactsContract(FileFacts& facts, const FileFactsFiles& f) {
         ASSERT_TRUE(company.has_value()) << key << ": names ignore case";
         EXPECT_GE(company->address, begin) << "values lie inside the block";
         EXPECT_LT(company->address, begin + block.size());
-        EXPECT_EQ(TextOf(*company), "Pr\xFC" "fwerk GmbH") << "ANSI text, NUL-terminated";
+        EXPECT_EQ(std::string(company->address), "Pr\xFC" "fwerk GmbH") << "ANSI text, NUL-terminated";
     }
     EXPECT_FALSE(facts.QueryVersionValue(block, "\\StringFileInfo\\040704E4\\Comments").has_value())
         << "a string the file does not have";

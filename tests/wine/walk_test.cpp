@@ -113,7 +113,6 @@ std::vector<int> Widths(HWND list) {
     for (int c = 0; list && c < Header_GetItemCount(ListView_GetHeader(list)); ++c) widths.push_back(ListView_GetColumnWidth(list, c));
     return widths;
 }
-int SelectedItem(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, -1, LVNI_SELECTED)); }
 RECT ItemRect(HWND list, int item) {
     SendMessageA(list, LVM_ENSUREVISIBLE, item, FALSE);
     RECT r{LVIR_LABEL, 0, 0, 0};
@@ -359,7 +358,7 @@ HWND RightClick(HWND list, POINT p, int item, const std::string& what) {
     HWND menu = nullptr;
     ClickAt(p, 3);
     EXPECT_TRUE(WaitFor([&] { return (menu = TopWindow("#32768")) != nullptr; })) << what << ": no menu";
-    EXPECT_EQ(SelectedItem(list), item) << what << ": a right-click moved the selection";
+    EXPECT_EQ(SendMessageA(list, LVM_GETNEXTITEM, -1, LVNI_SELECTED), item) << what << ": a right-click moved the selection";
     return menu;
 }
 
