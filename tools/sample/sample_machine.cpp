@@ -145,8 +145,11 @@ void AddStartup(const std::string& app) {
 
     const std::string blaster = std::string(kRunning) + "\\" + kSuspectProgram;
     Check(SetText(HKEY_CURRENT_USER, kRunKeyPath, "CorvaneTest Blaster", blaster), "the suspicious Run value");
-    Check(wine::StartupMachine::SetRun32("CorvaneTest Wow", "\"" + machine->full + "\" /media"), "a 32-bit Run value");
-    Check(wine::StartupMachine::SetRun32("CorvaneTest Wow Plain", machine->plain), "a 32-bit Run value");
+    // Values of the machine's Run key in the 32-bit view, as a 32-bit program's installer writes them.
+    for (const auto& [name, command] : {std::pair<std::string, std::string>{"CorvaneTest Wow", "\"" + machine->full + "\" /media"},
+                                        {"CorvaneTest Wow Plain", machine->plain}}) {
+        Check(wine::SetValue(HKEY_LOCAL_MACHINE, kRunKeyPath, KEY_WOW64_32KEY, name, REG_SZ, command + '\0'), "a 32-bit Run value");
+    }
     Check(wine::MakeShortcut(machine->commonStartup + "\\CorvaneTest Updater.lnk", machine->plain, "-silent"),
           "a shortcut");
     // Switched off in Task Manager on 5 March 2024: flags 03, then the FILETIME of that noon.
