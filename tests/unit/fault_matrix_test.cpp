@@ -480,7 +480,8 @@ std::vector<Command> Commands() {
     // Services and tasks (the fake task service keeps its tasks in files, which HKLM's refusal does not reach).
     const std::string sched = "C:\\Windows\\System32\\sched.exe";
     for (const auto& [location, command, enables] : {std::tuple{kLocServiceDll, "C:\\Apps\\svc.dll"s, true},
-                                                    {kLocDriver, "\\??\\C:\\Apps\\drv.sys"s, false}, {kLocTask, sched, true}}) {
+                                                    {kLocDriver, "\\??\\C:\\Apps\\drv.sys"s, false}, {kLocTask, sched, true},
+                                                    {kLocDriver, "\\??\\C:\\Apps\\boot.sys"s, false}}) {
         const std::string name = std::string(location) + " " + command;
         const std::string store = location == kLocTask ? "" : dother;  // a task's switch is the task service's
         rows.push_back({"disable " + name, other(location, command, false), disable, "", store, !store.empty(), !store.empty()});
