@@ -671,6 +671,7 @@ TEST(FaultMatrix, NoFaultLosesAnItem) {
     for (const Command& c : Commands()) {
         World done;
         c.prepare(done);
+        const Before before = Take(done, items, c);  // as every run starts
         c.run(done);
         for (const fakes::Fault fault : fakes::kEveryFault) {
             // A file that is its own only copy has nothing to compare a write with.
@@ -678,7 +679,6 @@ TEST(FaultMatrix, NoFaultLosesAnItem) {
             for (int n = 1;; ++n, ++runs) {
                 World w;
                 c.prepare(w);
-                const Before before = Take(w, items, c);
                 Refuse(w, false);
                 const auto [crashed, reached] = fakes::RunWithFault(fault, n, w.registry, w.files, [&] { c.run(w); });
                 const bool fileFails = fault == fakes::Fault::FileCallFails || fault == fakes::Fault::FileChangeFails;
